@@ -1,0 +1,45 @@
+# Third-party libraries, all Debian's, as interface targets:
+#   orbelantine_deps          Boost's headers
+#   orbelantine_deps_system   what of Boost is compiled
+#   orbelantine_deps_logging  spdlog and fmt, for the one file that includes them
+#   GTest::gtest_main         GoogleTest from Debian's sources, with this build's own flags
+find_package(Threads REQUIRED)
+
+add_library(orbelantine_deps INTERFACE)
+target_link_libraries(orbelantine_deps INTERFACE Threads::Threads)
+target_compile_definitions(orbelantine_deps INTERFACE
+    BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB BOOST_THREAD_VERSION=4)
+
+add_library(orbelantine_deps_logging INTERFACE)
+target_compile_definitions(orbelantine_deps_logging INTERFACE
+    SPDLOG_HEADER_ONLY SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
+
+add_library(orbelantine_deps_system INTERFACE)
+
+if(WIN32)
+    include(BoostFromSource)
+    # Headers that need no building are used where Debian put them, through links in the build
+    # folder: /usr/include itself must never reach the cross compiler.
+    set(header_links "${CMAKE_BINARY_DIR}/third_party/include")
+    file(MAKE_DIRECTORY "${header_links}")
+    foreach(name boost spdlog fmt)
+        file(CREATE_LINK "/usr/include/${name}" "${header_links}/${name}" SYMBOLIC)
+    endforeach()
+    target_include_directories(orbelantine_deps SYSTEM INTERFACE "${header_links}")
+    target_link_libraries(orbelantine_deps INTERFACE ws2_32)
+    target_link_libraries(orbelantine_deps_system INTERFACE
+        orbelantine_boost_thread orbelantine_boost_filesystem
+        shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops)
+else()
+    find_package(Boost 1.81 REQUIRED COMPONENTS thread filesystem)
+    target_link_libraries(orbelantine_deps INTERFACE Boost::headers)
+    target_link_libraries(orbelantine_deps_system INTERFACE Boost::thread Boost::filesystem ${CMAKE_DL_LIBS})
+endif()
+
+if(BUILD_TESTING)
+    set(INSTALL_GTEST OFF)
+    set(BUILD_GMOCK OFF)
+    set(gtest_force_shared_crt ON)
+    add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/third_party/googletest" EXCLUDE_FROM_ALL)
+    include(GoogleTest)
+endif()

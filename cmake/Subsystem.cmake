@@ -1,0 +1,51 @@
+if(WIN32)
+    set(orbelantine_platform windows)
+else()
+    set(orbelantine_platform linux)
+endif()
+
+# orbelantine_subsystem(NAME [PATH folder] [USES subsystem...] [LIBRARIES target...])
+# The object library orbelantine_NAME of a folder's portable sources and those of the platform.
+function(orbelantine_subsystem name)
+    cmake_parse_arguments(arg "" "PATH" "USES;LIBRARIES" ${ARGN})
+    if(NOT arg_PATH)
+        set(arg_PATH ${name})
+    endif()
+    file(GLOB sources CONFIGURE_DEPENDS
+        "${PROJECT_SOURCE_DIR}/${arg_PATH}/*.cpp"
+        "${PROJECT_SOURCE_DIR}/${arg_PATH}/${orbelantine_platform}/*.cpp")
+    add_library(orbelantine_${name} OBJECT ${sources})
+    list(TRANSFORM arg_USES PREPEND orbelantine_)
+    target_link_libraries(orbelantine_${name} PUBLIC
+        orbelantine_options orbelantine_deps ${arg_USES} ${arg_LIBRARIES})
+    set_property(GLOBAL APPEND PROPERTY orbelantine_subsystems orbelantine_${name})
+endfunction()
+
+# orbelantine_link_all(TARGET)
+# Puts every subsystem's objects into a program or library; an object library's own objects do
+# not travel through the libraries that use it.
+function(orbelantine_link_all target)
+    get_property(subsystems GLOBAL PROPERTY orbelantine_subsystems)
+    target_link_libraries(${target} PRIVATE ${subsystems})
+endfunction()
+
+# orbelantine_tests(NAME [ONE_PROCESS_EACH] [LIBRARIES target...])
+# The suite NAME_tests of the sources in this folder's subfolder NAME (and NAME/<platform>). With
+# ONE_PROCESS_EACH each case starts a process of its own, for state that lasts as long as one.
+function(orbelantine_tests name)
+    cmake_parse_arguments(arg "ONE_PROCESS_EACH" "" "LIBRARIES" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS
+        "${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp"
+        "${CMAKE_CURRENT_SOURCE_DIR}/${name}/${orbelantine_platform}/*.cpp")
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(${name}_tests ${sources})
+    orbelantine_link_all(${name}_tests)
+    target_link_libraries(${name}_tests PRIVATE ${arg_LIBRARIES} gtest_main)
+    if(arg_ONE_PROCESS_EACH)
+        gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60)
+    else()
+        add_test(NAME ${name}_tests COMMAND ${name}_tests)
+    endif()
+endfunction()
