@@ -1,0 +1,2 @@
+%module(directors="1") Audio
+%include "binding/overlay/overlay.i"

@@ -1,0 +1,2 @@
+%module(directors="1") Bluetooth
+%include "binding/overlay/overlay.i"

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <boost/function.hpp>
+#include <boost/signals2/signal.hpp>
+#include <boost/smart_ptr/shared_ptr.hpp>
+#include <boost/system/error_code.hpp>
+
+#include <utility>
+
+namespace orbelantine::binding {
+
+/// What a host implements to be called: `pin` when native code takes hold of the object, `unpin`
+/// when the last native copy is gone; its true asks for the object's deletion. Any thread.
+template <class Signature>
+struct CallbackImpl;
+
+template <class Result, class... Arguments>
+struct CallbackImpl<Result(Arguments...)> {
+    using Signature = Result(Arguments...);
+
+    virtual ~CallbackImpl() = default;
+    virtual void pin() = 0;
+    virtual bool unpin() = 0;
+    virtual Result call(Arguments... arguments) = 0;
+};
+
+/// A function that calls the host's object. Its copies share one hold on it.
+template <class Result, class... Arguments>
+boost::function<Result(Arguments...)> hold(CallbackImpl<Result(Arguments...)>* impl) {
+    using Impl = CallbackImpl<Result(Arguments...)>;
+    impl->pin();
+    const boost::shared_ptr<Impl> held(impl, [](Impl* released) {
+        if (released->unpin())
+            delete released;
+    });
+    return [held](Arguments... arguments) -> Result {
+        return held->call(std::move(arguments)...);
+    };
+}
+
+/// The function behind a host's handle; no handle is an empty function.
+template <class Signature>
+boost::function<Signature> functionOf(const boost::function<Signature>* handle) {
+    return handle ? *handle : boost::function<Signature>();
+}
+
+template <class Signature>
+boost::signals2::connection connect(boost::signals2::signal<Signature>& signal,
+                                    const boost::function<Signature>* slot) {
+    return signal.connect(functionOf(slot));
+}
+
+template <class Signature>
+boost::signals2::connection connect(boost::signals2::signal<Signature>& signal, int group,
+                                    const boost::function<Signature>* slot) {
+    return signal.connect(group, functionOf(slot));
+}
+
+/// Fires a signal as its signature says: a result is the last slot's, and having none throws.
+template <class Signature>
+struct fire;
+
+template <class Result, class... Arguments>
+struct fire<Result(Arguments...)> {
+    explicit fire(boost::signals2::signal<Result(Arguments...)>& signal)
+        : mSignal(signal) {}
+
+    Result operator()(Arguments... arguments) const {
+        if constexpr (std::is_void_v<Result>)
+            mSignal(std::move(arguments)...);
+        else
+            return mSignal(std::move(arguments)...).value();
+    }
+
+  private:
+    boost::signals2::signal<Result(Arguments...)>& mSignal;
+};
+
+} // namespace orbelantine::binding
+
+#define ORB_CALLBACK_FAMILY(NAME, RESULT, TYPES, PARAMETERS, ARGUMENTS)                            \
+    struct NAME##Impl : orbelantine::binding::CallbackImpl<RESULT TYPES> {};
+#include "binding/CallbackTable.h"
+#undef ORB_CALLBACK_FAMILY

@@ -1,0 +1,8 @@
+%module(directors="1") Common
+%include "binding/overlay/overlay.i"
+
+%include "binding/errors.i"
+%include "binding/logging.i"
+%include "binding/containers.i"
+%include "binding/kvstore.i"
+%include "binding/callbacks.i"

@@ -1,0 +1,32 @@
+%module(directors="1") Input
+%include "binding/overlay/overlay.i"
+%import "binding/Common.i"
+%import "binding/AVStackBase.i"
+
+%{
+#include "avstack/IInputMediaBufferKeyboard.h"
+#include "avstack/IInputMediaBufferMouse.h"
+#include "avstack/IInputMediaBufferTouch.h"
+#include "avstack/IInputSource.h"
+#include "avstack/IInputTarget.h"
+#include "avstack/InputFormat.h"
+#include "binding/CallbackFamilies.h"
+#include "core/common/KVStore.h"
+#include "hid/HIDDeviceClient.h"
+#include "hid/HIDEventsPacker.h"
+#include "hid/HIDReportProvider.h"
+%}
+
+ORB_SHARED(orbelantine::IInputMediaBufferMouse)
+ORB_SHARED(orbelantine::IInputMediaBufferKeyboard)
+ORB_SHARED(orbelantine::IInputMediaBufferTouch)
+ORB_SHARED(orbelantine::IInputSource)
+ORB_SHARED(orbelantine::IInputTarget)
+ORB_SHARED(orbelantine::IHIDDeviceClient)
+ORB_SHARED(orbelantine::HIDDeviceClient)
+ORB_SHARED(orbelantine::HIDEventsPacker)
+ORB_SHARED(orbelantine::IHIDReportProvider)
+ORB_SHARED(orbelantine::HIDReportProvider)
+
+%include "binding/inputbuffers.i"
+%include "binding/hid.i"

@@ -1,0 +1,24 @@
+// What every module starts from: SWIG's own rules with the changes that the exports call for.
+
+%include "binding/overlay/registration.i"
+%include <stdint.i>
+%include <typemaps.i>
+%include "binding/overlay/text.i"
+%include "binding/overlay/values.i"
+%include "binding/overlay/holders.i"
+
+// Native enumerations are constants for the host, without an export each.
+%csconst(1);
+
+// The proxies of all modules see each other.
+%define ORB_USING
+"using Orbelantine.Swig.common;
+using Orbelantine.Swig.avstack_base;
+using Orbelantine.Swig.bluetooth;
+using Orbelantine.Swig.input;
+using Orbelantine.Swig.audio;
+"
+%enddef
+%pragma(csharp) imclassimports=ORB_USING
+%pragma(csharp) moduleimports=ORB_USING
+%typemap(csimports) SWIGTYPE, SWIGTYPE *, SWIGTYPE &, SWIGTYPE &&, SWIGTYPE [], SWIGTYPE (CLASS::*), enum SWIGTYPE ORB_USING
