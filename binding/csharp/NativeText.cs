@@ -79,7 +79,7 @@ namespace Orbelantine.Swig
     internal static class NativeObject
     {
         [ThreadStatic]
-        private static object returned;
+        internal static object returned;
 
         /// <summary>Keeps an object reachable until the next one on this thread.</summary>
         internal static T Keep<T>(T value)
