@@ -5,6 +5,7 @@
 %{
 #include "avstack/IMediaBuffer.h"
 #include "avstack/IMediaElement.h"
+#include "binding/CallbackFamilies.h"
 %}
 
 %include "binding/media.i"
@@ -42,8 +43,8 @@ public:
   virtual void stop();
   virtual void pause();
   virtual void resume();
-  virtual void registerTarget(boost::shared_ptr< orbelantine::IMediaElement > target);
-  virtual void onFrame(boost::shared_ptr< orbelantine::IMediaBuffer > buffer);
+  virtual void registerTarget(boost::shared_ptr< orbelantine::IMediaElement > const &target);
+  virtual void onFrame(boost::shared_ptr< orbelantine::IMediaBuffer > const &buffer);
   virtual void refresh();
   virtual void flush();
   virtual std::string getName();

@@ -41,34 +41,34 @@ public:
   HIDEventsPacker(orbelantine::KVStore const &configuration, bool includeBtCode = true);
   virtual void start();
   virtual void stop();
-  virtual void registerTarget(boost::shared_ptr< orbelantine::IMediaElement > target);
-  virtual void onFrame(boost::shared_ptr< orbelantine::IMediaBuffer > buffer);
+  virtual void registerTarget(boost::shared_ptr< orbelantine::IMediaElement > const &target);
+  virtual void onFrame(boost::shared_ptr< orbelantine::IMediaBuffer > const &buffer);
 };
 
 class IHIDReportProvider {
 public:
   virtual ~IHIDReportProvider();
-  virtual void setDevice(boost::shared_ptr< orbelantine::IHIDDeviceClient > device) = 0;
+  virtual void setDevice(boost::shared_ptr< orbelantine::IHIDDeviceClient > const &device) = 0;
   virtual void sendMouseMove(int32_t x, int32_t y) = 0;
   virtual void sendMouseScroll(int32_t amount) = 0;
   virtual void sendMouseLeftClick(bool pressed) = 0;
   virtual void sendMouseRightClick(bool pressed) = 0;
   virtual void sendKey(uint8_t scanCode, bool pressed) = 0;
   virtual void resetState() = 0;
-  virtual void dispatchReport(boost::shared_ptr< orbelantine::IMediaBuffer > buffer) = 0;
+  virtual void dispatchReport(boost::shared_ptr< orbelantine::IMediaBuffer > const &buffer) = 0;
 };
 
 class HIDReportProvider : public orbelantine::IHIDReportProvider {
 public:
   HIDReportProvider(orbelantine::KVStore const &configuration);
-  virtual void setDevice(boost::shared_ptr< orbelantine::IHIDDeviceClient > device);
+  virtual void setDevice(boost::shared_ptr< orbelantine::IHIDDeviceClient > const &device);
   virtual void sendMouseMove(int32_t x, int32_t y);
   virtual void sendMouseScroll(int32_t amount);
   virtual void sendMouseLeftClick(bool pressed);
   virtual void sendMouseRightClick(bool pressed);
   virtual void sendKey(uint8_t scanCode, bool pressed);
   virtual void resetState();
-  virtual void dispatchReport(boost::shared_ptr< orbelantine::IMediaBuffer > buffer);
+  virtual void dispatchReport(boost::shared_ptr< orbelantine::IMediaBuffer > const &buffer);
 };
 
 }

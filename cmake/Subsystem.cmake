@@ -16,8 +16,9 @@ function(orbelantine_subsystem name)
         "${PROJECT_SOURCE_DIR}/${arg_PATH}/${orbelantine_platform}/*.cpp")
     add_library(orbelantine_${name} OBJECT ${sources})
     list(TRANSFORM arg_USES PREPEND orbelantine_)
-    target_link_libraries(orbelantine_${name} PUBLIC
-        orbelantine_options orbelantine_deps ${arg_USES} ${arg_LIBRARIES})
+    target_link_libraries(orbelantine_${name}
+        PUBLIC orbelantine_options orbelantine_deps ${arg_USES}
+        PRIVATE ${arg_LIBRARIES})
     set_property(GLOBAL APPEND PROPERTY orbelantine_subsystems orbelantine_${name})
 endfunction()
 

@@ -1,5 +1,8 @@
 // What every module starts from: SWIG's own rules with the changes that the exports call for.
 
+// 844: a text result is taken before a pending exception is raised.
+#pragma SWIG nowarn=844
+
 %include "binding/overlay/registration.i"
 %include <stdint.i>
 %include <typemaps.i>

@@ -43,7 +43,7 @@ class wstring;
 
 // Narrow
 %typemap(in) std::string %{ if ($input) $1.assign($input); %}
-%typemap(in) const std::string &, std::string & (std::string text)
+%typemap(in) const std::string & (std::string text), std::string & (std::string text)
 %{ if ($input) text.assign($input);
    $1 = &text; %}
 %typemap(out) std::string %{ $result = SWIG_csharp_string_callback($1.c_str()); %}
@@ -56,12 +56,12 @@ class wstring;
 
 // Wide
 %typemap(in) std::wstring %{ $1 = orbelantine::binding::fromUtf16($input); %}
-%typemap(in) const std::wstring &, std::wstring & (std::wstring text)
+%typemap(in) const std::wstring & (std::wstring text), std::wstring & (std::wstring text)
 %{ text = orbelantine::binding::fromUtf16($input);
    $1 = &text; %}
 %typemap(in) const wchar_t * (std::wstring text)
 %{ text = orbelantine::binding::fromUtf16($input);
-   $1 = text.c_str(); %}
+   $1 = text.data(); %}
 %typemap(out) std::wstring %{ $result = SWIG_csharp_wstring($1); %}
 %typemap(out) const std::wstring &, std::wstring & %{ $result = SWIG_csharp_wstring(*$1); %}
 %typemap(directorin) std::wstring, const std::wstring & %{ $input = SWIG_csharp_wstring($1); %}
