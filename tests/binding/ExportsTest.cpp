@@ -1,0 +1,180 @@
+#include "tests/binding/Library.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <fstream>
+
+namespace orbelantine::test {
+namespace {
+
+using Handle = void*;
+
+class Exports : public testing::Test {
+  protected:
+    Library& library = Library::instance();
+
+    void TearDown() override {
+        EXPECT_FALSE(library.takeError()) << "an export reported an error that no test asked for";
+    }
+
+    void expectNull(const std::string& text) {
+        EXPECT_EQ((Library::ArgumentError{"argument-null", text, std::nullopt}),
+                  library.takeError());
+    }
+
+    void expectOutOfRange(const std::string& parameter) {
+        EXPECT_EQ((Library::ArgumentError{"argument-out-of-range", std::nullopt, parameter}),
+                  library.takeError());
+    }
+
+    std::string message(Handle code) {
+        return library.takeText(library.common<void*(Handle)>("error_code_message")(code));
+    }
+};
+
+TEST_F(Exports, EveryAgreedNameIsFoundByName) {
+    std::ifstream names(ORBELANTINE_EXPORTS);
+    ASSERT_TRUE(names) << ORBELANTINE_EXPORTS;
+    std::size_t count = 0;
+    for (std::string name; std::getline(names, name); ++count)
+        EXPECT_TRUE(library.has(name)) << name;
+    EXPECT_GT(count, 400U);
+}
+
+TEST_F(Exports, TextGoesOutThroughTheCallbackAndNullIsTheEmptyText) {
+    const Handle store = library.common<Handle()>("new_KVStore__SWIG_0")();
+    const auto get =
+        library.common<void*(Handle, const char*, const char*)>("KVStore_getStringAt__SWIG_0");
+    EXPECT_EQ("", library.takeText(get(store, nullptr, nullptr)));
+    EXPECT_EQ("h\xC3\xA9", library.takeText(get(store, "key", "h\xC3\xA9")));
+    EXPECT_EQ("h\xC3\xA9", library.takeText(get(store, "key", "other")));
+    library.common<void(Handle)>("delete_KVStore")(store);
+}
+
+TEST_F(Exports, WideTextCrossesAsUtf16WithItsSurrogatePairs) {
+    const Handle store = library.common<Handle()>("new_KVStore__SWIG_0")();
+    const std::u16string text = u"a\u00E9\U0001F4F1z";
+    library.common<void(Handle, const char*, const char16_t*)>("KVStore_setWStringAt")(
+        store, "key", text.c_str());
+    const auto get = library.common<void*(Handle, const char*)>("KVStore_getWStringAt__SWIG_1");
+    EXPECT_EQ(text, library.takeWideText(get(store, "key")));
+    EXPECT_EQ(u"", library.takeWideText(get(store, "absent")));
+
+    const char16_t lone[] = {u'x', 0xD83D, 0};
+    library.common<void(Handle, const char*, const char16_t*)>("KVStore_setWStringAt")(store, "key",
+                                                                                       lone);
+    EXPECT_EQ(std::u16string(lone), library.takeWideText(get(store, "key")));
+    library.common<void(Handle)>("delete_KVStore")(store);
+}
+
+TEST_F(Exports, NullReferencesReportTheirTypeAndGiveNull) {
+    EXPECT_EQ(nullptr, library.common<Handle(Handle)>("new_error_code__SWIG_2")(nullptr));
+    expectNull("boost::system::error_code const & type is null");
+    EXPECT_EQ(nullptr, library.common<Handle(int, Handle)>("new_error_code__SWIG_1")(5, nullptr));
+    expectNull("boost::system::error_category const & type is null");
+    EXPECT_EQ(nullptr, library.common<Handle(Handle)>("new_KVStore__SWIG_1")(nullptr));
+    expectNull("orbelantine::KVStore const & type is null");
+    EXPECT_EQ(nullptr, library.common<Handle(Handle)>("new_ErrorCodeCallback__SWIG_0")(nullptr));
+    expectNull("boost::function< void (boost::system::error_code) > const & type is null");
+    EXPECT_EQ(nullptr, library.call<Handle(Handle)>("input", "new_InputFormat__SWIG_5")(nullptr));
+    expectNull("orbelantine::KVStore const & type is null");
+
+    const Handle store = library.common<Handle()>("new_KVStore__SWIG_0")();
+    library.common<void*(Handle, const char*, Handle)>("KVStore_getDataAt__SWIG_0")(store, "k",
+                                                                                    nullptr);
+    expectNull("std::vector< uint8_t > const & type is null");
+    const Handle map = library.common<Handle(Handle)>("KVStore_getKVStoreMap")(store);
+    library.common<void(Handle, const char*, Handle)>("KVStoreMap_Add")(map, "k", nullptr);
+    expectNull("std::map< std::string,orbelantine::KVStore >::mapped_type const & type is null");
+    EXPECT_EQ(0U, library.common<unsigned(Handle)>("KVStoreMap_size")(map));
+    library.common<void(Handle)>("delete_KVStore")(store);
+}
+
+TEST_F(Exports, DeletingNothingAndUpcastingNothingDoNothing) {
+    for (const char* name : {"delete_KVStore", "delete_error_code", "delete_IpcErrors",
+                             "delete_ByteVector", "delete_connection", "delete_ErrorCodeCallback",
+                             "delete_ErrorCodeCallbackImpl", "delete_SignalErrorCodeCallback"})
+        library.common<void(Handle)>(name)(nullptr);
+    for (const char* name : {"IInputMediaBufferMouse", "IInputSource", "HIDReportProvider"}) {
+        library.call<void(Handle)>("input", std::string("delete_") + name)(nullptr);
+        EXPECT_EQ(nullptr, library.call<Handle(Handle)>(
+                               "input", std::string(name) + "_SWIGSmartPtrUpcast")(nullptr));
+    }
+}
+
+TEST_F(Exports, ErrorCodesKeepValueAndCategory) {
+    EXPECT_EQ(20000, library.common<int()>("ORB_ERROR_BASE_get")());
+    const auto valueOf = library.common<int(Handle)>("error_code_value");
+    const auto release = library.common<void(Handle)>("delete_error_code");
+
+    const Handle none = library.common<Handle()>("new_error_code__SWIG_0")();
+    EXPECT_EQ(0, valueOf(none));
+    EXPECT_EQ(std::string::npos, message(none).find("Category"));
+
+    const Handle failed = library.common<Handle(int)>("IpcErrors_getErrorCode")(20806);
+    EXPECT_EQ("'Category: struct orbelantine::IpcErrors, Message: Error code - "
+              "SecurityValidationFailure'",
+              message(failed));
+    const Handle copy = library.common<Handle(Handle)>("new_error_code__SWIG_2")(failed);
+    EXPECT_EQ(20806, valueOf(copy));
+    EXPECT_EQ(message(failed), message(copy));
+
+    const Handle hosts = library.common<Handle(Handle, int)>("SwigErrorCategory_error_code")(
+        library.common<Handle()>("GlobalCategory_get")(), -5);
+    EXPECT_EQ("Swig Error: -5", message(hosts));
+    for (const Handle code : {none, failed, copy, hosts})
+        release(code);
+}
+
+TEST_F(Exports, ContainersReportTheirRangesInOrder) {
+    EXPECT_EQ(nullptr, library.common<Handle(int)>("new_ByteVector__SWIG_2")(-1));
+    expectOutOfRange("capacity");
+    const Handle bytes = library.common<Handle()>("new_ByteVector__SWIG_0")();
+    const auto range = library.common<Handle(Handle, int, int)>("ByteVector_GetRange");
+    EXPECT_EQ(nullptr, range(bytes, -1, -1));
+    expectOutOfRange("index");
+    EXPECT_EQ(nullptr, range(bytes, 0, -1));
+    expectOutOfRange("count");
+    EXPECT_EQ(nullptr, range(bytes, 1, 0));
+    EXPECT_EQ((Library::ArgumentError{"argument", "invalid range", ""}), library.takeError());
+    const Handle empty = range(bytes, 0, 0);
+    EXPECT_EQ(0U, library.common<unsigned(Handle)>("ByteVector_size")(empty));
+    library.common<void(Handle)>("delete_ByteVector")(empty);
+    library.common<void(Handle)>("delete_ByteVector")(bytes);
+}
+
+TEST_F(Exports, FieldSettersIgnoreNoObject) {
+    library.call<void(Handle, int)>("input", "IInputMediaBufferMouse_EventData_x_set")(nullptr, 5);
+    library.call<void(Handle, unsigned)>("input", "InputFormat_mouseType_set")(nullptr, 5);
+}
+
+TEST_F(Exports, ADirectorWithoutDelegatesThrowsWhatItsPureOperationIs) {
+    const Handle impl = library.common<Handle()>("new_ErrorCodeCallbackImpl")();
+    try {
+        library.common<Handle(Handle)>("new_ErrorCodeCallback__SWIG_1")(impl);
+        FAIL() << "nothing was thrown";
+    } catch (const std::exception& error) {
+        EXPECT_STREQ("Attempt to invoke pure virtual method ErrorCodeCallbackImpl::pin",
+                     error.what());
+    }
+    library.common<void(Handle)>("delete_ErrorCodeCallbackImpl")(impl);
+}
+
+TEST_F(Exports, EachUpcastIsAnOwnerMore) {
+    using Upcast = Handle(Handle);
+    const Handle mouse = library.call<Handle(int, int, std::uint8_t, unsigned)>(
+        "input", "new_IInputMediaBufferMouse__SWIG_3")(5, 6, 0, 0);
+    const Handle buffer =
+        library.call<Upcast>("input", "IInputMediaBufferMouse_SWIGSmartPtrUpcast")(mouse);
+    library.call<void(Handle)>("input", "delete_IInputMediaBufferMouse")(mouse);
+    EXPECT_EQ(20U, library.call<unsigned(Handle)>("avstack_base", "IMediaBuffer_getSize")(buffer));
+    const auto* data = static_cast<const std::int32_t*>(library.call<void*(Handle, unsigned)>(
+        "avstack_base", "IMediaBuffer_map__SWIG_1")(buffer, 0));
+    EXPECT_EQ(5, data[0]);
+    EXPECT_EQ(6, data[1]);
+    library.call<void(Handle)>("avstack_base", "delete_IMediaBuffer")(buffer);
+}
+
+} // namespace
+} // namespace orbelantine::test
