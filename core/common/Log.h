@@ -2,7 +2,15 @@
 
 #include "core/common/FunctionName.h"
 
+#include <cstdarg>
 #include <string>
+
+// The formats are those of ISO C on every platform, as vsnprintf here takes them.
+#if defined(__clang__)
+#define ORB_PRINTF(text, first) __attribute__((format(printf, text, first)))
+#else
+#define ORB_PRINTF(text, first) __attribute__((format(gnu_printf, text, first)))
+#endif
 
 namespace orbelantine {
 
@@ -27,13 +35,17 @@ inline constexpr const char* kNativeLogTag = "LUMIPORT";
 /// Logs the text as it stands under the logger `tag`.
 void lumiport_log(unsigned level, const char* tag, const char* message);
 /// Logs a printf text, cut at 2,047 characters; nothing is formatted below the level.
-void lumiport_log_fmt(unsigned level, const char* tag, const char* format, ...)
-    __attribute__((format(printf, 3, 4)));
+void lumiport_log_fmt(unsigned level, const char* tag, const char* format, ...) ORB_PRINTF(3, 4);
+/// The same with the arguments as a list.
+void lumiport_log_vfmt(unsigned level, const char* tag, const char* format, std::va_list arguments)
+    ORB_PRINTF(3, 0);
 /// Logs under "ALL__" + tag; the text is "[redacted]" unless private entries are enabled.
 void lumiport_log_private(unsigned level, const char* tag, const char* message);
 /// As lumiport_log_private; a format that begins with "%s()" keeps its first argument.
 void lumiport_log_private_fmt(unsigned level, const char* tag, const char* format, ...)
-    __attribute__((format(printf, 3, 4)));
+    ORB_PRINTF(3, 4);
+void lumiport_log_private_vfmt(unsigned level, const char* tag, const char* format,
+                               std::va_list arguments) ORB_PRINTF(3, 0);
 
 [[nodiscard]] unsigned get_log_level();
 /// Clamped to kLogOff. Reaches each existing logger at its next message.

@@ -1,0 +1,102 @@
+#include "LogTest.h"
+
+namespace orbelantine {
+namespace {
+
+using LogFile = LogTest;
+
+std::wstring withSeparator(const std::filesystem::path& folder) {
+    return toWide(folder / "");
+}
+
+TEST_F(LogFile, NamesAreEmptyUntilTheFirstMessage) {
+    EXPECT_EQ(get_log_directory(), L"");
+    EXPECT_EQ(get_log_name(), L"");
+    EXPECT_EQ(get_log_max_index(), 1U);
+    lumiport_log(kLogInfo, "T", "x");
+    EXPECT_EQ(get_log_directory(), withSeparator(mFolder));
+    EXPECT_EQ(get_log_name(), L"lumiport.log_tests.log");
+}
+
+TEST_F(LogFile, PrefixAndSuffixSurroundTheName) {
+    set_log_name_prefix("before.");
+    set_log_name_suffix(".after");
+    set_log_header("header");
+    lumiport_log(kLogInfo, "T", "x");
+    EXPECT_EQ(get_log_name(), L"before.lumiport.log_tests.after.log");
+    EXPECT_TRUE(std::filesystem::exists(mFolder / "before.lumiport.log_tests.after.log"));
+}
+
+TEST_F(LogFile, FolderMayBeInAnyScript) {
+    mFolder /= toPath(L"J\u00fcrgen \u65e5\u672c\U0001F600");
+    set_log_folder(toWide(mFolder).c_str());
+    set_log_level(kLogInfo);
+    lumiport_log(kLogInfo, "T", "x");
+    EXPECT_EQ(get_log_directory(), withSeparator(mFolder));
+    EXPECT_EQ(laterLines(), Lines{"T | info]: x"});
+}
+
+TEST_F(LogFile, LaterFolderIsToldButNotUsed) {
+    set_log_level(kLogInfo);
+    lumiport_log(kLogInfo, "T", "first");
+    set_log_folder(toWide(mFolder / "other").c_str());
+    lumiport_log(kLogInfo, "U", "second");
+    EXPECT_EQ(get_log_directory(), withSeparator(mFolder / "other"));
+    EXPECT_EQ(laterLines(), (Lines{"T | info]: first", "U | info]: second"}));
+}
+
+TEST_F(LogFile, DirectoryIsIgnored) {
+    set_log_directory(L"elsewhere");
+    lumiport_log(kLogInfo, "T", "x");
+    EXPECT_EQ(get_log_directory(), withSeparator(mFolder));
+}
+
+TEST_F(LogFile, IsNotMadeWhenDisabledBefore) {
+    set_disable_file_log(true);
+    set_log_level(kLogInfo);
+    lumiport_log(kLogInfo, "T", "x");
+    set_disable_file_log(false);
+    lumiport_log(kLogInfo, "U", "x");
+    EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(LogFile, StaysWhenDisabledAfterTheFirstMessage) {
+    set_log_level(kLogInfo);
+    lumiport_log(kLogInfo, "T", "first");
+    set_disable_file_log(true);
+    lumiport_log(kLogInfo, "U", "second");
+    EXPECT_EQ(laterLines(), (Lines{"T | info]: first", "U | info]: second"}));
+}
+
+TEST_F(LogFile, FolderThatIsAFileCostsTheFirstMessageAndTheFile) {
+    std::filesystem::create_directories(mFolder.parent_path());
+    std::ofstream(mFolder) << "a file";
+    set_log_level(kLogInfo);
+
+    lumiport_log(kLogInfo, "T", "lost");
+    EXPECT_EQ(spdlog::get("T"), nullptr);
+    lumiport_log_fmt(kLogInfo, "T", "%s", "kept");
+    ASSERT_NE(spdlog::get("T"), nullptr);
+    ASSERT_NE(spdlog::get("logger"), nullptr);
+    EXPECT_TRUE(std::filesystem::is_regular_file(mFolder));
+    for (const auto& sink : spdlog::get("T")->sinks())
+        EXPECT_EQ(std::dynamic_pointer_cast<spdlog::sinks::rotating_file_sink_mt>(sink), nullptr);
+}
+
+TEST_F(LogFile, IsRotatedAtItsLimitWithOneFileKept) {
+    set_log_level(kLogInfo);
+    constexpr std::size_t kLimit = 0x4000000;
+    const std::string part(kLimit / 16, 'x');
+    for (int i = 0; i < 33; ++i)
+        lumiport_log(kLogInfo, "T", part.c_str());
+    (void)text();
+    EXPECT_LT(std::filesystem::file_size(file()), kLimit);
+    const std::filesystem::path rotated = mFolder / "lumiport.log_tests.1.log";
+    ASSERT_TRUE(std::filesystem::exists(rotated));
+    EXPECT_GT(std::filesystem::file_size(rotated), kLimit - 2 * part.size());
+    EXPECT_FALSE(std::filesystem::exists(mFolder / "lumiport.log_tests.2.log"));
+    std::filesystem::remove(rotated);
+}
+
+} // namespace
+} // namespace orbelantine

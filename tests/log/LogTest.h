@@ -1,0 +1,62 @@
+#pragma once
+
+#include "core/common/Log.h"
+#include "core/common/LogPaths.h"
+#include "core/common/Spdlog.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace orbelantine {
+
+/// Each case runs in a process of its own, so that it has the service from its first message on,
+/// and in a folder of its own.
+class LogTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+        mFolder = std::filesystem::current_path() / "log_files" / test->name();
+        std::filesystem::remove_all(mFolder);
+        set_log_folder(toWide(mFolder).c_str());
+    }
+
+    [[nodiscard]] std::filesystem::path file() const { return mFolder / "lumiport.log_tests.log"; }
+
+    /// The file's bytes, with all that was logged so far.
+    [[nodiscard]] std::string text() const {
+        spdlog::apply_all([](const auto& logger) { logger->flush(); });
+        std::ifstream stream(file(), std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
+    /// Of each line what follows the thread: "<logger> | <level>]: <text>".
+    [[nodiscard]] std::vector<std::string> lines() const {
+        std::vector<std::string> result;
+        const std::string all = text();
+        for (std::size_t begin = 0, end = 0; begin < all.size(); begin = end + 2) {
+            end = all.find("\r\n", begin);
+            const std::string line = all.substr(begin, end - begin);
+            result.push_back(line.substr(line.find(" | ", line.find("| tid:")) + 3));
+        }
+        return result;
+    }
+
+    /// The lines after "STARTING INSTANCE".
+    [[nodiscard]] std::vector<std::string> laterLines() const {
+        std::vector<std::string> all = lines();
+        if (!all.empty())
+            all.erase(all.begin());
+        return all;
+    }
+
+    std::filesystem::path mFolder;
+};
+
+using Lines = std::vector<std::string>;
+
+} // namespace orbelantine
