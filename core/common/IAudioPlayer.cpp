@@ -1,0 +1,19 @@
+#include "core/common/IAudioPlayer.h"
+
+#include "core/common/Log.h"
+#include "core/common/OSAL.h"
+
+namespace orbelantine {
+
+ORB_OSAL_REGISTER(IAudioPlayer, IAudioPlayer::Dummy, "IAudioPlayer::Dummy");
+
+error_code IAudioPlayer::Dummy::start() {
+    ORB_TRACED();
+    return {};
+}
+
+void IAudioPlayer::Dummy::stop() {
+    ORB_TRACED();
+}
+
+} // namespace orbelantine

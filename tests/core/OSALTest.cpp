@@ -1,0 +1,164 @@
+#include "core/common/OSAL.h"
+
+#include "core/common/INetworkOptimizer.h"
+#include "core/common/IPerfManager.h"
+#include "core/common/PipelineNames.h"
+
+#include <boost/exception/get_error_info.hpp>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace orbelantine {
+namespace {
+
+// A profile row names this implementation, and nothing in the library registers it.
+class Vehicle {
+  public:
+    virtual ~Vehicle() = default;
+    [[nodiscard]] virtual std::string describe() const = 0;
+};
+
+class Bicycle final : public Vehicle {
+  public:
+    Bicycle(const KVStore& store, int wheels)
+        : mText(KVStore(store).getStringAt("name") + " with " + std::to_string(wheels)) {}
+
+    [[nodiscard]] std::string describe() const override { return mText; }
+
+  private:
+    std::string mText;
+};
+
+class Sledge final : public Vehicle {
+  public:
+    explicit Sledge(int wheels)
+        : mWheels(wheels) {}
+
+    [[nodiscard]] std::string describe() const override { return std::to_string(mWheels); }
+
+  private:
+    int mWheels;
+};
+
+ORB_OSAL_REGISTER(Vehicle, Bicycle, "Bicycle", int);
+ORB_OSAL_REGISTER(Vehicle, Sledge, "IVideoRenderer::Dummy", int);
+ORB_OSAL_REGISTER(Vehicle, Sledge, "SerializableVideoSocketSource", int);
+
+TEST(OSALFactory, HintPicksTheProfileAndDefaultIsTheRest) {
+    const OSALFactory factory;
+    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "absolute_mouse", 0),
+              "AbsoluteMouseSource");
+    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "", 0), "RelativeMouseSource");
+    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "input_pipeline:hid", 0),
+              "RelativeMouseSource");
+    EXPECT_EQ(factory.lookupFactoryName("IFoo", "", 0), "");
+}
+
+TEST(OSALFactory, IndexPicksTheNextMatchAcrossProfiles) {
+    const OSALFactory factory;
+    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "absolute_mouse", 1),
+              "RelativeMouseSource");
+    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "absolute_mouse", 2), "");
+    EXPECT_EQ(factory.lookupFactoryNameByType("IVideoSource", "dx1", 0), "IddVideoSource");
+    EXPECT_EQ(factory.lookupFactoryNameByType("IVideoSource", "dx1", 1), "WindowsVideoSource");
+}
+
+TEST(OSALFactory, HintThatNamesAnImplementationWins) {
+    const OSALFactory factory;
+    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "Bicycle", 0), "Bicycle");
+}
+
+TEST(OSALFactory, HintThatNamesAnInterfaceIsLookedUpItself) {
+    const OSALFactory factory;
+    EXPECT_EQ(factory.lookupFactoryName("IFoo", "IPerfManager", 0), "IPerfManager::Dummy");
+}
+
+TEST(OSALFactory, RegisteredNameResolvesToItself) {
+    const OSALFactory factory;
+    EXPECT_EQ(factory.lookupFactoryNameByType("Bicycle", "", 0), "Bicycle");
+}
+
+TEST(OSALFactory, ProfileListIsSearchedInOrder) {
+    OSALFactory factory;
+    EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "");
+    factory.profiles().push_front("ios");
+    EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "IMouseReverser::Dummy");
+    factory.profiles().push_front("android");
+    EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "AndroidMouseReverser");
+}
+
+TEST(OSALFactory, LegacyProfileKeepsWhatItDoesNotReplace) {
+    const OSALFactory factory;
+    const auto find = [&factory](const char* interfaceName) {
+        return factory.lookupFactoryNameByType(interfaceName, "generic_tcp_legacy", 0);
+    };
+    EXPECT_EQ(find("ISocketMediaSource"), "SerializableVideoSocketSourceLegacy");
+    EXPECT_EQ(find("ISocketMediaTarget"), "SerializableVideoSocketTargetLegacy");
+    EXPECT_EQ(find("IDepacketizer"), "SerializableToDepacketized");
+    EXPECT_EQ(find("IPacketizer"), "RawToSerializablePacketizer");
+}
+
+TEST(OSALFactory, RowWithoutACreatorFallsBackToTheDummy) {
+    const OSALFactory factory;
+    EXPECT_EQ(factory.retrieveFactory("IVideoRenderer", "WindowsVideoRenderer"),
+              factory.retrieveFactory("IVideoRenderer::Dummy", ""));
+}
+
+TEST(OSALFactory, RetrievalPassesOverMatchesWithoutACreator) {
+    OSALFactory factory;
+    factory.profiles() = {"generic_tcp_legacy", "generic_tcp"};
+    EXPECT_EQ(factory.retrieveFactory("ISocketMediaSource", ""),
+              factory.retrieveFactory("", "SerializableVideoSocketSource"));
+}
+
+TEST(OSALFactory, NothingAtAllThrowsWithTheDummysNameAndThePlace) {
+    const OSALFactory factory;
+    try {
+        (void)factory.retrieveFactory("IFoo", "");
+        FAIL() << "A factory was found";
+    } catch (const Exception& exception) {
+        EXPECT_STREQ(exception.what(), "Could not find factory for IFoo::Dummy");
+        const char* const* file = boost::get_error_info<boost::throw_file>(exception);
+        const char* const* function = boost::get_error_info<boost::throw_function>(exception);
+        ASSERT_TRUE(file != nullptr && function != nullptr);
+        EXPECT_TRUE(std::string(*file).ends_with("OSAL.cpp"));
+        EXPECT_NE(std::string(*function).find("retrieveFactory"), std::string::npos);
+    }
+}
+
+TEST(OsalCreate, PassesTheStoreAndTheArguments) {
+    KVStore store;
+    store.setStringAt("name", "Racer");
+    OSALFactory factory;
+    EXPECT_EQ((osalCreate<Vehicle, int>(factory, "Vehicle", store, "Bicycle", 2))->describe(),
+              "Racer with 2");
+    EXPECT_EQ((osalCreate<Vehicle, int>(factory, "IVideoRenderer", store, "", 4))->describe(), "4");
+}
+
+TEST(OsalCreate, HintOfAnotherInterfacesImplementationThrows) {
+    OSALFactory factory;
+    EXPECT_THROW((void)osalCreate<Vehicle>(factory, "Vehicle", KVStore(), "IPerfManager::Dummy"),
+                 Exception);
+    EXPECT_THROW((void)osalCreate<Vehicle>(factory, "Vehicle", KVStore(), "Bicycle"), Exception);
+}
+
+TEST(OsalCreate, NullObjectsOfTheLibraryAreRegistered) {
+    OSALFactory& factory = OSALFactory::instance();
+    EXPECT_NE(osalCreate<IPerfManager>(factory, "IPerfManager", KVStore(), ""), nullptr);
+    EXPECT_NE(osalCreate<INetworkOptimizer>(factory, "INetworkOptimizer", KVStore(),
+                                            "INetworkOptimizer::Dummy"),
+              nullptr);
+    for (const char* name : {"IAudioPlayer", "IOsapiAcceptor", "IOsapiSocket"})
+        EXPECT_NE(factory.retrieveFactory(name, ""), nullptr) << name;
+}
+
+TEST(PipelineNames, KindsMapToProfiles) {
+    EXPECT_EQ(pipelineProfile(1), "input_pipeline:hid");
+    EXPECT_EQ(pipelineProfile(2), "input_pipeline:generic");
+    for (const int kind : {-1, 0, 3})
+        EXPECT_EQ(pipelineProfile(kind), "") << kind;
+}
+
+} // namespace
+} // namespace orbelantine
