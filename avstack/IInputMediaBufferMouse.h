@@ -1,0 +1,81 @@
+#pragma once
+
+#include "avstack/IMediaBuffer.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orbelantine {
+
+/// One mouse event. Its payload is an EventData, which consumers read by offset.
+class IInputMediaBufferMouse : public IMediaBuffer {
+  public:
+    /// Values of EventData::type.
+    enum EventType : std::uint8_t {
+        Move = 0,
+        LeftUp = 1,
+        LeftDown = 2,
+        RightUp = 3,
+        RightDown = 4,
+        WheelNonPositive = 5,
+        WheelPositive = 6,
+        MiddleUp = 7,
+        MiddleDown = 8,
+    };
+
+    struct EventData {
+        /// A signed delta, an absolute coordinate in 0..65535, or 0.
+        std::int32_t x;
+        /// As x; the amount for wheel events.
+        std::int32_t y;
+        std::uint8_t type;
+        std::int32_t maxX;
+        std::int32_t maxY;
+    };
+
+    /// With `convert` the four integers are swapped from network to host order. A timestamp of all
+    /// ones stands for now.
+    IInputMediaBufferMouse(std::int32_t x, std::int32_t y, std::uint8_t type, bool convert = true,
+                           std::uint64_t timestamp = kKeepTimestamp, std::int32_t maxX = 0,
+                           std::int32_t maxY = 0);
+    /// Stores the event as it stands: native sources name the order of their integers themselves.
+    IInputMediaBufferMouse(const EventData& event, bool networkOrder, std::uint64_t timestamp);
+
+    /// A new buffer from the stored fields; where networkOrder is set, the constructor swaps the
+    /// integers once more. The arguments have no effect.
+    [[nodiscard]] boost::shared_ptr<IMediaBuffer>
+    copy(std::uint8_t type = kKeepType, std::uint64_t timestamp = kKeepTimestamp) override;
+    /// The same as copy().
+    [[nodiscard]] boost::shared_ptr<IMediaBuffer>
+    soft_copy(std::uint8_t type = kKeepType, std::uint64_t timestamp = kKeepTimestamp) override;
+
+    [[nodiscard]] void* map() override { return &mEvent; }
+
+    [[nodiscard]] void* map(std::uint32_t) override { return &mEvent; }
+
+    [[nodiscard]] std::uint8_t getType() override { return eMediaTypeMouse; }
+
+    [[nodiscard]] std::uint32_t getSize() override { return sizeof(EventData); }
+
+    [[nodiscard]] std::uint64_t getTimestamp() override { return mTimestamp; }
+
+    [[nodiscard]] void* getRawBuffer() override { return &mEvent; }
+
+    [[nodiscard]] EventData& event() { return mEvent; }
+
+    [[nodiscard]] bool networkOrder() const { return mNetworkOrder; }
+
+  private:
+    bool mNetworkOrder;
+    std::uint64_t mTimestamp;
+    EventData mEvent;
+};
+
+static_assert(sizeof(IInputMediaBufferMouse::EventData) == 20);
+static_assert(offsetof(IInputMediaBufferMouse::EventData, x) == 0);
+static_assert(offsetof(IInputMediaBufferMouse::EventData, y) == 4);
+static_assert(offsetof(IInputMediaBufferMouse::EventData, type) == 8);
+static_assert(offsetof(IInputMediaBufferMouse::EventData, maxX) == 12);
+static_assert(offsetof(IInputMediaBufferMouse::EventData, maxY) == 16);
+
+} // namespace orbelantine

@@ -1,0 +1,137 @@
+#include "avstack/IInputMediaBufferMouse.h"
+#include "avstack/IInputSource.h"
+#include "avstack/IInputTarget.h"
+#include "avstack/TemplateProxySimplified.h"
+#include "tests/avstack/CapturedLog.h"
+
+#include <boost/function.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace orbelantine {
+
+namespace {
+
+using test::CapturedLog;
+using Lines = std::vector<CapturedLog::Line>;
+using Proxy = IMediaElement::TemplateProxySimplified<IMediaElement>;
+
+/// Keeps what reaches it.
+class Recorder : public IMediaElement {
+  public:
+    using IMediaElement::start;
+
+    void start() override { calls.push_back("start"); }
+
+    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override {
+        frames.push_back(buffer);
+    }
+
+    std::vector<std::string> calls;
+    std::vector<boost::shared_ptr<IMediaBuffer>> frames;
+};
+
+boost::shared_ptr<IMediaBuffer> makeBuffer() {
+    return boost::make_shared<IInputMediaBufferMouse>(1, 2, std::uint8_t{0});
+}
+
+Lines traceOf(const std::string& name) {
+    return {{kLogDebug, "Entering function " + name}, {kLogDebug, "Leaving function " + name}};
+}
+
+TEST(MediaElement, StartWithACallbackStartsThenReportsSuccess) {
+    Recorder element;
+    element.start(
+        [&](error_code result) { element.calls.push_back(result ? "failure" : "success"); });
+    EXPECT_EQ(element.calls, (std::vector<std::string>{"start", "success"}));
+}
+
+TEST(MediaElement, StartDropsItsCallback) {
+    Recorder element;
+    const auto held = boost::make_shared<int>(0);
+    element.start([held](error_code) {});
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(MediaElement, NamesOfNullAndForwardingElements) {
+    EXPECT_EQ(IMediaElement::Dummy().getName(), "");
+    EXPECT_EQ(IInputSource::Dummy().getName(), "IInputSource::Dummy");
+    EXPECT_EQ(IInputTarget::Dummy().getName(), "IInputTarget::Dummy");
+    EXPECT_EQ(IInputSource::PassThrough().getName(), "IInputSource::PassThrough");
+}
+
+TEST(MediaElement, BaseOperationsOnlyTraceUnderTheirNames) {
+    CapturedLog log(kLogDebug);
+    IInputTarget::Dummy element;
+    const std::string base = "orbelantine::IMediaElement::";
+
+    element.start();
+    EXPECT_EQ(log.take(), traceOf(base + "start"));
+    element.stop();
+    EXPECT_EQ(log.take(), traceOf(base + "stop"));
+    element.pause();
+    EXPECT_EQ(log.take(), traceOf(base + "pause"));
+    element.resume();
+    EXPECT_EQ(log.take(), traceOf(base + "resume"));
+    element.registerTarget(boost::make_shared<IMediaElement::Dummy>());
+    EXPECT_EQ(log.take(), traceOf(base + "registerTarget"));
+    element.onFrame(makeBuffer());
+    EXPECT_EQ(log.take(), traceOf(base + "onFrame"));
+    element.refresh();
+    EXPECT_EQ(log.take(), traceOf(base + "refresh"));
+    element.flush();
+    EXPECT_EQ(log.take(), traceOf(base + "flush"));
+}
+
+TEST(MediaElement, PassThroughHandsTheSameBufferOn) {
+    IInputSource::PassThrough source;
+    const auto target = boost::make_shared<Recorder>();
+    const auto buffer = makeBuffer();
+    source.registerTarget(target);
+    source.onFrame(buffer);
+
+    EXPECT_EQ(source.getTarget(), target);
+    EXPECT_EQ(target->frames, (std::vector<boost::shared_ptr<IMediaBuffer>>{buffer}));
+}
+
+TEST(MediaElement, PassThroughWithoutTargetDropsTheBuffer) {
+    IInputSource::PassThrough source;
+    const auto buffer = makeBuffer();
+    source.onFrame(buffer);
+    EXPECT_EQ(buffer.use_count(), 1);
+}
+
+TEST(MediaElement, ProxyCallsItsFunctionAndLeavesTheTargetToIt) {
+    std::vector<boost::shared_ptr<IMediaBuffer>> handled;
+    const auto target = boost::make_shared<Recorder>();
+    const auto buffer = makeBuffer();
+    Proxy proxy([&](const boost::shared_ptr<IMediaBuffer>& frame) { handled.push_back(frame); },
+                "proxy");
+    proxy.registerTarget(target);
+    proxy.onFrame(buffer);
+
+    EXPECT_EQ(handled, (std::vector<boost::shared_ptr<IMediaBuffer>>{buffer}));
+    EXPECT_TRUE(target->frames.empty());
+    EXPECT_EQ(proxy.getTarget(), target);
+    EXPECT_EQ(proxy.getName(), "proxy");
+}
+
+TEST(MediaElement, ProxyWithAnEmptyFunctionThrowsAtTheCall) {
+    Proxy proxy(Proxy::Handler(), "proxy");
+    EXPECT_THROW(proxy.onFrame(makeBuffer()), boost::bad_function_call);
+}
+
+TEST(MediaElement, ProxyTracesRegistrationUnderItsFullName) {
+    CapturedLog log(kLogDebug);
+    Proxy proxy(Proxy::Handler(), "proxy");
+    proxy.registerTarget(boost::make_shared<Recorder>());
+    EXPECT_EQ(log.take(), traceOf("orbelantine::IMediaElement::TemplateProxySimplified<class "
+                                  "orbelantine::IMediaElement>::registerTarget"));
+}
+
+} // namespace
+
+} // namespace orbelantine
