@@ -1,0 +1,256 @@
+#include "bluetooth/BluetoothDriver.h"
+
+#include "bluetooth/DevicePath.h"
+#include "bluetooth/DriverHandles.h"
+#include "bluetooth/MonitoringThread.h"
+#include "core/common/ApiCategory.h"
+#include "core/common/ErrorAreas.h"
+#include "core/common/Log.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace orbelantine {
+
+namespace {
+
+// Generic code of "no such device" here, for a search without a hit and for a removal.
+constexpr int kNoSuitableDevice = 19;
+
+struct ExclusivePaths {
+    std::mutex mutex;
+    std::vector<std::wstring> paths;
+};
+
+ExclusivePaths& exclusivePaths() {
+    static ExclusivePaths instance;
+    return instance;
+}
+
+void releaseExclusivePath(const std::wstring& path) {
+    ExclusivePaths& held = exclusivePaths();
+    const std::lock_guard lock(held.mutex);
+    std::erase(held.paths, path);
+}
+
+error_code driverError(DriverApi::Error error, const char* call) {
+    return {static_cast<int>(error), apiCategory(call)};
+}
+
+error_code noSuitableDevice() {
+    return {kNoSuitableDevice, boost::system::generic_category()};
+}
+
+} // namespace
+
+BluetoothDriver::BluetoothDriver(bool exclusivePath, DriverApi& api)
+    : mApi(api)
+    , mMonitoringThread(std::make_unique<MonitoringThread>("BluetoothDriverMonitoringThread"))
+    , mExclusivePath(exclusivePath) {}
+
+BluetoothDriver::~BluetoothDriver() {
+    close();
+}
+
+error_code BluetoothDriver::open(const Guid& interfaceGuid, std::uint32_t flags,
+                                 RemovalCallback removalCallback) {
+    if (isOpen()) {
+        ORB_LOG(kLogWarning, "%s() Already open");
+        return DriverErrors::getErrorCode(DriverErrors::AlreadyOpen);
+    }
+    std::wstring path;
+    if (const error_code ec = getUnboundDevicePath(interfaceGuid, path, true)) {
+        ORB_LOG(kLogError, "%s() getUnboundDevicePath error %d", ec.value());
+        return explainMissingDevice(interfaceGuid, ec);
+    }
+    if (path.empty()) {
+        ORB_LOG(kLogError, "%s() device path is empty");
+        return DriverErrors::getErrorCode(DriverErrors::EmptyPath);
+    }
+    ORB_LOG(kLogDebug, "%s() Opening %ls", path.c_str());
+    if (const error_code ec =
+            mExclusivePath ? openExclusively(path, flags) : openLocked(path, flags))
+        return ec;
+    {
+        const std::lock_guard lock(mMutex);
+        mRemovalCallback = std::move(removalCallback);
+    }
+    if (!startDeviceRemovalMonitoring())
+        ORB_LOG(kLogError, "%s() unable to start device removal monitoring, non-fatal error");
+    return {};
+}
+
+// A driver that is installed and not running shows only among the devices that are not present.
+error_code BluetoothDriver::explainMissingDevice(const Guid& guid, error_code firstFailure) {
+    if (firstFailure.value() != win32::kErrorNoMoreItems)
+        return firstFailure;
+    std::wstring path;
+    const error_code ec = getUnboundDevicePath(guid, path, false);
+    if (!ec)
+        return DriverErrors::getErrorCode(DriverErrors::DriverFailedToLoad);
+    if (ec.value() == win32::kErrorNoMoreItems)
+        return DriverErrors::getErrorCode(DriverErrors::DriverNotInstalled);
+    return firstFailure;
+}
+
+error_code BluetoothDriver::getUnboundDevicePath(const Guid& guid, std::wstring& path,
+                                                 bool presentOnly) {
+    const std::uint32_t flags =
+        DriverApi::kDigcfDeviceInterface | (presentOnly ? DriverApi::kDigcfPresent : 0);
+    DeviceInfoList list(mApi);
+    if (const auto error = mApi.setupDiGetClassDevs(guid, flags, list.out())) {
+        ORB_LOG(kLogError, "%s() SetupDiGetClassDevs() failed, error %d", static_cast<int>(error));
+        return driverError(error, "Driver:SetupDiGetClassDevs");
+    }
+
+    DriverApi::InterfaceData data;
+    DriverApi::Error end = 0;
+    std::uint32_t index = 0;
+    while (!(end = mApi.setupDiEnumDeviceInterfaces(list.get(), guid, index, data))) {
+        std::wstring candidate;
+        const DevicePathError error = readDevicePath(mApi, list.get(), data, candidate);
+        if (error.detail) {
+            ORB_LOG(kLogError, "%s() SetupDiGetDeviceInterfaceDetail() failed, error %d",
+                    static_cast<int>(error.detail));
+            return driverError(error.detail, "Driver:SetupDiGetDeviceInterfaceDetail");
+        }
+        if (error.allocation) {
+            ORB_LOG(kLogError, "%s() device interface data allocation error %d",
+                    static_cast<int>(error.allocation));
+            return driverError(error.allocation, "Driver:LocalAlloc");
+        }
+        if (isPrivateDriverPath(candidate)) {
+            path = std::move(candidate);
+            return {};
+        }
+        ++index;
+    }
+    if (end == win32::kErrorNoMoreItems && index > 0) {
+        ORB_LOG(kLogError, "%s() unable to find suitable device");
+        return noSuitableDevice();
+    }
+    ORB_LOG(kLogError, "%s() SetupDiEnumDeviceInterfaces() failed, error %d",
+            static_cast<int>(end));
+    return driverError(end, "Driver:SetupDiEnumDeviceInterfaces");
+}
+
+// The list stays locked while the device is opened, so that two instances can't take one path.
+error_code BluetoothDriver::openExclusively(const std::wstring& path, std::uint32_t flags) {
+    ExclusivePaths& held = exclusivePaths();
+    const std::lock_guard lock(held.mutex);
+    if (std::ranges::find(held.paths, path) != held.paths.end())
+        return DriverErrors::getErrorCode(DriverErrors::AlreadyOpen);
+    if (const error_code ec = openLocked(path, flags))
+        return ec;
+    ORB_LOG(kLogDebug, "%s() Adding %ls to map", path.c_str());
+    held.paths.push_back(path);
+    return {};
+}
+
+error_code BluetoothDriver::openLocked(const std::wstring& path, std::uint32_t flags) {
+    DriverApi::Handle opened = DriverApi::kInvalidHandle;
+    const auto error = mApi.createFile(path, DriverApi::kGenericRead | DriverApi::kGenericWrite,
+                                       DriverApi::kFileShareRead | DriverApi::kFileShareWrite,
+                                       DriverApi::kOpenExisting, flags, opened);
+    if (error) {
+        ORB_LOG(kLogError, "%s() unable to open I/O device handle, device path: %ls, error %d",
+                path.c_str(), static_cast<int>(error));
+        return error == win32::kErrorFileNotFound
+                   ? DriverErrors::getErrorCode(DriverErrors::DriverNotInstalled)
+                   : driverError(error, "Driver:CreateFile");
+    }
+    const std::lock_guard lock(mMutex);
+    mDevicePath = path;
+    mHandle = opened;
+    return {};
+}
+
+bool BluetoothDriver::startDeviceRemovalMonitoring() {
+    const std::lock_guard lock(mMutex);
+    if (mNotification != kNoNotification) {
+        ORB_LOG(kLogError, "%s() Already monitoring device handle, device path: %ls",
+                mDevicePath.c_str());
+        return false;
+    }
+    DriverApi::NotifyFilter filter{};
+    filter.size = sizeof(filter);
+    filter.type = DriverApi::kNotifyFilterDeviceHandle;
+    filter.target = mHandle;
+    const auto error = mApi.registerNotification(filter, this, &onNotification, mNotification);
+    if (error)
+        ORB_LOG(kLogError,
+                "%s() Unable to register device notification for device path %ls. Error 0x%x",
+                mDevicePath.c_str(), error);
+    return error == 0;
+}
+
+DriverApi::Error BluetoothDriver::onNotification(void* context, std::uint32_t action) {
+    auto* driver = static_cast<BluetoothDriver*>(context);
+    // Only posts: close() waits for this call to end, and may hold what the callback needs.
+    if (driver && action == DriverApi::kNotifyActionQueryRemove)
+        driver->mMonitoringThread->post([driver] { driver->onDriverRemoval(); });
+    return win32::kErrorSuccess;
+}
+
+void BluetoothDriver::onDriverRemoval() {
+    std::unique_lock lock(mMutex);
+    const std::wstring path = mDevicePath;
+    const RemovalCallback removed = mRemovalCallback;
+    lock.unlock();
+    ORB_LOG(kLogWarning, "%s() Driver removal notification for device path %ls", path.c_str());
+    if (removed)
+        removed(noSuitableDevice());
+}
+
+void BluetoothDriver::close() {
+    stopDeviceRemovalMonitoring();
+    // Taken at once, so that of two closers one closes.
+    const DriverApi::Handle opened = mHandle.exchange(DriverApi::kInvalidHandle);
+    if (opened != DriverApi::kInvalidHandle) {
+        const std::wstring path = devicePath();
+        ORB_LOG(kLogDebug, "%s() Closing %ls device", path.c_str());
+        mApi.closeHandle(opened);
+        ORB_LOG(kLogDebug, "%s() Closed %ls device", path.c_str());
+        if (mExclusivePath) {
+            ORB_LOG(kLogDebug, "%s() Removing %ls from map", path.c_str());
+            releaseExclusivePath(path);
+        }
+    }
+    RemovalCallback dropped;
+    const std::lock_guard lock(mMutex);
+    if (opened != DriverApi::kInvalidHandle)
+        mDevicePath.clear();
+    mRemovalCallback.swap(dropped);
+}
+
+error_code BluetoothDriver::getVersion(std::uint32_t requestCode, std::int16_t& out) {
+    const DriverApi::Handle opened = mHandle;
+    if (opened == DriverApi::kInvalidHandle)
+        return driverError(win32::kErrorInvalidHandle, "Driver:NotOpen");
+    std::uint32_t returned = 0;
+    const auto error =
+        mApi.deviceIoControl(opened, requestCode, nullptr, 0, &out, sizeof(out), returned);
+    if (!error)
+        return {};
+    ORB_LOG(kLogError, "%s() DeviceIoControl failed with error %d, device path: %ls",
+            static_cast<int>(error), devicePath().c_str());
+    if (error == win32::kErrorInvalidFunction)
+        ORB_LOG(kLogError, "%s() Old driver. Version not supported");
+    return driverError(error, "Driver:DeviceIoControl");
+}
+
+std::wstring BluetoothDriver::devicePath() const {
+    const std::lock_guard lock(mMutex);
+    return mDevicePath;
+}
+
+void BluetoothDriver::stopDeviceRemovalMonitoring() {
+    std::unique_lock lock(mMutex);
+    const DriverApi::Handle notification = std::exchange(mNotification, kNoNotification);
+    lock.unlock();
+    if (notification != kNoNotification)
+        mApi.unregisterNotification(notification);
+}
+
+} // namespace orbelantine

@@ -1,0 +1,326 @@
+#pragma once
+
+#include "bluetooth/DriverApi.h"
+#include "bluetooth/DriverProtocol.h"
+#include "core/common/ErrorCode.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orbelantine::test {
+
+/// The system and the private driver as a script tells them. Records what it was asked, and knows
+/// what was not given back. Any thread may call.
+class FakeDriverApi : public DriverApi {
+  public:
+    using Bytes = std::vector<std::uint8_t>;
+
+    struct Opening {
+        std::wstring path;
+        std::uint32_t access;
+        std::uint32_t share;
+        std::uint32_t disposition;
+        std::uint32_t flags;
+        bool operator==(const Opening&) const = default;
+    };
+
+    struct Request {
+        std::uint32_t code;
+        Bytes input;
+        bool operator==(const Request&) const = default;
+    };
+
+    /// What went down on a channel, by the PSM that it was connected to; 0 without one.
+    struct Write {
+        std::uint16_t psm;
+        Bytes bytes;
+        bool operator==(const Write&) const = default;
+    };
+
+    static constexpr const wchar_t* kHidPath = LR"(\\?\usb#{4df52311}_LOCALMFG&0012#1)";
+
+    /// A device of the class, in the order of enumeration; `present` off is installed only.
+    void simulateDevice(const Guid& interfaceClass, const std::wstring& path, bool present = true) {
+        mDevices.push_back({interfaceClass, path, present});
+    }
+
+    /// A HID driver that works.
+    void simulateHidDriver() { simulateDevice(driver::kHidInterfaces[0], kHidPath); }
+
+    void simulateVersion(std::int16_t version) { mVersion = version; }
+
+    void simulateType(std::uint32_t type) { mType = type; }
+
+    /// The peer refuses a channel.
+    void simulateRefusedPsm(std::uint16_t psm) { mRefusedPsm = psm; }
+
+    /// The peer closes its channels: the driver answers that none stands.
+    void simulateChannelsGone() {
+        const std::lock_guard lock(mMutex);
+        for (auto& [handle, file] : mFiles)
+            file.stands = false;
+    }
+
+    /// The platform tells of the device's removal, on the calling thread.
+    void simulateRemoval(std::uint32_t action = kNotifyActionQueryRemove) {
+        std::unique_lock lock(mMutex);
+        const auto told = mNotifications;
+        lock.unlock();
+        for (const auto& [handle, notification] : told)
+            notification.callback(notification.context, action);
+    }
+
+    /// The `number`-th call from the start fails, counted from 1.
+    void simulateFailure(std::size_t number, Error error) { mFailingCall = {number, error}; }
+
+    /// Every call of that name fails from now on; 0 ends it.
+    void simulateFailureOf(const std::string& call, Error error) { mFailures[call] = error; }
+
+    /// Runs within each WriteFile.
+    void onWrite(std::function<void()> hook) { mOnWrite = std::move(hook); }
+
+    /// The names of the calls that can fail, in order.
+    std::vector<std::string> calls() const { return locked(mCalls); }
+
+    std::vector<Opening> openings() const { return locked(mOpenings); }
+
+    std::vector<Request> requests() const { return locked(mRequests); }
+
+    std::vector<Write> writes() const { return locked(mWrites); }
+
+    std::vector<NotifyFilter> filters() const { return locked(mFilters); }
+
+    /// Handles, lists, memory blocks and notifications that were not given back.
+    std::size_t held() const {
+        const std::lock_guard lock(mMutex);
+        return mLists.size() + mFiles.size() + mNotifications.size() + mMemoryBlocks;
+    }
+
+    std::size_t openFiles() const {
+        const std::lock_guard lock(mMutex);
+        return mFiles.size();
+    }
+
+    Error setupDiGetClassDevs(const Guid& classGuid, std::uint32_t flags, Handle& list) override {
+        const std::lock_guard lock(mMutex);
+        if (const Error error = enter("SetupDiGetClassDevs"))
+            return error;
+        std::vector<std::wstring> paths;
+        for (const Device& device : mDevices)
+            if (device.interfaceClass == classGuid && (device.present || !(flags & kDigcfPresent)))
+                paths.push_back(device.path);
+        list = ++mLastHandle;
+        mLists[list] = paths;
+        return win32::kErrorSuccess;
+    }
+
+    Error setupDiEnumDeviceInterfaces(Handle list, const Guid& classGuid, std::uint32_t index,
+                                      InterfaceData& data) override {
+        const std::lock_guard lock(mMutex);
+        if (const Error error = enter("SetupDiEnumDeviceInterfaces"))
+            return error;
+        if (index >= mLists.at(list).size())
+            return win32::kErrorNoMoreItems;
+        data.classGuid = classGuid;
+        data.reserved = index;
+        return win32::kErrorSuccess;
+    }
+
+    Error setupDiGetDeviceInterfaceDetail(Handle list, const InterfaceData& data,
+                                          InterfaceDetail* detail, std::uint32_t size,
+                                          std::uint32_t& required) override {
+        const std::lock_guard lock(mMutex);
+        if (const Error error = enter("SetupDiGetDeviceInterfaceDetail"))
+            return error;
+        const std::wstring& path = mLists.at(list).at(data.reserved);
+        required = static_cast<std::uint32_t>(4 + (path.size() + 1) * sizeof(wchar_t));
+        if (!detail || size < required)
+            return win32::kErrorInsufficientBuffer;
+        if (detail->size != 8)
+            return kErrorInvalidUserBuffer;
+        std::wmemcpy(detail->devicePath, path.c_str(), path.size() + 1);
+        return win32::kErrorSuccess;
+    }
+
+    void setupDiDestroyDeviceInfoList(Handle list) override {
+        const std::lock_guard lock(mMutex);
+        mLists.erase(list);
+    }
+
+    Error localAlloc(std::size_t size, void*& memory) override {
+        const std::lock_guard lock(mMutex);
+        if (const Error error = enter("LocalAlloc"))
+            return error;
+        memory = std::malloc(size);
+        ++mMemoryBlocks;
+        return win32::kErrorSuccess;
+    }
+
+    void localFree(void* memory) override {
+        const std::lock_guard lock(mMutex);
+        std::free(memory);
+        --mMemoryBlocks;
+    }
+
+    Error createFile(const std::wstring& path, std::uint32_t access, std::uint32_t share,
+                     std::uint32_t disposition, std::uint32_t flags, Handle& file) override {
+        const std::lock_guard lock(mMutex);
+        mOpenings.push_back({path, access, share, disposition, flags});
+        if (const Error error = enter("CreateFile"))
+            return error;
+        file = ++mLastHandle;
+        mFiles[file] = {};
+        return win32::kErrorSuccess;
+    }
+
+    void closeHandle(Handle file) override {
+        const std::lock_guard lock(mMutex);
+        mFiles.erase(file);
+    }
+
+    Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
+                          std::uint32_t inputSize, void* output, std::uint32_t outputSize,
+                          std::uint32_t& returned) override {
+        const std::lock_guard lock(mMutex);
+        const auto* bytes = static_cast<const std::uint8_t*>(input);
+        mRequests.push_back({code, Bytes(bytes, bytes + inputSize)});
+        if (const Error error = enter("DeviceIoControl"))
+            return error;
+        const auto open = mFiles.find(file);
+        if (open == mFiles.end())
+            return win32::kErrorInvalidHandle;
+        Bytes answered;
+        if (const Error error = answer(open->second, code, mRequests.back().input, answered))
+            return error;
+        returned = static_cast<std::uint32_t>(answered.size());
+        if (returned > outputSize)
+            return win32::kErrorInsufficientBuffer;
+        if (returned > 0)
+            std::memcpy(output, answered.data(), returned);
+        return win32::kErrorSuccess;
+    }
+
+    Error writeFile(Handle file, const void* data, std::uint32_t size,
+                    std::uint32_t& written) override {
+        const std::lock_guard lock(mMutex);
+        if (mOnWrite)
+            mOnWrite();
+        if (const Error error = enter("WriteFile"))
+            return error;
+        const auto open = mFiles.find(file);
+        if (open == mFiles.end())
+            return win32::kErrorInvalidHandle;
+        const auto* bytes = static_cast<const std::uint8_t*>(data);
+        mWrites.push_back({open->second.psm, Bytes(bytes, bytes + size)});
+        written = size;
+        return win32::kErrorSuccess;
+    }
+
+    Error registerNotification(const NotifyFilter& filter, void* context, NotifyCallback callback,
+                               Handle& notification) override {
+        const std::lock_guard lock(mMutex);
+        mFilters.push_back(filter);
+        if (const Error error = enter("CM_Register_Notification"))
+            return error;
+        notification = ++mLastHandle;
+        mNotifications[notification] = {callback, context};
+        return win32::kErrorSuccess;
+    }
+
+    void unregisterNotification(Handle notification) override {
+        const std::lock_guard lock(mMutex);
+        mNotifications.erase(notification);
+    }
+
+  private:
+    static constexpr Error kErrorInvalidUserBuffer = 1784;
+    static constexpr Error kErrorConnectionRefused = 1225;
+
+    struct Device {
+        Guid interfaceClass;
+        std::wstring path;
+        bool present;
+    };
+
+    struct Notification {
+        NotifyCallback callback;
+        void* context;
+    };
+
+    struct OpenFile {
+        std::uint16_t psm = 0;
+        bool stands = false;
+    };
+
+    template <class T>
+    T locked(const T& recorded) const {
+        const std::lock_guard lock(mMutex);
+        return recorded;
+    }
+
+    Error enter(const char* call) {
+        mCalls.push_back(call);
+        if (mCalls.size() == mFailingCall.first)
+            return mFailingCall.second;
+        const auto found = mFailures.find(call);
+        return found == mFailures.end() ? win32::kErrorSuccess : found->second;
+    }
+
+    Error answer(OpenFile& file, std::uint32_t code, const Bytes& input, Bytes& output) const {
+        switch (code) {
+        case driver::kConnect:
+            file.psm = static_cast<std::uint16_t>(input.at(6) | input.at(7) << 8);
+            file.stands = file.psm != mRefusedPsm;
+            return file.stands ? win32::kErrorSuccess : kErrorConnectionRefused;
+        case driver::kGetVersion:
+            output = littleEndian(static_cast<std::uint16_t>(mVersion), 2);
+            return win32::kErrorSuccess;
+        case driver::kGetType:
+            output = littleEndian(mType, 4);
+            return win32::kErrorSuccess;
+        case driver::kIsConnected:
+            output = littleEndian(file.stands, 4);
+            return win32::kErrorSuccess;
+        default:
+            return win32::kErrorInvalidFunction;
+        }
+    }
+
+    static Bytes littleEndian(std::uint32_t value, std::size_t size) {
+        Bytes bytes;
+        for (std::size_t i = 0; i < size; ++i)
+            bytes.push_back(static_cast<std::uint8_t>(value >> 8 * i));
+        return bytes;
+    }
+
+    mutable std::mutex mMutex;
+    std::vector<Device> mDevices;
+    std::int16_t mVersion = driver::kExpectedHidVersion;
+    std::uint32_t mType = 0;
+    std::uint16_t mRefusedPsm = 0;
+    std::pair<std::size_t, Error> mFailingCall;
+    std::map<std::string, Error> mFailures;
+    std::function<void()> mOnWrite;
+
+    Handle mLastHandle = 0;
+    std::map<Handle, std::vector<std::wstring>> mLists;
+    std::map<Handle, OpenFile> mFiles;
+    std::map<Handle, Notification> mNotifications;
+    std::size_t mMemoryBlocks = 0;
+
+    std::vector<std::string> mCalls;
+    std::vector<Opening> mOpenings;
+    std::vector<Request> mRequests;
+    std::vector<Write> mWrites;
+    std::vector<NotifyFilter> mFilters;
+};
+
+} // namespace orbelantine::test

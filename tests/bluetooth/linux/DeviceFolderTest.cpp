@@ -1,0 +1,77 @@
+#include "bluetooth/linux/DeviceFolder.h"
+
+#include "bluetooth/DriverProtocol.h"
+#include "bluetooth/linux/LinuxErrors.h"
+#include "core/common/ErrorCode.h"
+#include "tests/bluetooth/linux/DeviceFolderFixture.h"
+
+#include <unistd.h>
+
+#include <fstream>
+#include <optional>
+
+namespace orbelantine {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ScriptedDevice;
+
+const Guid& kClass = driver::kHandsfreeInterface;
+
+using Paths = std::vector<std::wstring>;
+
+class DeviceFolder : public test::DeviceFolderFixture {
+  protected:
+    [[nodiscard]] Paths list(bool presentOnly) const {
+        Paths paths;
+        EXPECT_EQ(listDevices(kClass, presentOnly, paths), 0u);
+        return paths;
+    }
+};
+
+TEST_F(DeviceFolder, EnvironmentNamesTheFolder) {
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    const std::optional<std::string> kept =
+        runtime ? std::optional<std::string>(runtime) : std::nullopt;
+    EXPECT_EQ(deviceFolder(), mFolder);
+    unsetenv("ORBELANTINE_DEVICE_DIR");
+    setenv("XDG_RUNTIME_DIR", "/run/user/7", 1);
+    EXPECT_EQ(deviceFolder(), "/run/user/7/orbelantine/devices");
+    unsetenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ(deviceFolder(), "/tmp/orbelantine-" + std::to_string(getuid()) + "/devices");
+    if (kept)
+        setenv("XDG_RUNTIME_DIR", kept->c_str(), 1);
+}
+
+TEST_F(DeviceFolder, ClassFolderIsTheGuidInLowerCaseWithoutBraces) {
+    EXPECT_EQ(classFolderName(kClass), "a1d3ed72-cebf-4c80-bcb8-c39236a2bf9a");
+    EXPECT_EQ(classFolderName(driver::kHidInterfaces[0]), "4df52311-7aa8-4d3c-b58b-3749826e10a6");
+    EXPECT_EQ(classFolderName(driver::kHidInterfaces[1]), "38b034e0-b760-4587-948f-14691d541e2b");
+}
+
+TEST_F(DeviceFolder, MissingFolderHoldsNoDevice) {
+    EXPECT_EQ(list(true), Paths());
+    fs::remove(mFolder);
+    EXPECT_EQ(list(false), Paths());
+}
+
+TEST_F(DeviceFolder, SocketsArePresentAndPlainFilesOnlyInstalled) {
+    const fs::path socket = devicePath(kClass, "b");
+    const ScriptedDevice device(socket, [](auto&&...) { return true; });
+    const fs::path file = devicePath(kClass, "a");
+    std::ofstream(file).close();
+    fs::create_directory(devicePath(kClass, "folder"));
+    // Not a text in UTF-8.
+    std::ofstream(devicePath(kClass, "\xFF")).close();
+    EXPECT_EQ(list(true), Paths{socket.wstring()});
+    EXPECT_EQ(list(false), (Paths{file.wstring(), socket.wstring()}));
+}
+
+TEST_F(DeviceFolder, FileInPlaceOfTheClassFolderIsAnError) {
+    std::ofstream(mFolder / classFolderName(kClass)).close();
+    Paths paths;
+    EXPECT_EQ(listDevices(kClass, true, paths), win32::kErrorGenFailure);
+}
+
+} // namespace
+} // namespace orbelantine

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "bluetooth/linux/FileDescriptor.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace orbelantine::test {
+
+/// A socket in the place of one device. Serves one connection, on a thread of its own: each packet
+/// goes to the script, which sends what it wants. The end of the script's patience is the hang-up.
+class ScriptedDevice {
+  public:
+    using Packet = std::vector<std::uint8_t>;
+
+    /// One connection as the script sees it.
+    class Link {
+      public:
+        explicit Link(int fd)
+            : mFd(fd) {}
+
+        void send(const Packet& packet) const {
+            ::send(mFd, packet.data(), packet.size(), MSG_NOSIGNAL);
+        }
+
+      private:
+        int mFd;
+    };
+
+    /// Returns whether it goes on listening.
+    using Script = std::function<bool(const Link&, const Packet&)>;
+
+    ScriptedDevice(const std::filesystem::path& path, Script script)
+        : mListener(listenAt(path))
+        , mThread([this, script = std::move(script)] { serve(script); }) {}
+
+    ~ScriptedDevice() {
+        {
+            const std::lock_guard lock(mMutex);
+            mEnding = true;
+            ::shutdown(mListener.get(), SHUT_RDWR);
+            ::shutdown(mLink, SHUT_RDWR);
+        }
+        mThread.join();
+    }
+
+    ScriptedDevice(const ScriptedDevice&) = delete;
+    ScriptedDevice& operator=(const ScriptedDevice&) = delete;
+
+  private:
+    static constexpr std::size_t kLongestPacket = 4096;
+
+    static int listenAt(const std::filesystem::path& path) {
+        std::filesystem::create_directories(path.parent_path());
+        const int fd = ::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, path.c_str(), sizeof(address.sun_path) - 1);
+        ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+        ::listen(fd, 1);
+        return fd;
+    }
+
+    void serve(const Script& script) {
+        const FileDescriptor link(::accept(mListener.get(), nullptr, nullptr));
+        if (!setLink(link.get()))
+            return;
+        Packet packet(kLongestPacket);
+        for (;;) {
+            const auto size = ::recv(link.get(), packet.data(), packet.size(), 0);
+            if (size <= 0)
+                break;
+            if (!script(Link(link.get()), Packet(packet.begin(), packet.begin() + size)))
+                break;
+        }
+        setLink(-1);
+    }
+
+    bool setLink(int fd) {
+        const std::lock_guard lock(mMutex);
+        mLink = fd;
+        return !mEnding;
+    }
+
+    FileDescriptor mListener;
+    std::mutex mMutex;
+    int mLink = -1;
+    bool mEnding = false;
+    std::thread mThread;
+};
+
+} // namespace orbelantine::test
