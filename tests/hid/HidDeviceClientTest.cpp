@@ -1,0 +1,267 @@
+#include "hid/HIDDeviceClient.h"
+
+#include "core/common/ErrorAreas.h"
+#include "core/common/OSAL.h"
+#include "hid/IHIDDeviceClientDummy.h"
+#include "tests/avstack/CapturedLog.h"
+#include "tests/bluetooth/FakeDriverApi.h"
+#include "tests/bluetooth/HandClock.h"
+
+#include <boost/smart_ptr/make_shared.hpp>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace orbelantine {
+namespace {
+
+using test::CapturedLog;
+using test::FakeDriverApi;
+using test::HandClock;
+using Write = FakeDriverApi::Write;
+
+constexpr const char* kAddress = "01:23:45:67:89:AB";
+constexpr std::uint8_t kReport[] = {0xA1, 0x02, 0x05};
+const Write kGreeting = {17, {0xA1, 0x13, 0x03}};
+const Write kUnplug = {17, {0x15}};
+
+error_code hidCode(int value) {
+    return HidErrors::getErrorCode(value);
+}
+
+error_code socketCode(int value) {
+    return {value, boost::system::system_category()};
+}
+
+class HidDeviceClient : public testing::Test {
+  protected:
+    HidDeviceClient() {
+        mApi.simulateHidDriver();
+        mClient = std::make_unique<HIDDeviceClient>(mApi, mClock);
+        mClient->onDisconnected.connect([this](error_code ec) { mDisconnected.push_back(ec); });
+    }
+
+    void connect() { ASSERT_EQ(mClient->connect(kAddress), error_code()); }
+
+    std::vector<std::uint16_t> connectedPsms() const {
+        std::vector<std::uint16_t> psms;
+        for (const auto& request : mApi.requests())
+            if (request.code == driver::kConnect)
+                psms.push_back(request.input[6]);
+        return psms;
+    }
+
+    FakeDriverApi mApi;
+    HandClock mClock;
+    std::vector<error_code> mDisconnected;
+    std::unique_ptr<HIDDeviceClient> mClient;
+};
+
+TEST_F(HidDeviceClient, ConnectsControlThenInterruptThenGreetsTwice) {
+    EXPECT_FALSE(mClient->isConnected());
+    EXPECT_EQ(mClient->connect(kAddress), error_code());
+    EXPECT_TRUE(mClient->isConnected());
+    EXPECT_EQ(connectedPsms(), (std::vector<std::uint16_t>{17, 19}));
+    EXPECT_EQ(mApi.writes(), (std::vector{kGreeting, kGreeting}));
+    EXPECT_TRUE(mClock.pauses().empty());
+}
+
+TEST_F(HidDeviceClient, ConnectWhileConnectedIsRefusedAndLeavesTheChannelsUp) {
+    connect();
+    EXPECT_EQ(mClient->connect(kAddress), hidCode(HidErrors::InvalidState));
+    EXPECT_TRUE(mClient->isConnected());
+    EXPECT_EQ(mApi.openFiles(), 2u);
+    EXPECT_EQ(connectedPsms().size(), 2u);
+}
+
+TEST_F(HidDeviceClient, RefusedChannelClosesBoth) {
+    for (const std::uint16_t psm : {17, 19}) {
+        mApi.simulateRefusedPsm(psm);
+        EXPECT_EQ(mClient->connect(kAddress), socketCode(-1)) << psm;
+        EXPECT_FALSE(mClient->isConnected());
+        EXPECT_EQ(mApi.held(), 0u) << psm;
+    }
+    mApi.simulateRefusedPsm(0);
+    EXPECT_EQ(mClient->connect(kAddress), error_code());
+}
+
+TEST_F(HidDeviceClient, WrongDriverVersionRefusesTheConnection) {
+    mApi.simulateVersion(5);
+    EXPECT_EQ(mClient->connect(kAddress), socketCode(136));
+}
+
+TEST_F(HidDeviceClient, EachCallThatFailsDuringConnectLeavesEverythingOrNothing) {
+    connect();
+    mClient->disconnect();
+    const auto calls = mApi.calls();
+    const std::size_t firstGreeting = calls.size() - 2;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        mApi.simulateFailure(mApi.calls().size() + i + 1, 1450);
+        // Of the two greetings only the second counts, and a removal may go unwatched.
+        const bool harmless = calls[i] == "CM_Register_Notification" || i == firstGreeting;
+        EXPECT_EQ(mClient->connect(kAddress) == error_code(), harmless) << calls[i] << ' ' << i;
+        EXPECT_EQ(mClient->isConnected(), harmless);
+        EXPECT_EQ(mApi.openFiles(), harmless ? 2u : 0u);
+        mClient->disconnect();
+        EXPECT_EQ(mApi.held(), 0u) << calls[i] << ' ' << i;
+    }
+}
+
+TEST_F(HidDeviceClient, ReportGoesDownOnTheInterruptChannel) {
+    connect();
+    mClient->sendReport(kReport, sizeof(kReport));
+    const Write expected{19, {0xA1, 0x02, 0x05}};
+    EXPECT_EQ(mApi.writes().back(), expected);
+    EXPECT_TRUE(mDisconnected.empty());
+}
+
+TEST_F(HidDeviceClient, ReportWithoutAConnectionIsDroppedWithAWarning) {
+    CapturedLog log(kLogWarning);
+    mClient->sendReport(kReport, sizeof(kReport));
+    EXPECT_EQ(
+        log.take(),
+        (std::vector<CapturedLog::Line>{
+            {kLogWarning, "orbelantine::HIDDeviceClient::sendReport() already disconnected"}}));
+    EXPECT_TRUE(mApi.writes().empty());
+}
+
+TEST_F(HidDeviceClient, FailedReportTellsItsOwnListenersOfSuccessAndStaysConnected) {
+    int inherited = 0;
+    IHIDDeviceClient& base = *mClient;
+    base.onDisconnected.connect([&](error_code) { ++inherited; });
+    connect();
+    mApi.simulateFailureOf("WriteFile", 433);
+    mClient->sendReport(kReport, sizeof(kReport));
+    EXPECT_EQ(mDisconnected, std::vector{error_code()});
+    EXPECT_EQ(inherited, 0);
+    EXPECT_TRUE(mClient->isConnected());
+}
+
+TEST_F(HidDeviceClient, SlotMayCallBackIntoTheClient) {
+    connect();
+    mApi.simulateFailureOf("WriteFile", 433);
+    mClient->onDisconnected.connect([this](error_code) { mClient->disconnect(); });
+    mClient->sendReport(kReport, sizeof(kReport));
+    EXPECT_FALSE(mClient->isConnected());
+    EXPECT_EQ(mApi.held(), 0u);
+}
+
+TEST_F(HidDeviceClient, DisconnectClosesBothAndOnlyWhileConnected) {
+    connect();
+    mClient->disconnect();
+    EXPECT_FALSE(mClient->isConnected());
+    EXPECT_EQ(mApi.held(), 0u);
+    CapturedLog log(kLogDebug);
+    mClient->disconnect();
+    EXPECT_EQ(log.take(), (std::vector<CapturedLog::Line>{
+                              {kLogDebug, "orbelantine::HIDDeviceClient::disconnect() can only "
+                                          "disconnect while connected/connecting."}}));
+    EXPECT_TRUE(mDisconnected.empty());
+}
+
+TEST_F(HidDeviceClient, ForcedDisconnectClosesTheDevicesUnderAClientThatStaysConnected) {
+    mClient->forceDisconnect();
+    connect();
+    mClient->forceDisconnect();
+    mClient->forceDisconnect();
+    EXPECT_EQ(mApi.held(), 0u);
+    EXPECT_TRUE(mClient->isConnected());
+    mClient->sendReport(kReport, sizeof(kReport));
+    EXPECT_EQ(mDisconnected, std::vector{error_code()});
+    EXPECT_TRUE(mClient->isConnected());
+}
+
+TEST_F(HidDeviceClient, UnplugWithoutAConnectionTouchesNothing) {
+    EXPECT_EQ(mClient->virtualCableUnplug(), hidCode(HidErrors::InvalidState));
+    EXPECT_TRUE(mApi.calls().empty());
+}
+
+TEST_F(HidDeviceClient, UnplugOverADeadChannelIsRefusedBeforeItSends) {
+    connect();
+    mApi.simulateChannelsGone();
+    EXPECT_EQ(mClient->virtualCableUnplug(), hidCode(HidErrors::SocketIsDisconnected));
+    EXPECT_EQ(mApi.writes().back(), kGreeting);
+    EXPECT_TRUE(mClient->isConnected());
+}
+
+TEST_F(HidDeviceClient, UnplugThatCannotBeSentGivesTheSocketsCode) {
+    connect();
+    mApi.simulateFailureOf("WriteFile", 433);
+    EXPECT_EQ(mClient->virtualCableUnplug(), socketCode(-1));
+    EXPECT_TRUE(mClock.pauses().empty());
+    EXPECT_TRUE(mClient->isConnected());
+}
+
+TEST_F(HidDeviceClient, UnplugEndsWhenThePeerClosesItsSide) {
+    connect();
+    mClock.onPause([this] {
+        if (mClock.pauses().size() == 3)
+            mApi.simulateChannelsGone();
+    });
+    EXPECT_EQ(mClient->virtualCableUnplug(), error_code());
+    EXPECT_EQ(mClock.pauses(), std::vector<IClock::Duration>(3, std::chrono::milliseconds(500)));
+    EXPECT_EQ(mApi.writes().back(), kUnplug);
+    EXPECT_FALSE(mClient->isConnected());
+    EXPECT_EQ(mApi.held(), 0u);
+    EXPECT_EQ(mDisconnected, std::vector{error_code()});
+}
+
+TEST_F(HidDeviceClient, ProbeThatFailsCountsAsUnplugged) {
+    connect();
+    mClock.onPause([this] { mApi.simulateFailureOf("DeviceIoControl", 31); });
+    EXPECT_EQ(mClient->virtualCableUnplug(), error_code());
+    EXPECT_EQ(mClock.pauses().size(), 1u);
+    EXPECT_FALSE(mClient->isConnected());
+}
+
+TEST_F(HidDeviceClient, PeerThatNeverClosesTimesOutAndStaysConnected) {
+    connect();
+    CapturedLog log(kLogWarning);
+    EXPECT_EQ(mClient->virtualCableUnplug(), hidCode(HidErrors::TimeoutReached));
+    EXPECT_EQ(mClock.pauses(), std::vector<IClock::Duration>(10, std::chrono::milliseconds(500)));
+    EXPECT_EQ(log.take().size(), 10u);
+    EXPECT_TRUE(mClient->isConnected());
+    EXPECT_EQ(mApi.openFiles(), 2u);
+    EXPECT_TRUE(mDisconnected.empty());
+}
+
+TEST_F(HidDeviceClient, DestructionDisconnectsInSilence) {
+    connect();
+    mClient.reset();
+    EXPECT_EQ(mApi.held(), 0u);
+    EXPECT_TRUE(mDisconnected.empty());
+}
+
+TEST_F(HidDeviceClient, ThreadsMaySendAndTearDownAtWill) {
+    connect();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([this, i] {
+            for (int n = 0; n < 100; ++n) {
+                if (i == 0)
+                    mClient->sendReport(kReport, sizeof(kReport));
+                else if (i == 1)
+                    mApi.simulateRemoval();
+                else
+                    mClient->disconnect(), (void)mClient->connect(kAddress);
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+    mClient->disconnect();
+    EXPECT_EQ(mApi.held(), 0u);
+}
+
+TEST(HidDeviceClientFactory, GivesTheRealClientAndTheDummyByName) {
+    auto& factory = OSALFactory::instance();
+    const auto client = osalCreate<IHIDDeviceClient>(factory, "IHIDDeviceClient", KVStore(), "");
+    EXPECT_NE(dynamic_cast<HIDDeviceClient*>(client.get()), nullptr);
+    const auto dummy = osalCreate<IHIDDeviceClient>(factory, "IHIDDeviceClient", KVStore(),
+                                                    "IHIDDeviceClient::Dummy");
+    EXPECT_NE(dynamic_cast<IHIDDeviceClient::Dummy*>(dummy.get()), nullptr);
+    EXPECT_EQ(dummy->connect(kAddress), error_code());
+    EXPECT_FALSE(dummy->isConnected());
+}
+
+} // namespace
+} // namespace orbelantine

@@ -1,0 +1,171 @@
+#include "core/common/OSAL.h"
+#include "hid/IBluetoothHIDDeviceClientDummy.h"
+#include "hid/WindowsBluetoothHIDDeviceClient.h"
+#include "tests/avstack/CapturedLog.h"
+#include "tests/bluetooth/FakeDriverApi.h"
+#include "tests/hid/FakeLocalRadioApi.h"
+
+#include <gtest/gtest.h>
+
+namespace orbelantine {
+namespace {
+
+using test::CapturedLog;
+using test::FakeDriverApi;
+using test::FakeLocalRadioApi;
+
+constexpr std::uint32_t kReload = 0x411008;
+const std::string kLogName = "orbelantine::WindowsBluetoothHIDDeviceClient::";
+
+/// The driver of the radio's USB device takes the request that the phone's driver doesn't know.
+class RadioDriverApi : public FakeDriverApi {
+  public:
+    Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
+                          std::uint32_t inputSize, void* output, std::uint32_t outputSize,
+                          std::uint32_t& returned) override {
+        const Error error = FakeDriverApi::deviceIoControl(file, code, input, inputSize, output,
+                                                           outputSize, returned);
+        return code == kReload && error == win32::kErrorInvalidFunction ? 0 : error;
+    }
+};
+
+class ClientOfType : public WindowsBluetoothHIDDeviceClient {
+  public:
+    ClientOfType(std::uint32_t type, DriverApi& driverApi, LocalRadioApi& radioApi)
+        : WindowsBluetoothHIDDeviceClient(driverApi, radioApi) {
+        mHidType = type;
+    }
+};
+
+class LocalName : public testing::Test {
+  protected:
+    LocalName() {
+        mRadio.simulateInstanceIds({L"", L"BTH\\MS_BTHPAN\\7", L"USB\\VID_8087&PID_0A2B\\5&1",
+                                    L"USB\\VID_0000&PID_0000\\6"});
+    }
+
+    [[nodiscard]] bool setName(const std::string& name) {
+        WindowsBluetoothHIDDeviceClient client(mDriver, mRadio);
+        const bool done = client.setLocalDeviceName(name);
+        EXPECT_EQ(mDriver.held(), 0u);
+        EXPECT_EQ(mRadio.held(), 0);
+        return done;
+    }
+
+    RadioDriverApi mDriver;
+    FakeLocalRadioApi mRadio;
+};
+
+TEST_F(LocalName, IsWrittenToTheFirstUsbRadioAndReloaded) {
+    EXPECT_TRUE(setName("Desk"));
+    const FakeDriverApi::Opening device{
+        LR"(\\.\USB#VID_8087&PID_0A2B#5&1#{a5dcbf10-6530-11d2-901f-00c04fb951ed})", 0x40000000, 0,
+        3, 0};
+    EXPECT_EQ(mDriver.openings(), std::vector{device});
+    const FakeLocalRadioApi::Value value{
+        LR"(SYSTEM\CurrentControlSet\Enum\USB\VID_8087&PID_0A2B\5&1\Device Parameters)",
+        L"Local Name", 3, "Desk"};
+    EXPECT_EQ(mRadio.values(), std::vector{value});
+    const FakeDriverApi::Request reload{kReload, {4, 0, 0, 0}};
+    EXPECT_EQ(mDriver.requests(), std::vector{reload});
+}
+
+TEST_F(LocalName, NeedsAUsbRadio) {
+    mRadio.simulateInstanceIds({L"BTH\\1", L"usb\\lower-case", L"US"});
+    EXPECT_FALSE(setName("Desk"));
+    EXPECT_TRUE(mDriver.openings().empty());
+}
+
+TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
+    const std::string path =
+        R"(\\.\USB#VID_8087&PID_0A2B#5&1#{a5dcbf10-6530-11d2-901f-00c04fb951ed})";
+    const std::string key =
+        R"(SYSTEM\CurrentControlSet\Enum\USB\VID_8087&PID_0A2B\5&1\Device Parameters)";
+
+    const struct {
+        const char* call;
+        std::string line;
+    } cases[] = {
+        {"SetupDiGetClassDevs", "getInstanceID() SetupDiGetClassDevs failed with error 7"},
+        {"CreateFile", "setLocalDeviceName() CreateFile(" + path + ") failed with error 7"},
+        {"RegOpenKeyEx", "setLocalDeviceName() RegOpenKeyEx(" + key + ") failed with error 7"},
+        {"RegSetValueEx", "setLocalDeviceName() RegSetValueEx(Desk) failed with error 7"},
+        {"DeviceIoControl", "setLocalDeviceName() DeviceIoControl failed with error 7"},
+    };
+
+    for (const auto& [call, line] : cases) {
+        RadioDriverApi driver;
+        FakeLocalRadioApi radio;
+        radio.simulateInstanceIds({L"USB\\VID_8087&PID_0A2B\\5&1"});
+        WindowsBluetoothHIDDeviceClient client(driver, radio);
+        driver.simulateFailureOf(call, 7);
+        radio.simulateFailureOf(call, 7);
+        CapturedLog log(kLogError);
+        EXPECT_FALSE(client.setLocalDeviceName("Desk")) << call;
+        EXPECT_EQ(log.take(), (std::vector<CapturedLog::Line>{{kLogError, kLogName + line}}));
+        EXPECT_EQ(driver.held(), 0u) << call;
+        EXPECT_EQ(radio.held(), 0) << call;
+    }
+}
+
+TEST_F(LocalName, IsRestoredToTheComputersOwnOnlyForTypeZero) {
+    mRadio.simulateComputerName(L"HOME-PC");
+    WindowsBluetoothHIDDeviceClient(mDriver, mRadio).restoreLocalDeviceName();
+    EXPECT_TRUE(mRadio.values().empty());
+    CapturedLog log(kLogInfo);
+    ClientOfType client(0, mDriver, mRadio);
+    (void)log.take();
+    client.restoreLocalDeviceName();
+    ASSERT_EQ(mRadio.values().size(), 1u);
+    EXPECT_EQ(mRadio.values()[0].bytes, "HOME-PC");
+    EXPECT_EQ(
+        log.take(),
+        (std::vector<CapturedLog::Line>{
+            {kLogInfo, kLogName + "restoreLocalDeviceName: Reset device name back to HOME-PC"}}));
+    mRadio.simulateInstanceIds({});
+    client.restoreLocalDeviceName();
+    EXPECT_EQ(log.take(),
+              (std::vector<CapturedLog::Line>{
+                  {kLogError,
+                   kLogName + "restoreLocalDeviceName: Failed to reset device name to HOME-PC"}}));
+}
+
+TEST_F(LocalName, RadioTellsItsOwnName) {
+    mRadio.simulateRadioName(L"Radio 1");
+    WindowsBluetoothHIDDeviceClient client(mDriver, mRadio);
+    std::wstring name = L"before";
+    EXPECT_TRUE(client.getRadioDeviceName(name));
+    EXPECT_EQ(name, L"Radio 1");
+    for (const char* call : {"BluetoothGetRadioInfo", "BluetoothFindFirstRadio"}) {
+        mRadio.simulateFailureOf(call, 259);
+        EXPECT_FALSE(client.getRadioDeviceName(name)) << call;
+        EXPECT_EQ(mRadio.held(), 0) << call;
+    }
+}
+
+TEST(HidType, IsTwoWhateverTheDriverSays) {
+    FakeLocalRadioApi radio;
+    FakeDriverApi without;
+    EXPECT_EQ(WindowsBluetoothHIDDeviceClient(without, radio).getType(), 2u);
+    FakeDriverApi with;
+    with.simulateHidDriver();
+    with.simulateType(1);
+    EXPECT_EQ(WindowsBluetoothHIDDeviceClient(with, radio).getType(), 2u);
+    const FakeDriverApi::Request asked{0x220004, {}};
+    EXPECT_EQ(with.requests(), std::vector{asked});
+    EXPECT_EQ(with.held(), 0u);
+}
+
+TEST(HidType, FactoryGivesTheRealClientAndTheDummyByName) {
+    auto& factory = OSALFactory::instance();
+    const auto client =
+        osalCreate<IBluetoothHIDDeviceClient>(factory, "IBluetoothHIDDeviceClient", KVStore(), "");
+    EXPECT_EQ(client->getType(), 2u);
+    const auto dummy = osalCreate<IBluetoothHIDDeviceClient>(
+        factory, "IBluetoothHIDDeviceClient", KVStore(), "IBluetoothHIDDeviceClient::Dummy");
+    EXPECT_EQ(dummy->getType(), 0u);
+    EXPECT_TRUE(dummy->setLocalDeviceName("Desk"));
+}
+
+} // namespace
+} // namespace orbelantine
