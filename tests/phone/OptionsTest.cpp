@@ -1,0 +1,122 @@
+#include "tools/virtual_phone/Options.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace orbelantine::phone {
+
+namespace {
+
+using Arguments = std::initializer_list<const char*>;
+
+Options optionsOf(Arguments arguments) {
+    const auto parsed = parseOptions({arguments.begin(), arguments.size()});
+    const auto* error = std::get_if<UsageError>(&parsed);
+    EXPECT_EQ(error, nullptr) << error->message;
+    return error == nullptr ? std::get<Options>(parsed) : Options();
+}
+
+std::string errorOf(Arguments arguments) {
+    const auto parsed = parseOptions({arguments.begin(), arguments.size()});
+    const auto* error = std::get_if<UsageError>(&parsed);
+    return error == nullptr ? "" : error->message;
+}
+
+} // namespace
+
+TEST(Options, DefaultsAreAWellBehavedPhone) {
+    const Options options = optionsOf({});
+    EXPECT_EQ(toText(options.address), "00:11:22:33:44:55");
+    EXPECT_EQ(options.screen, (ScreenSize{1080, 2340}));
+    EXPECT_EQ(options.faults.driverVersion, 4);
+    EXPECT_FALSE(options.faults.refuseControl || options.faults.refuseInterrupt ||
+                 options.faults.keepAfterUnplug || options.faults.garbage ||
+                 options.faults.vanishAfter || options.faults.late.count() != 0);
+}
+
+TEST(Options, EachOptionReachesItsField) {
+    const Options options =
+        optionsOf({"--devices", "d", "--address=aa:Bb:0c:1D:2e:3F", "--screen", "720x1280",
+                   "--name", "N", "--log", "l", "--picture=p=q", "--ready-file", "r"});
+    EXPECT_EQ(options.devices, "d");
+    EXPECT_EQ(toText(options.address), "AA:BB:0C:1D:2E:3F");
+    EXPECT_EQ(toDigits(options.address), "aabb0c1d2e3f");
+    EXPECT_EQ(options.screen, (ScreenSize{720, 1280}));
+    EXPECT_EQ(options.name, "N");
+    EXPECT_EQ(options.log, "l");
+    EXPECT_EQ(options.picture, "p=q");
+    EXPECT_EQ(options.readyFile, "r");
+}
+
+TEST(Options, EachFaultReachesItsField) {
+    const Faults faults = optionsOf({"--refuse", "control", "--refuse", "interrupt", "--late", "20",
+                                     "--version", "-3", "--vanish-after", "7", "--return-after",
+                                     "0", "--keep-after-unplug", "--garbage"})
+                              .faults;
+    EXPECT_TRUE(faults.refuseControl);
+    EXPECT_TRUE(faults.refuseInterrupt);
+    EXPECT_EQ(faults.late, std::chrono::milliseconds(20));
+    EXPECT_EQ(faults.driverVersion, -3);
+    EXPECT_EQ(faults.vanishAfter, 7U);
+    EXPECT_EQ(faults.returnAfter, std::chrono::milliseconds(0));
+    EXPECT_TRUE(faults.keepAfterUnplug);
+    EXPECT_TRUE(faults.garbage);
+}
+
+TEST(Options, HelpNamesEveryOption) {
+    const Arguments arguments = {"--garbage", "--help", "--unknown"};
+    EXPECT_TRUE(
+        std::holds_alternative<HelpWanted>(parseOptions({arguments.begin(), arguments.size()})));
+    for (const char* name : {"--devices", "--address", "--screen", "--name", "--log", "--picture",
+                             "--ready-file", "--refuse", "--late", "--version", "--vanish-after",
+                             "--return-after", "--keep-after-unplug", "--garbage", "--help"})
+        EXPECT_NE(helpText().find(std::string("  ") + name + " "), std::string::npos) << name;
+}
+
+TEST(Options, ErrorSaysWhatIsWrongAndWhatToDo) {
+    const std::string next = "; virtual_phone --help lists the options";
+    EXPECT_EQ(errorOf({"--frob"}), "virtual_phone: unknown option '--frob'" + next);
+    EXPECT_EQ(errorOf({"file"}), "virtual_phone: unknown option 'file'" + next);
+    EXPECT_EQ(errorOf({"--late"}),
+              "virtual_phone: --late wants milliseconds from 0 to 600000 behind it" + next);
+    EXPECT_EQ(errorOf({"--late", "soon"}),
+              "virtual_phone: --late wants milliseconds from 0 to 600000, not 'soon'" + next);
+    EXPECT_EQ(errorOf({"--garbage=1"}), "virtual_phone: --garbage takes no value" + next);
+    EXPECT_EQ(errorOf({"--return-after", "5"}),
+              "virtual_phone: --return-after needs --vanish-after" + next);
+}
+
+TEST(Options, BadValuesAreRefused) {
+    const std::vector<std::vector<const char*>> wrong = {
+        {"--address", "00:11:22:33:44:5"},
+        {"--address", "00:11:22:33:44:555"},
+        {"--address", "00-11-22-33-44-55"},
+        {"--address", "00:11:22:33:44:5g"},
+        {"--address", "+0:11:22:33:44:55"},
+        {"--screen", "1080"},
+        {"--screen", "1080x"},
+        {"--screen", "x2340"},
+        {"--screen", "99x2340"},
+        {"--screen", "1080x10001"},
+        {"--screen", "1080x2340x"},
+        {"--late", "-1"},
+        {"--late", "600001"},
+        {"--late", "5 "},
+        {"--version", "32768"},
+        {"--version", "4.0"},
+        {"--vanish-after", "0"},
+        {"--vanish-after", "18446744073709551616"},
+        {"--refuse", "both"},
+        {"--devices", ""},
+        {"--log="},
+        {"--name", ""},
+        {"--name", "12345678901234567890123456789012345678901234567890123456789012345"}};
+    for (const auto& arguments : wrong)
+        EXPECT_TRUE(std::holds_alternative<UsageError>(parseOptions(arguments)))
+            << arguments.front() << " " << arguments.back();
+}
+
+} // namespace orbelantine::phone

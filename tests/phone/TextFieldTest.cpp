@@ -1,0 +1,115 @@
+#include "tools/virtual_phone/TextField.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+
+namespace orbelantine::phone {
+
+namespace {
+
+constexpr std::uint8_t kLeftShift = 0x02;
+constexpr std::uint8_t kRightShift = 0x20;
+
+class TextFieldTest : public testing::Test {
+  protected:
+    void type(std::initializer_list<int> usages, std::uint8_t modifiers = 0) {
+        for (const int usage : usages)
+            mField.press(static_cast<std::uint8_t>(usage), modifiers);
+    }
+
+    std::string textOfKeys(int first, int last, std::uint8_t modifiers) {
+        TextField field;
+        for (int usage = first; usage <= last; ++usage)
+            field.press(static_cast<std::uint8_t>(usage), modifiers);
+        return field.text();
+    }
+
+    TextField mField;
+};
+
+} // namespace
+
+TEST_F(TextFieldTest, PlainKeysAreThoseOfTheUsLayout) {
+    EXPECT_EQ(textOfKeys(4, 39, 0), "abcdefghijklmnopqrstuvwxyz1234567890");
+    EXPECT_EQ(textOfKeys(43, 56, 0), "\t -=[]\\\\;'`,./");
+    EXPECT_EQ(textOfKeys(84, 103, 0), "/*-+\n1234567890.\\=");
+}
+
+TEST_F(TextFieldTest, EitherShiftGivesTheUpperCharacters) {
+    EXPECT_EQ(textOfKeys(4, 39, kLeftShift), "ABCDEFGHIJKLMNOPQRSTUVWXYZ!@#$%^&*()");
+    EXPECT_EQ(textOfKeys(45, 56, kRightShift), "_+{}||:\"~<>?");
+    EXPECT_EQ(textOfKeys(100, 100, kLeftShift), "|");
+}
+
+TEST_F(TextFieldTest, CapsLockTurnsLettersOnlyAndShiftTurnsThemBack) {
+    type({57, 4, 30});
+    type({4, 30}, kLeftShift);
+    type({57, 4});
+    EXPECT_EQ(mField.text(), "A1a!a");
+    EXPECT_FALSE(mField.capsLock());
+}
+
+TEST_F(TextFieldTest, ShortcutsWriteNothing) {
+    for (const std::uint8_t modifier : {0x01, 0x04, 0x08, 0x10, 0x40, 0x80})
+        EXPECT_EQ(mField.press(4, modifier), 0);
+    EXPECT_EQ(mField.text(), "");
+}
+
+TEST_F(TextFieldTest, KeysWithoutCharacterWriteNothing) {
+    for (int usage = 0; usage <= 255; ++usage) {
+        const bool writes = (usage >= 4 && usage <= 40) || (usage >= 43 && usage <= 56) ||
+                            (usage >= 84 && usage <= 100) || usage == 103;
+        TextField field;
+        EXPECT_EQ(field.press(static_cast<std::uint8_t>(usage), 0) != 0, writes && usage != 41)
+            << usage;
+    }
+}
+
+TEST_F(TextFieldTest, BackspaceAndDeleteStopAtTheEndsOfTheText) {
+    type({42, 76});
+    type({4, 5, 6, 42, 80, 76, 76});
+    EXPECT_EQ(mField.text(), "a");
+    type({42, 42});
+    EXPECT_EQ(mField.text(), "");
+}
+
+TEST_F(TextFieldTest, CaretMovesAlongTheLine) {
+    type({4, 5, 40, 6, 7}); // "ab", "cd"
+    type({74, 27});         // Home
+    type({80, 80, 28});     // over the line's end, to the end of "ab"
+    type({77, 79, 77, 29}); // End, over the line's end, End
+    EXPECT_EQ(mField.text(), "aby\nxcdz");
+    type({77, 79, 79, 4});
+    EXPECT_EQ(mField.text(), "aby\nxcdza");
+}
+
+TEST_F(TextFieldTest, CaretKeepsItsColumnFromLineToLineAsFarAsThereIsText) {
+    type({4, 40, 5, 6, 7, 40, 8, 9}); // "a", "bcd", "ef"
+    type({82, 27});                   // up into "bcd", behind "bc"
+    EXPECT_EQ(mField.text(), "a\nbcxd\nef");
+    type({82, 28}); // column 3 of "a" is its end
+    EXPECT_EQ(mField.text(), "ay\nbcxd\nef");
+    type({82, 4}); // no line above: its start
+    EXPECT_EQ(mField.text(), "aay\nbcxd\nef");
+    type({81, 81, 81, 29}); // the last line, then its end
+    EXPECT_EQ(mField.text(), "aay\nbcxd\nefz");
+}
+
+TEST_F(TextFieldTest, KeypadSteersWhileNumLockIsOff) {
+    type({89, 83, 92, 90, 91, 94, 98}); // "1", Num Lock off, left, then keys that do nothing here
+    type({4});
+    EXPECT_EQ(mField.text(), "1a");
+    type({95, 99, 83, 98}); // home, delete, Num Lock on, "0"
+    EXPECT_EQ(mField.text(), "0a");
+}
+
+TEST_F(TextFieldTest, NewKeyboardStartsWithCapsLockOffAndNumLockOn) {
+    type({57, 83});
+    mField.resetLocks();
+    type({4, 89});
+    EXPECT_EQ(mField.text(), "a1");
+}
+
+} // namespace orbelantine::phone

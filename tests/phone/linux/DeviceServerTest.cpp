@@ -1,0 +1,275 @@
+#include "tools/virtual_phone/linux/DeviceServer.h"
+
+#include "tests/phone/linux/TestHost.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+namespace orbelantine::phone {
+
+namespace {
+
+using Milliseconds = std::chrono::milliseconds;
+
+/// A server that is stepped by hand, under a clock that is set by hand.
+class DeviceServerTest : public testing::Test {
+  protected:
+    DeviceServerTest() {
+        int ends[2];
+        EXPECT_EQ(::pipe(ends), 0);
+        mStopReader = FileDescriptor(ends[0]);
+        mStopWriter = FileDescriptor(ends[1]);
+        mOptions.devices = mFolder / "devices";
+    }
+
+    DeviceServer& server() {
+        if (!mServer) {
+            mDriver.emplace(mOptions.address, mOptions.faults, mPhone, mLog);
+            mServer.emplace(DeviceServer::Parts{*mDriver, mLog, [this] { return mNow; }}, mOptions,
+                            mStopReader.get());
+        }
+        return *mServer;
+    }
+
+    /// Does all that there is to do now; false once the server is to end.
+    bool run() {
+        bool goesOn = true;
+        for (int i = 0; goesOn && i < 8; ++i)
+            goesOn = server().step(Milliseconds(0));
+        return goesOn;
+    }
+
+    TestHost openHost() { return TestHost(server().path()); }
+
+    /// The reply to a packet, after letting the server run.
+    std::optional<TestHost::Bytes> exchange(const TestHost& host, const TestHost::Bytes& packet) {
+        host.send(packet);
+        run();
+        return host.received();
+    }
+
+    TemporaryFolder mFolder;
+    FileDescriptor mStopReader;
+    FileDescriptor mStopWriter;
+    Milliseconds mNow{0};
+    Options mOptions;
+    EventLog mLog{nullptr, nullptr};
+    Phone mPhone{{100, 100}, mLog};
+    std::optional<Driver> mDriver;
+    std::optional<DeviceServer> mServer;
+};
+
+mode_t modeOf(const std::string& path) {
+    struct stat status {};
+
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status.st_mode;
+}
+
+std::string startFailure(const Options& options) {
+    try {
+        const DeviceSocket socket(options.devices, options.address);
+        return "";
+    } catch (const std::runtime_error& failure) {
+        return failure.what();
+    }
+}
+
+} // namespace
+
+TEST_F(DeviceServerTest, SocketStandsUnderItsClassWithTheMarkInItsName) {
+    EXPECT_EQ(server().path(), mOptions.devices + "/4df52311-7aa8-4d3c-b58b-3749826e10a6/" +
+                                   "{hid}_localmfg#001122334455");
+    EXPECT_TRUE(S_ISSOCK(modeOf(server().path())));
+    EXPECT_EQ(modeOf(mOptions.devices) & 0777U, 0700U);
+}
+
+TEST_F(DeviceServerTest, SessionGoesFromConnectToTheTypedText) {
+    const TestHost control = openHost();
+    const TestHost interrupt = openHost();
+    EXPECT_EQ(exchange(control, packet::kGetVersion), packet::kVersion4);
+    EXPECT_EQ(exchange(control, packet::kConnectControl), packet::kSuccess);
+    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+    EXPECT_EQ(exchange(interrupt, packet::kTypeA), std::nullopt);
+    EXPECT_EQ(mPhone.textField().text(), "a");
+}
+
+TEST_F(DeviceServerTest, ClosedHandleFreesItsChannelForTheNext) {
+    {
+        const TestHost control = openHost();
+        EXPECT_EQ(exchange(control, packet::kConnectControl), packet::kSuccess);
+    }
+    const TestHost next = openHost();
+    EXPECT_EQ(exchange(next, packet::kConnectControl), packet::kSuccess);
+}
+
+TEST_F(DeviceServerTest, PacketsBeforeAHangUpAreTaken) {
+    {
+        const TestHost interrupt = openHost();
+        EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+        for (int i = 0; i < 100; ++i) {
+            interrupt.send(packet::kTypeA);
+            interrupt.send(packet::kRelease);
+        }
+    }
+    run();
+    EXPECT_EQ(mPhone.textField().text(), std::string(100, 'a'));
+}
+
+TEST_F(DeviceServerTest, StopLetsWhatWasSentBeforeItArrive) {
+    const TestHost interrupt = openHost();
+    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+    interrupt.send(packet::kTypeA);
+    EXPECT_EQ(::write(mStopWriter.get(), "x", 1), 1);
+    EXPECT_FALSE(run());
+    EXPECT_EQ(mPhone.textField().text(), "a");
+}
+
+TEST_F(DeviceServerTest, HostThatNeverRestsCannotPutOffTheStopForever) {
+    const TestHost host = openHost();
+    run();
+    EXPECT_EQ(::write(mStopWriter.get(), "x", 1), 1);
+    host.send(packet::kRelease);
+    EXPECT_TRUE(server().step());
+    mNow = Milliseconds(500);
+    host.send(packet::kRelease);
+    EXPECT_FALSE(server().step());
+}
+
+TEST_F(DeviceServerTest, MalformedPacketsLeaveTheHandleInUse) {
+    const TestHost host = openHost();
+    run();
+    EXPECT_EQ(exchange(host, {1, 2}), std::nullopt);
+    EXPECT_EQ(exchange(host, {}), std::nullopt);
+    EXPECT_EQ(exchange(host, TestHost::Bytes(Driver::kMaxPacket + 1)), std::nullopt);
+    EXPECT_EQ(mPhone.tally().errors, 3U);
+    EXPECT_EQ(exchange(host, packet::kGetVersion), packet::kVersion4);
+}
+
+TEST_F(DeviceServerTest, LateRepliesComeWhenTheyAreDueAndInOrder) {
+    mOptions.faults.late = Milliseconds(200);
+    const TestHost host = openHost();
+    run();
+    EXPECT_EQ(exchange(host, packet::kGetVersion), std::nullopt);
+    mNow = Milliseconds(100);
+    EXPECT_EQ(exchange(host, packet::kConnectControl), std::nullopt);
+    mNow = Milliseconds(200);
+    run();
+    EXPECT_EQ(host.received(), packet::kVersion4);
+    EXPECT_EQ(host.received(), std::nullopt);
+    mNow = Milliseconds(300);
+    run();
+    EXPECT_EQ(host.received(), packet::kSuccess);
+}
+
+TEST_F(DeviceServerTest, VanishesFromEveryHandleAndEnds) {
+    mOptions.faults.vanishAfter = 1;
+    const TestHost idle = openHost();
+    const TestHost interrupt = openHost();
+    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+    interrupt.send(packet::kTypeA);
+    EXPECT_FALSE(run());
+    EXPECT_EQ(idle.received(), packet::kHangUp);
+    EXPECT_EQ(interrupt.received(), packet::kHangUp);
+    EXPECT_EQ(server().path(), "");
+}
+
+TEST_F(DeviceServerTest, ComesBackAfterVanishingToStay) {
+    mOptions.faults.vanishAfter = 1;
+    mOptions.faults.returnAfter = Milliseconds(1000);
+    const std::string path = server().path();
+    {
+        const TestHost interrupt = openHost();
+        EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+        interrupt.send(packet::kTypeA);
+        EXPECT_TRUE(run());
+    }
+    mNow = Milliseconds(999);
+    EXPECT_TRUE(run());
+    EXPECT_FALSE(TestHost(path).isOpen());
+    mNow = Milliseconds(1000);
+    EXPECT_TRUE(run());
+    const TestHost again(path);
+    EXPECT_EQ(exchange(again, packet::kConnectInterrupt), packet::kSuccess);
+    EXPECT_EQ(exchange(again, packet::kTypeA), std::nullopt);
+    EXPECT_TRUE(again.isOpen());
+    EXPECT_EQ(mPhone.textField().text(), "aa");
+}
+
+TEST_F(DeviceServerTest, TooManyHandlesCloseOnlyTheNewest) {
+    std::vector<TestHost> hosts;
+    for (int i = 0; i < 64; ++i) {
+        hosts.push_back(openHost());
+        run();
+    }
+    const TestHost excess = openHost();
+    run();
+    EXPECT_EQ(excess.received(), packet::kHangUp);
+    EXPECT_EQ(exchange(hosts.front(), packet::kGetVersion), packet::kVersion4);
+}
+
+TEST_F(DeviceServerTest, EndRemovesTheSocketAndHangsUp) {
+    const std::string path = server().path();
+    const TestHost host = openHost();
+    run();
+    mServer.reset();
+    EXPECT_EQ(host.received(), packet::kHangUp);
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(DeviceServerTest, SecondPhoneOfTheSameAddressIsTurnedAway) {
+    const std::string path = server().path();
+    EXPECT_EQ(startFailure(mOptions), "another phone is listening at " + path +
+                                          ": stop it, or choose another --address or --devices");
+    EXPECT_TRUE(openHost().isOpen()) << "the first phone's socket is still there";
+    mOptions.address = {{0, 1, 2, 3, 4, 5}};
+    EXPECT_EQ(startFailure(mOptions), "");
+}
+
+TEST_F(DeviceServerTest, StaleSocketIsReplacedAndAFileIsNot) {
+    const std::string path = server().path();
+    mServer.reset();
+    std::ofstream(path) << "installed";
+    EXPECT_EQ(startFailure(mOptions), path + " is there and is not a socket: remove it first");
+    std::filesystem::remove(path);
+
+    const FileDescriptor dead(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    ASSERT_EQ(::bind(dead.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    const TestHost host = openHost();
+    EXPECT_TRUE(host.isOpen());
+    EXPECT_EQ(exchange(host, packet::kGetVersion), packet::kVersion4);
+}
+
+TEST_F(DeviceServerTest, FolderTooDeepForASocketsNameIsRefused) {
+    mOptions.devices = mFolder / std::string(60, 'd').c_str();
+    EXPECT_NE(startFailure(mOptions).find("is longer than the 107 bytes of a socket's name"),
+              std::string::npos);
+}
+
+TEST_F(DeviceServerTest, FolderThatCannotBeMadeIsNamed) {
+    std::ofstream(mFolder / "file") << "x";
+    mOptions.devices = mFolder / "file/devices";
+    EXPECT_EQ(startFailure(mOptions).substr(0, 22), "cannot make the folder");
+}
+
+TEST(DefaultDeviceFolder, ComesFromTheEnvironmentInOrder) {
+    ::setenv("XDG_RUNTIME_DIR", "/run/user/7", 1);
+    ::setenv("ORBELANTINE_DEVICE_DIR", "/d", 1);
+    EXPECT_EQ(defaultDeviceFolder(), "/d");
+    ::setenv("ORBELANTINE_DEVICE_DIR", "", 1);
+    EXPECT_EQ(defaultDeviceFolder(), "/run/user/7/orbelantine/devices");
+    ::unsetenv("ORBELANTINE_DEVICE_DIR");
+    ::unsetenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ(defaultDeviceFolder(), "/tmp/orbelantine-" + std::to_string(::getuid()) + "/devices");
+}
+
+} // namespace orbelantine::phone

@@ -1,0 +1,168 @@
+#include "tools/virtual_phone/linux/Program.h"
+
+#include "tests/phone/linux/TestHost.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+
+namespace orbelantine::phone {
+
+namespace {
+
+std::string contentOf(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string lastLineOf(const std::string& text) {
+    const std::size_t before = text.rfind('\n', text.size() - 2);
+    return text.substr(before + 1);
+}
+
+/// A phone in a process of its own, as the program is.
+class ProgramTest : public testing::Test {
+  protected:
+    ProgramTest() {
+        mOptions.devices = mFolder / "devices";
+        mOptions.log = mFolder / "log";
+        mOptions.picture = mFolder / "picture.svg";
+        mOptions.readyFile = mFolder / "ready";
+    }
+
+    ~ProgramTest() override {
+        if (mChild > 0)
+            ::kill(mChild, SIGKILL);
+        end();
+    }
+
+    /// Returns when the phone has printed its line.
+    void start() {
+        std::array<int, 2> ends{};
+        ASSERT_EQ(::pipe(ends.data()), 0);
+        const FileDescriptor reader(ends[0]);
+        FileDescriptor writer(ends[1]);
+        mChild = ::fork();
+        if (mChild == 0) {
+            ::dup2(writer.get(), STDOUT_FILENO);
+            std::ofstream out("/dev/stdout");
+            std::ostringstream err;
+            ::_exit(runVirtualPhone(mOptions, out, err));
+        }
+        writer = FileDescriptor();
+        std::array<char, 512> line{};
+        const ssize_t size = ::read(reader.get(), line.data(), line.size());
+        ASSERT_GT(size, 0);
+        mPrinted.assign(line.data(), static_cast<std::size_t>(size));
+    }
+
+    /// The path in the ready file.
+    [[nodiscard]] std::string socketPath() const {
+        const std::string line = contentOf(mOptions.readyFile);
+        return line.substr(0, line.find('\n'));
+    }
+
+    void typeA() const {
+        const TestHost interrupt(socketPath());
+        interrupt.send(packet::kConnectInterrupt);
+        EXPECT_EQ(interrupt.wait(), packet::kSuccess);
+        interrupt.send(packet::kTypeA);
+        interrupt.send(packet::kGetVersion);
+        EXPECT_EQ(interrupt.wait(), packet::kVersion4);
+    }
+
+    /// The exit status once the phone has ended; -1 when it was killed.
+    int end() {
+        int status = 0;
+        if (mChild <= 0 || ::waitpid(mChild, &status, 0) != mChild)
+            return -1;
+        mChild = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    int stop(int signal) {
+        ::kill(mChild, signal);
+        return end();
+    }
+
+    TemporaryFolder mFolder;
+    Options mOptions;
+    std::string mPrinted;
+    pid_t mChild = -1;
+};
+
+} // namespace
+
+TEST_F(ProgramTest, SaysWhereItListensOnceItDoes) {
+    start();
+    EXPECT_EQ(mPrinted,
+              "virtual phone 00:11:22:33:44:55 is listening in " + mOptions.devices + "\n");
+    EXPECT_TRUE(TestHost(socketPath()).isOpen());
+}
+
+TEST_F(ProgramTest, SignalEndsItWithPictureAndSummaryAndNoSocketLeft) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        start();
+        const std::string socket = socketPath();
+        typeA();
+        EXPECT_EQ(stop(signal), 0);
+        EXPECT_FALSE(std::filesystem::exists(socket));
+        EXPECT_FALSE(std::filesystem::exists(mOptions.readyFile));
+        EXPECT_NE(lastLineOf(contentOf(mOptions.log)).find(R"("event":"summary","text":"a")"),
+                  std::string::npos);
+        EXPECT_NE(contentOf(mOptions.picture).find("a<tspan"), std::string::npos);
+    }
+}
+
+TEST_F(ProgramTest, LogIsCompleteAtAnyMoment) {
+    start();
+    typeA();
+    const std::string log = contentOf(mOptions.log);
+    EXPECT_NE(log.find(R"("typed":"a")"), std::string::npos);
+    EXPECT_EQ(log.back(), '\n');
+}
+
+TEST_F(ProgramTest, VanishingEndsItAsASessionDoes) {
+    mOptions.faults.vanishAfter = 1;
+    start();
+    const TestHost interrupt(socketPath());
+    interrupt.send(packet::kConnectInterrupt);
+    EXPECT_EQ(interrupt.wait(), packet::kSuccess);
+    interrupt.send(packet::kTypeA);
+    EXPECT_EQ(interrupt.wait(), packet::kHangUp);
+    EXPECT_EQ(end(), 0);
+    EXPECT_NE(lastLineOf(contentOf(mOptions.log)).find(R"("reports":1)"), std::string::npos);
+}
+
+TEST_F(ProgramTest, SecondPhoneFailsAndLeavesTheFirstOnesFiles) {
+    start();
+    typeA();
+    const std::string before = contentOf(mOptions.log);
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(runVirtualPhone(mOptions, out, err), 1);
+    EXPECT_EQ(err.str(), "virtual_phone: another phone is listening at " + socketPath() +
+                             ": stop it, or choose another --address or --devices\n");
+    EXPECT_EQ(contentOf(mOptions.log).substr(0, before.size()), before);
+}
+
+TEST_F(ProgramTest, FileThatCannotBeWrittenIsNamedAtTheStart) {
+    for (std::string Options::*file : {&Options::log, &Options::picture, &Options::readyFile}) {
+        Options options = mOptions;
+        options.*file = mFolder / "missing/file";
+        std::ostringstream out;
+        std::ostringstream err;
+        EXPECT_EQ(runVirtualPhone(options, out, err), 1);
+        EXPECT_EQ(err.str().substr(0, 28), "virtual_phone: cannot write ");
+    }
+}
+
+} // namespace orbelantine::phone

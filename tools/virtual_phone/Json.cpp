@@ -1,0 +1,39 @@
+#include "tools/virtual_phone/Json.h"
+
+#include "tools/virtual_phone/Utf8.h"
+
+namespace orbelantine::phone {
+
+namespace {
+
+void appendControl(std::string& out, char32_t control) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    out += "\\u00";
+    out += kDigits[control >> 4];
+    out += kDigits[control & 0x0F];
+}
+
+void appendEscaped(std::string& out, char32_t character) {
+    if (character == U'\n')
+        out += "\\n";
+    else if (character == U'\t')
+        out += "\\t";
+    else if (character < U' ')
+        appendControl(out, character);
+    else {
+        if (character == U'"' || character == U'\\')
+            out += '\\';
+        appendUtf8(out, character);
+    }
+}
+
+} // namespace
+
+std::string jsonText(std::string_view text) {
+    std::string out = "\"";
+    for (const char32_t character : decodeUtf8(text))
+        appendEscaped(out, character);
+    return out + "\"";
+}
+
+} // namespace orbelantine::phone

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "tools/virtual_phone/Address.h"
+#include "tools/virtual_phone/Cursor.h"
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+
+namespace orbelantine::phone {
+
+/// How the phone and the driver before it misbehave.
+struct Faults {
+    bool refuseControl = false;
+    bool refuseInterrupt = false;
+    /// Reply to each request this much later.
+    std::chrono::milliseconds late{0};
+    std::int16_t driverVersion = 4;
+    /// Vanish, once, after this many reports; come back after returnAfter, or end.
+    std::optional<std::uint64_t> vanishAfter;
+    std::optional<std::chrono::milliseconds> returnAfter;
+    bool keepAfterUnplug = false;
+    bool garbage = false;
+};
+
+struct Options {
+    /// Empty for the default folder.
+    std::string devices;
+    Address address{{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
+    ScreenSize screen;
+    std::string name = "Virtual phone";
+    /// Files; empty for none.
+    std::string log;
+    std::string picture;
+    std::string readyFile;
+    Faults faults;
+};
+
+struct HelpWanted {};
+
+/// One line that says what is wrong with the command line and what to do next.
+struct UsageError {
+    std::string message;
+};
+
+/// Reads the arguments behind the program's name. "--name value" and "--name=value" both do, and
+/// the last of an option given twice counts.
+[[nodiscard]] std::variant<Options, HelpWanted, UsageError>
+parseOptions(std::span<const char* const> arguments);
+
+[[nodiscard]] std::string helpText();
+
+} // namespace orbelantine::phone

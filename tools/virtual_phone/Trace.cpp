@@ -1,0 +1,26 @@
+#include "tools/virtual_phone/Trace.h"
+
+namespace orbelantine::phone {
+
+void Trace::move(Point to, Stroke stroke) {
+    if (to == (mSteps.empty() ? mStart : mSteps.back().to))
+        return;
+    if (mSteps.size() == kMaxSteps) {
+        const auto half = mSteps.begin() + kMaxSteps / 2;
+        mStart = std::prev(half)->to;
+        mSteps.erase(mSteps.begin(), half);
+    }
+    mSteps.push_back({to, stroke});
+}
+
+void Trace::mark(MarkKind kind, Point at, std::int64_t amount) {
+    const bool repeats = !mMarks.empty() && mMarks.back().kind == kind && mMarks.back().at == at;
+    if (!repeats && mMarks.size() == kMaxMarks)
+        mMarks.erase(mMarks.begin(), mMarks.begin() + kMaxMarks / 2);
+    if (!repeats)
+        mMarks.push_back({kind, at});
+    ++mMarks.back().count;
+    mMarks.back().amount += amount;
+}
+
+} // namespace orbelantine::phone

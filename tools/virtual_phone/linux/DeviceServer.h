@@ -1,0 +1,88 @@
+#pragma once
+
+#include "tools/virtual_phone/Driver.h"
+#include "tools/virtual_phone/EventLog.h"
+#include "tools/virtual_phone/Options.h"
+#include "tools/virtual_phone/linux/DeviceSocket.h"
+#include "tools/virtual_phone/linux/FileDescriptor.h"
+
+#include <poll.h>
+
+#include <chrono>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orbelantine::phone {
+
+/// Carries packets between the device's socket and the driver: each connection is one open device
+/// handle, and the hang-up is the device's removal. Everything happens in step(), on its thread.
+class DeviceServer {
+  public:
+    using Milliseconds = std::chrono::milliseconds;
+
+    /// What the server serves; all of it outlives the server.
+    struct Parts {
+        Driver& driver;
+        EventLog& log;
+        Now now;
+    };
+
+    /// Listens from here on; throws as DeviceSocket. `stopDescriptor` becomes readable when the
+    /// server is to end.
+    DeviceServer(Parts parts, const Options& options, int stopDescriptor);
+    DeviceServer(const DeviceServer&) = delete;
+    DeviceServer& operator=(const DeviceServer&) = delete;
+    ~DeviceServer();
+
+    /// Waits for something to do, at most `longest`, and does it. False once the server is to end.
+    [[nodiscard]] bool step(std::optional<Milliseconds> longest = std::nullopt);
+    /// Closes every handle.
+    void hangUp();
+
+    [[nodiscard]] const std::string& folder() const { return mDevices; }
+
+    /// The socket's path; empty while the device has vanished.
+    [[nodiscard]] std::string path() const { return mSocket ? mSocket->path() : ""; }
+
+  private:
+    struct LateReply {
+        Milliseconds due;
+        Driver::Reply bytes;
+    };
+
+    struct Connection {
+        FileDescriptor socket;
+        Driver::HandleId handle;
+        std::deque<LateReply> replies;
+        bool gone = false;
+    };
+
+    [[nodiscard]] std::vector<pollfd> pollList() const;
+    [[nodiscard]] int timeout(std::optional<Milliseconds> longest) const;
+    [[nodiscard]] bool stops(const std::vector<pollfd>& polled);
+    void serve(const std::vector<pollfd>& polled);
+    void readPackets(Connection& connection, bool hungUp);
+    void take(Connection& connection, Driver::Bytes packet);
+    void acceptConnections();
+    void sendDueReplies();
+    void forgetGone();
+    void vanish();
+    void comeBack();
+
+    Parts mParts;
+    Address mAddress;
+    std::string mDevices;
+    Milliseconds mLate;
+    std::optional<Milliseconds> mReturnAfter;
+    int mStopDescriptor;
+    std::optional<DeviceSocket> mSocket;
+    std::vector<Connection> mConnections;
+    std::optional<Milliseconds> mReturnAt;
+    std::optional<Milliseconds> mStopBy;
+    bool mVanishes = false;
+    bool mEnded = false;
+};
+
+} // namespace orbelantine::phone
