@@ -1,0 +1,60 @@
+using System;
+using System.Collections.Generic;
+using System.Linq;
+
+namespace Orbelantine.DemoHost
+{
+    /// <summary>What was sent beside what was received.</summary>
+    public sealed class Summary
+    {
+        private const int MaxText = 40;
+
+        private readonly List<string[]> rows = new List<string[]> { new[] { "what", "sent", "received", "ok" } };
+
+        public Summary(Tally sent, Tally received)
+        {
+            Add("text", Quote(sent.Text.ToString()), Quote(received.Text.ToString()), sent.Text.Equals(received.Text));
+            Add("key presses", sent.KeyPresses, received.KeyPresses);
+            Add("moves", sent.Moves, received.Moves);
+            Add("moved right by", sent.Dx, received.Dx);
+            Add("moved down by", sent.Dy, received.Dy);
+            Add("clicks", sent.Clicks, received.Clicks);
+            Add("scrolls", sent.Scrolls, received.Scrolls);
+            Add("wheel in them", sent.Wheel, received.Wheel);
+            Add("reports", sent.Reports, received.Reports);
+            Add("faulty reports", sent.Errors, received.Errors);
+        }
+
+        /// <summary>The names of the rows that differ.</summary>
+        public List<string> Differences { get; } = new List<string>();
+
+        public override string ToString()
+        {
+            int[] widths = Enumerable.Range(0, 4).Select(column => rows.Max(row => row[column].Length)).ToArray();
+            return string.Join(Environment.NewLine, rows.Select(row => Line(row, widths)));
+        }
+
+        private void Add(string what, int sent, int received)
+        {
+            Add(what, sent.ToString(), received.ToString(), sent == received);
+        }
+
+        private void Add(string what, string sent, string received, bool same)
+        {
+            rows.Add(new[] { what, sent, received, same ? "yes" : "NO" });
+            if (!same)
+                Differences.Add(what);
+        }
+
+        private static string Line(string[] row, int[] widths)
+        {
+            return string.Join(" | ", row.Select((cell, column) => cell.PadRight(widths[column]))).TrimEnd();
+        }
+
+        private static string Quote(string text)
+        {
+            string shown = text.Replace("\n", "\\n").Replace("\t", "\\t");
+            return "\"" + (shown.Length > MaxText ? shown.Substring(0, MaxText) + "..." : shown) + "\"";
+        }
+    }
+}

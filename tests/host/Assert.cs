@@ -1,0 +1,97 @@
+using System;
+using System.Collections.Generic;
+using System.Linq;
+
+namespace Orbelantine.HostTests
+{
+    /// <summary>What a test found other than it should be; the message is the reason.</summary>
+    public sealed class AssertionException : Exception
+    {
+        public AssertionException(string message) : base(message) { }
+    }
+
+    /// <summary>Ends a test that this machine can't run, visibly.</summary>
+    public sealed class SkippedException : Exception
+    {
+        public SkippedException(string reason) : base(reason) { }
+    }
+
+    public static class Assert
+    {
+        public static void Equal<T>(T expected, T actual, string what = null)
+        {
+            if (!EqualityComparer<T>.Default.Equals(expected, actual))
+                Fail(what, "expected " + Show(expected) + ", got " + Show(actual));
+        }
+
+        /// <summary>The same elements in the same order.</summary>
+        public static void Sequence<T>(IEnumerable<T> expected, IEnumerable<T> actual, string what = null)
+        {
+            if (!expected.SequenceEqual(actual))
+                Fail(what, "expected [" + ShowAll(expected) + "], got [" + ShowAll(actual) + "]");
+        }
+
+        public static void True(bool condition, string what)
+        {
+            if (!condition)
+                Fail(null, what);
+        }
+
+        public static void Null(object value, string what = null)
+        {
+            if (value != null)
+                Fail(what, "expected null, got " + Show(value));
+        }
+
+        public static void Contains(string part, string text)
+        {
+            if (text == null || !text.Contains(part))
+                Fail(null, "no " + Show(part) + " in " + Show(text));
+        }
+
+        /// <summary>Runs what must throw exactly an E, and gives it back.</summary>
+        public static E Throws<E>(Action action) where E : Exception
+        {
+            try
+            {
+                action();
+            }
+            catch (Exception thrown)
+            {
+                if (thrown.GetType() == typeof(E))
+                    return (E)thrown;
+                Fail(null, "expected " + typeof(E).Name + ", got " + thrown.GetType().Name + ": " + thrown.Message);
+            }
+            throw new AssertionException("expected " + typeof(E).Name + ", nothing was thrown");
+        }
+
+        /// <summary>An argument error whose parameter is `parameter` and that has no text of its own.</summary>
+        public static void OutOfRange(string parameter, Action action)
+        {
+            Equal(parameter, Throws<ArgumentOutOfRangeException>(action).ParamName, "parameter");
+        }
+
+        /// <summary>A null object where a reference is wanted.</summary>
+        public static void NullArgument(string message, Action action)
+        {
+            ArgumentNullException thrown = Throws<ArgumentNullException>(action);
+            Equal(message, thrown.Message, "message");
+            Null(thrown.ParamName, "parameter");
+        }
+
+        private static void Fail(string what, string reason)
+        {
+            throw new AssertionException(what == null ? reason : what + ": " + reason);
+        }
+
+        private static string Show(object value)
+        {
+            return value == null ? "null" : value is string ? "\"" + value + "\"" : value.ToString();
+        }
+
+        private static string ShowAll<T>(IEnumerable<T> values)
+        {
+            return string.Join(", ", values.Select(value => value is byte ? ((byte)(object)value).ToString("X2") : Show(value)));
+        }
+    }
+}

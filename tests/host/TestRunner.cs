@@ -1,0 +1,83 @@
+using System;
+using System.Collections.Generic;
+using System.Linq;
+using System.Reflection;
+
+namespace Orbelantine.HostTests
+{
+    /// <summary>A public method without parameters that is a test; its class is made anew for it.</summary>
+    [AttributeUsage(AttributeTargets.Method)]
+    public sealed class TestAttribute : Attribute { }
+
+    /// <summary>Runs the tests of this assembly, one after the other.</summary>
+    public sealed class TestRunner
+    {
+        private readonly bool verbose;
+        private int passed;
+        private int failed;
+
+        public TestRunner(bool verbose)
+        {
+            this.verbose = verbose;
+        }
+
+        /// <summary>Runs each test whose name, Class.Method, contains the filter; false if one failed or
+        /// there is none.</summary>
+        public bool Run(string filter)
+        {
+            foreach (MethodInfo test in Tests().Where(test => NameOf(test).Contains(filter)))
+                RunOne(test);
+            Console.WriteLine(passed + " passed, " + failed + " failed");
+            return failed == 0 && passed > 0;
+        }
+
+        private static IEnumerable<MethodInfo> Tests()
+        {
+            return from type in typeof(TestRunner).Assembly.GetTypes()
+                   from method in type.GetMethods()
+                   where method.IsDefined(typeof(TestAttribute), false)
+                   orderby type.Name, method.MetadataToken
+                   select method;
+        }
+
+        private static string NameOf(MethodInfo test)
+        {
+            return test.DeclaringType.Name + "." + test.Name;
+        }
+
+        private void RunOne(MethodInfo test)
+        {
+            // Said beforehand, for a test that ends the process.
+            if (verbose)
+                Console.WriteLine("running " + NameOf(test));
+            try
+            {
+                object fixture = Activator.CreateInstance(test.DeclaringType);
+                using (fixture as IDisposable)
+                    ((Action)Delegate.CreateDelegate(typeof(Action), fixture, test))();
+                ++passed;
+            }
+            catch (Exception thrown)
+            {
+                Judge(test, thrown is TargetInvocationException ? thrown.InnerException : thrown);
+            }
+        }
+
+        private void Judge(MethodInfo test, Exception thrown)
+        {
+            if (thrown is SkippedException)
+            {
+                Console.WriteLine("skipped " + NameOf(test) + ": " + thrown.Message);
+                return;
+            }
+            ++failed;
+            bool foreseen = thrown is AssertionException;
+            Console.WriteLine("FAILED " + NameOf(test) + ": " + (foreseen ? thrown.Message : OnOneLine(thrown)));
+        }
+
+        private static string OnOneLine(Exception thrown)
+        {
+            return thrown.ToString().Replace("\r", "").Replace("\n", " |");
+        }
+    }
+}
