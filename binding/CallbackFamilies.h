@@ -33,9 +33,7 @@ boost::function<Result(Arguments...)> hold(CallbackImpl<Result(Arguments...)>* i
         if (released->unpin())
             delete released;
     });
-    return [held](Arguments... arguments) -> Result {
-        return held->call(std::move(arguments)...);
-    };
+    return [held](Arguments... arguments) -> Result { return held->call(std::move(arguments)...); };
 }
 
 /// The function behind a host's handle; no handle is an empty function.

@@ -3,4 +3,5 @@
 // Read by the binding generator and by binding/CallbackFamilies.h, which give the macro its
 // meaning; hence no include guard.
 
-ORB_CALLBACK_FAMILY(ErrorCodeCallback, void, (boost::system::error_code), (boost::system::error_code code), (code))
+ORB_CALLBACK_FAMILY(ErrorCodeCallback, void, (boost::system::error_code),
+                    (boost::system::error_code code), (code))

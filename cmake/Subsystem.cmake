@@ -44,6 +44,8 @@ function(orbelantine_tests name)
     add_executable(${name}_tests ${sources})
     orbelantine_link_all(${name}_tests)
     target_link_libraries(${name}_tests PRIVATE ${arg_LIBRARIES} gtest_main)
+    # Tests compile often and run briefly.
+    target_compile_options(${name}_tests PRIVATE -O0 -g1)
     if(arg_ONE_PROCESS_EACH)
         gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60)
     else()

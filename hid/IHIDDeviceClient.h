@@ -25,7 +25,8 @@ class IHIDDeviceClient {
     /// Closes the channels under a connection that stays formally connected.
     virtual void forceDisconnect() = 0;
     [[nodiscard]] virtual bool isConnected() = 0;
-    /// Sends one report, transaction header first, on the interrupt channel; the bytes are not kept.
+    /// Sends one report, transaction header first, on the interrupt channel; the bytes are not
+    /// kept.
     virtual void sendReport(const std::uint8_t* data, std::size_t size) = 0;
     /// Asks the peer to forget this device; blocks up to 5 seconds.
     [[nodiscard]] virtual error_code virtualCableUnplug() = 0;
