@@ -3,8 +3,12 @@
 %include <std_vector.i>
 %include <std_map.i>
 
-// Keys at once, beside the iterator trio.
+// The copy names its argument with the order of its keys; keys at once, beside the iterator trio.
+%ignore std::map::map(const map &);
 %extend std::map {
+  map(std::map< K, T, std::less< K > > const &other) {
+    return new std::map< K, T >(other);
+  }
   %newobject getKeys;
   std::vector< K > *getKeys() {
     std::vector< K > *keys = new std::vector< K >();

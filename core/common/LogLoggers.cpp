@@ -10,6 +10,8 @@
 #include <chrono>
 #include <cstdlib>
 #include <exception>
+#include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -27,25 +29,29 @@ constexpr std::chrono::milliseconds kStopBound{1000};
 
 using Logger = std::shared_ptr<spdlog::logger>;
 
-/// spdlog's registry for as long as it may be touched: it is a static of spdlog's, destroyed while
-/// threads may still log.
+/// The loggers, also entered in spdlog's registry. That one is a static, destroyed while threads
+/// may still log, so every message is looked up here.
 class Registry {
   public:
-    Logger find(const std::string& tag) {
+    Logger find(std::string_view tag) {
         const std::lock_guard lock(mMutex);
-        return mShut ? nullptr : spdlog::get(tag);
-    }
-
-    bool add(const Logger& logger) {
-        const std::lock_guard lock(mMutex);
-        if (!mShut)
-            spdlog::register_logger(logger);
-        return !mShut;
+        const auto found = mLoggers.find(tag);
+        return found != mLoggers.end() ? found->second : nullptr;
     }
 
     bool isShut() {
         const std::lock_guard lock(mMutex);
         return mShut;
+    }
+
+    /// False once shut.
+    bool add(const Logger& logger) {
+        const std::lock_guard lock(mMutex);
+        if (mShut)
+            return false;
+        spdlog::register_logger(logger);
+        mLoggers.emplace(logger->name(), logger);
+        return true;
     }
 
     /// Lets the loggers go, for good, and hands out the service's own. False if the lock can't be
@@ -55,7 +61,9 @@ class Registry {
         if (!lock.owns_lock())
             return false;
         mShut = true;
-        service = spdlog::get(kServiceLogTag);
+        const auto found = mLoggers.find(kServiceLogTag);
+        service = found != mLoggers.end() ? found->second : nullptr;
+        mLoggers.clear();
         spdlog::drop_all();
         return true;
     }
@@ -63,6 +71,7 @@ class Registry {
   private:
     std::timed_mutex mMutex;
     bool mShut = false;
+    std::map<std::string, Logger, std::less<>> mLoggers;
 };
 
 /// What all loggers share. Never destroyed: threads may log while the process ends.
@@ -167,15 +176,20 @@ Logger makeLogger(const std::string& tag) {
     return logger;
 }
 
-/// Null if the logger can't be made; the message is lost then.
-Logger loggerOf(const std::string& tag) {
-    if (Logger existing = LoggerState::instance().registry.find(tag))
-        return existing;
+/// Null if the logger can't be made; the message is lost then. Kept apart from the look-up, which
+/// every message passes.
+[[gnu::noinline, gnu::cold]] Logger madeLogger(const char* tag) {
     try {
         return makeLogger(tag);
     } catch (const std::exception&) {
         return nullptr;
     }
+}
+
+Logger loggerOf(const char* tag) {
+    if (Logger existing = LoggerState::instance().registry.find(tag))
+        return existing;
+    return madeLogger(tag);
 }
 
 } // namespace
