@@ -14,6 +14,8 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 namespace orbelantine {
@@ -28,6 +30,19 @@ constexpr const char* kLineEnd = "\r\n";
 constexpr std::chrono::milliseconds kStopBound{1000};
 
 using Logger = std::shared_ptr<spdlog::logger>;
+
+/// Owns the lock unless another thread keeps it beyond `bound`. A timed mutex would do, if the
+/// thread sanitiser saw its locking.
+template <class Mutex>
+std::unique_lock<Mutex> lockWithin(Mutex& mutex, std::chrono::milliseconds bound) {
+    const auto end = std::chrono::steady_clock::now() + bound;
+    std::unique_lock lock(mutex, std::try_to_lock);
+    while (!lock.owns_lock() && std::chrono::steady_clock::now() < end) {
+        std::this_thread::yield();
+        (void)lock.try_lock();
+    }
+    return lock;
+}
 
 /// The loggers, also entered in spdlog's registry. That one is a static, destroyed while threads
 /// may still log, so every message is looked up here.
@@ -57,7 +72,7 @@ class Registry {
     /// Lets the loggers go, for good, and hands out the service's own. False if the lock can't be
     /// had in time.
     bool shut(std::chrono::milliseconds bound, Logger& service) {
-        const std::unique_lock lock(mMutex, bound);
+        const auto lock = lockWithin(mMutex, bound);
         if (!lock.owns_lock())
             return false;
         mShut = true;
@@ -69,7 +84,7 @@ class Registry {
     }
 
   private:
-    std::timed_mutex mMutex;
+    std::mutex mMutex;
     bool mShut = false;
     std::map<std::string, Logger, std::less<>> mLoggers;
 };
@@ -86,7 +101,7 @@ struct LoggerState {
     CallGate writing;
     // Held through the making of a logger, which logs and so makes another one. Guards what
     // follows.
-    std::recursive_timed_mutex making;
+    std::recursive_mutex making;
     bool sinksBuilt = false;
     std::vector<spdlog::sink_ptr> sinks;
     bool firstLogger = true;
@@ -133,7 +148,7 @@ void stopLogging() {
     LoggerState& state = LoggerState::instance();
     Logger logger;
     const bool registryIsShut = state.registry.shut(kStopBound, logger);
-    const std::unique_lock lock(state.making, kStopBound);
+    const auto lock = lockWithin(state.making, kStopBound);
     // A thread that was ended within a call may have left a lock behind: no sink is touched then.
     if (!registryIsShut || !lock.owns_lock() || !state.writing.shut(kStopBound))
         return;

@@ -54,7 +54,8 @@ const std::vector<std::string>& registeredModules() {
 }
 
 Library& Library::instance() {
-    static Library library;
+    // Never unloaded, as by a host: what the library keeps to the end stays reachable.
+    static Library& library = *new Library;
     return library;
 }
 

@@ -71,10 +71,8 @@ class FakeDriverApi : public DriverApi {
 
     /// The platform tells of the device's removal, on the calling thread.
     void simulateRemoval(std::uint32_t action = kNotifyActionQueryRemove) {
-        std::unique_lock lock(mMutex);
-        const auto told = mNotifications;
-        lock.unlock();
-        for (const auto& [handle, notification] : told)
+        const std::lock_guard lock(mNotificationMutex);
+        for (const auto& [handle, notification] : mNotifications)
             notification.callback(notification.context, action);
     }
 
@@ -100,7 +98,7 @@ class FakeDriverApi : public DriverApi {
 
     /// Handles, lists, memory blocks and notifications that were not given back.
     std::size_t held() const {
-        const std::lock_guard lock(mMutex);
+        const std::scoped_lock lock(mMutex, mNotificationMutex);
         return mLists.size() + mFiles.size() + mNotifications.size() + mMemoryBlocks;
     }
 
@@ -231,12 +229,13 @@ class FakeDriverApi : public DriverApi {
         if (const Error error = enter("CM_Register_Notification"))
             return error;
         notification = ++mLastHandle;
+        const std::lock_guard notificationLock(mNotificationMutex);
         mNotifications[notification] = {callback, context};
         return win32::kErrorSuccess;
     }
 
     void unregisterNotification(Handle notification) override {
-        const std::lock_guard lock(mMutex);
+        const std::lock_guard lock(mNotificationMutex);
         mNotifications.erase(notification);
     }
 
@@ -302,6 +301,8 @@ class FakeDriverApi : public DriverApi {
     }
 
     mutable std::mutex mMutex;
+    // Held during callbacks, so that unregistering waits for them as the system does.
+    mutable std::mutex mNotificationMutex;
     std::vector<Device> mDevices;
     std::int16_t mVersion = driver::kExpectedHidVersion;
     std::uint32_t mType = 0;
