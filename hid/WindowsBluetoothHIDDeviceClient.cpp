@@ -122,7 +122,7 @@ std::wstring WindowsBluetoothHIDDeviceClient::getInstanceID() {
         std::array<wchar_t, kInstanceIdCapacity> id{};
         if (mRadioApi.cmGetDeviceId(data.devInst, id.data(), kInstanceIdCapacity))
             continue;
-        const std::wstring instanceId(id.data());
+        std::wstring instanceId(id.data());
         if (instanceId.starts_with(L"USB"))
             return instanceId;
     }

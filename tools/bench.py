@@ -17,7 +17,7 @@ RATIO_LIMITS = {
     "LogFiltered": 1.5,
     "LogToFile": 1.3,
     "SendReport": 1.3,
-    "ProviderReport": 1.3,
+    "SendMouseMove": 1.3,
 }
 # No heap allocation at all on these roads.
 NO_ALLOCATION = ("report/",)

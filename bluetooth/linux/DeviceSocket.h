@@ -35,6 +35,10 @@ class DeviceSocket {
 
   private:
     [[nodiscard]] DriverApi::Error send(std::uint32_t code, const void* data, std::size_t size);
+    [[nodiscard]] DriverApi::Error sendWhole(std::uint32_t code, const void* data,
+                                             std::size_t size);
+    [[nodiscard]] DriverApi::Error sendInParts(std::uint32_t code, const void* data,
+                                               std::size_t size);
     void discardUnasked();
 
     FileDescriptor mFd;

@@ -22,7 +22,7 @@ constexpr const char* kRedactedAfterFunction = "%s() [redacted]";
 class PrivateTag {
   public:
     explicit PrivateTag(const char* tag) {
-        std::snprintf(mText, sizeof mText, "%s%s", kPrivateTagPrefix, tag);
+        (void)std::snprintf(mText, sizeof mText, "%s%s", kPrivateTagPrefix, tag);
     }
 
     [[nodiscard]] const char* text() const { return mText; }
@@ -65,7 +65,8 @@ void lumiport_log_vfmt(unsigned level, const char* tag, const char* format,
     if (!entry.wanted())
         return;
     char text[kTextSize] = {};
-    std::vsnprintf(text, sizeof text, format, arguments);
+    // What does not fit is cut; what is refused leaves what came before it.
+    (void)std::vsnprintf(text, sizeof text, format, arguments);
     entry.write(text);
 }
 
