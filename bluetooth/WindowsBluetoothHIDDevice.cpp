@@ -41,7 +41,7 @@ WindowsBluetoothHIDDevice::WindowsBluetoothHIDDevice(DriverApi& api, IClock& clo
     : BluetoothDriver(false, api)
     , mClock(clock) {}
 
-error_code WindowsBluetoothHIDDevice::open(RemovalCallback removalCallback) {
+error_code WindowsBluetoothHIDDevice::open(const RemovalCallback& removalCallback) {
     const auto& [preferred, other] = driver::kHidInterfaces;
     const error_code first = BluetoothDriver::open(preferred, driver::kUnbuffered, removalCallback);
     if (!first)

@@ -20,7 +20,7 @@ class WindowsBluetoothHIDDevice : public BluetoothDriver {
                                        IClock& clock = IClock::system());
 
     /// Opens the driver by the first of its interface classes that works.
-    [[nodiscard]] error_code open(RemovalCallback removalCallback = {});
+    [[nodiscard]] error_code open(const RemovalCallback& removalCallback = {});
     /// Success only for the very version that this system speaks.
     [[nodiscard]] error_code checkVersion();
     /// Opens the L2CAP channel; the channel's number, or 0 on failure.

@@ -13,7 +13,7 @@ namespace orbelantine {
 [[nodiscard]] std::filesystem::path deviceFolder();
 
 /// The folder's name for a device interface class: the GUID in lower case without braces.
-[[nodiscard]] std::string classFolderName(const Guid& interfaceClass);
+[[nodiscard]] std::string classFolderName(const Guid& guid);
 
 /// Paths of the devices of a class, sorted: sockets, and with `presentOnly` off plain files too.
 /// A folder that doesn't exist holds no device. kErrorAccessDenied for a folder in /tmp that

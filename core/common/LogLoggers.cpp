@@ -117,7 +117,7 @@ void takeProcessLevel(spdlog::logger& logger) {
 LogPathWishes wishes() {
     LogSettings& settings = LogSettings::instance();
     const std::lock_guard lock(settings.mutex);
-    return {settings.folder, settings.prefix, settings.suffix, settings.level};
+    return {settings.folder, settings.prefix, settings.suffix, LogSettings::level};
 }
 
 /// The file's path, for a new logger; it also becomes what the host is told.
@@ -164,7 +164,8 @@ void announceStart(LoggerState& state, const spdlog::logger& logger) {
     if (!state.firstLogger)
         return;
     state.firstLogger = false;
-    std::atexit(stopLogging);
+    // Where it can't be registered, the log only ends without its last line.
+    (void)std::atexit(stopLogging);
     lumiport_log_fmt(kLogCritical, kServiceLogTag, "STARTING INSTANCE pid=%06d, level = %d",
                      spdlog::details::os::pid(), static_cast<int>(logger.level()));
 }
@@ -180,8 +181,7 @@ Logger makeLogger(const std::string& tag) {
     const std::filesystem::path path = resolvePath();
     if (!state.sinksBuilt)
         buildSinks(state, path);
-    const auto logger =
-        std::make_shared<spdlog::logger>(tag, state.sinks.begin(), state.sinks.end());
+    auto logger = std::make_shared<spdlog::logger>(tag, state.sinks.begin(), state.sinks.end());
     takeProcessLevel(*logger);
     logger->set_formatter(std::make_unique<spdlog::pattern_formatter>(
         kPattern, spdlog::pattern_time_type::local, kLineEnd));
