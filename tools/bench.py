@@ -51,7 +51,7 @@ def limit_of(name):
 
 def rows_of(samples):
     """Yields (cells, fault) for each measured thing."""
-    for full_name in samples:
+    for full_name in sorted(samples):
         name, _, side = full_name.rpartition("/")
         if side == "bare":
             continue
