@@ -15,11 +15,6 @@ IInputMediaBufferKeyboard::IInputMediaBufferKeyboard(const EventData& event, boo
     : mEvent(event)
     , mNetworkOrder(networkOrder) {}
 
-boost::shared_ptr<IMediaBuffer> IInputMediaBufferKeyboard::copy(std::uint8_t type,
-                                                                std::uint64_t timestamp) {
-    return soft_copy(type, timestamp);
-}
-
 boost::shared_ptr<IMediaBuffer> IInputMediaBufferKeyboard::soft_copy(std::uint8_t, std::uint64_t) {
     return boost::make_shared<IInputMediaBufferKeyboard>(mEvent.ch, mEvent.type, mEvent.extra,
                                                          mNetworkOrder);

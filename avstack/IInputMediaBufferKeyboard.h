@@ -1,6 +1,6 @@
 #pragma once
 
-#include "avstack/IMediaBuffer.h"
+#include "avstack/InputMediaBuffer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +9,8 @@ namespace orbelantine {
 
 /// One key event. Its payload is an EventData, which consumers read by offset. It keeps no
 /// timestamp: getTimestamp() is 0.
-class IInputMediaBufferKeyboard : public IMediaBuffer {
+class IInputMediaBufferKeyboard
+    : public InputMediaBuffer<IInputMediaBufferKeyboard, eMediaTypeKeyboard> {
   public:
     /// Values of EventData::type.
     enum EventType : std::uint8_t { KeyDown = 0, KeyUp = 1 };
@@ -28,25 +29,11 @@ class IInputMediaBufferKeyboard : public IMediaBuffer {
     /// Stores the event as it stands: native sources name the order of its integer themselves.
     IInputMediaBufferKeyboard(const EventData& event, bool networkOrder);
 
-    /// A new buffer from the stored fields; where networkOrder is set, the constructor swaps
-    /// `extra` once more. The arguments have no effect.
-    [[nodiscard]] boost::shared_ptr<IMediaBuffer>
-    copy(std::uint8_t type = kKeepType, std::uint64_t timestamp = kKeepTimestamp) override;
-    /// The same as copy().
+    /// Where networkOrder is set, the copy's constructor swaps what is stored once more.
     [[nodiscard]] boost::shared_ptr<IMediaBuffer>
     soft_copy(std::uint8_t type = kKeepType, std::uint64_t timestamp = kKeepTimestamp) override;
 
-    [[nodiscard]] void* map() override { return &mEvent; }
-
-    [[nodiscard]] void* map(std::uint32_t) override { return &mEvent; }
-
-    [[nodiscard]] std::uint8_t getType() override { return eMediaTypeKeyboard; }
-
-    [[nodiscard]] std::uint32_t getSize() override { return sizeof(EventData); }
-
     [[nodiscard]] std::uint64_t getTimestamp() override { return 0; }
-
-    [[nodiscard]] void* getRawBuffer() override { return &mEvent; }
 
     [[nodiscard]] EventData& event() { return mEvent; }
 

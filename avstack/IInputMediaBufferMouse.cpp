@@ -29,11 +29,6 @@ IInputMediaBufferMouse::IInputMediaBufferMouse(const EventData& event, bool netw
     , mTimestamp(timestamp == kKeepTimestamp ? getNowTimestamp() : timestamp)
     , mEvent(event) {}
 
-boost::shared_ptr<IMediaBuffer> IInputMediaBufferMouse::copy(std::uint8_t type,
-                                                             std::uint64_t timestamp) {
-    return soft_copy(type, timestamp);
-}
-
 boost::shared_ptr<IMediaBuffer> IInputMediaBufferMouse::soft_copy(std::uint8_t, std::uint64_t) {
     return boost::make_shared<IInputMediaBufferMouse>(
         mEvent.x, mEvent.y, mEvent.type, mNetworkOrder, mTimestamp, mEvent.maxX, mEvent.maxY);

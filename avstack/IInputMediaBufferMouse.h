@@ -1,6 +1,6 @@
 #pragma once
 
-#include "avstack/IMediaBuffer.h"
+#include "avstack/InputMediaBuffer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -8,7 +8,7 @@
 namespace orbelantine {
 
 /// One mouse event. Its payload is an EventData, which consumers read by offset.
-class IInputMediaBufferMouse : public IMediaBuffer {
+class IInputMediaBufferMouse : public InputMediaBuffer<IInputMediaBufferMouse, eMediaTypeMouse> {
   public:
     /// Values of EventData::type.
     enum EventType : std::uint8_t {
@@ -41,25 +41,11 @@ class IInputMediaBufferMouse : public IMediaBuffer {
     /// Stores the event as it stands: native sources name the order of their integers themselves.
     IInputMediaBufferMouse(const EventData& event, bool networkOrder, std::uint64_t timestamp);
 
-    /// A new buffer from the stored fields; where networkOrder is set, the constructor swaps the
-    /// integers once more. The arguments have no effect.
-    [[nodiscard]] boost::shared_ptr<IMediaBuffer>
-    copy(std::uint8_t type = kKeepType, std::uint64_t timestamp = kKeepTimestamp) override;
-    /// The same as copy().
+    /// Where networkOrder is set, the constructor swaps what is stored once more.
     [[nodiscard]] boost::shared_ptr<IMediaBuffer>
     soft_copy(std::uint8_t type = kKeepType, std::uint64_t timestamp = kKeepTimestamp) override;
 
-    [[nodiscard]] void* map() override { return &mEvent; }
-
-    [[nodiscard]] void* map(std::uint32_t) override { return &mEvent; }
-
-    [[nodiscard]] std::uint8_t getType() override { return eMediaTypeMouse; }
-
-    [[nodiscard]] std::uint32_t getSize() override { return sizeof(EventData); }
-
     [[nodiscard]] std::uint64_t getTimestamp() override { return mTimestamp; }
-
-    [[nodiscard]] void* getRawBuffer() override { return &mEvent; }
 
     [[nodiscard]] EventData& event() { return mEvent; }
 

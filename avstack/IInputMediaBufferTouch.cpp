@@ -20,11 +20,6 @@ IInputMediaBufferTouch::IInputMediaBufferTouch(const EventData& event, bool netw
     , mTimestamp(timestamp == kKeepTimestamp ? getNowTimestamp() : timestamp)
     , mEvent(event) {}
 
-boost::shared_ptr<IMediaBuffer> IInputMediaBufferTouch::copy(std::uint8_t type,
-                                                             std::uint64_t timestamp) {
-    return soft_copy(type, timestamp);
-}
-
 boost::shared_ptr<IMediaBuffer> IInputMediaBufferTouch::soft_copy(std::uint8_t, std::uint64_t) {
     return boost::make_shared<IInputMediaBufferTouch>(mEvent.id, mEvent.x, mEvent.y, mEvent.type,
                                                       mNetworkOrder, mTimestamp);
