@@ -1,11 +1,17 @@
 #pragma once
 
+#include <boost/asio/ip/address.hpp>
 #include <boost/function.hpp>
 #include <boost/signals2/signal.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 #include <boost/system/error_code.hpp>
 
+#include <cstdint>
+#include <map>
+#include <string>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace orbelantine::binding {
 
@@ -76,7 +82,24 @@ struct fire<Result(Arguments...)> {
 
 } // namespace orbelantine::binding
 
-#define ORB_CALLBACK_FAMILY(NAME, RESULT, TYPES, PARAMETERS, ARGUMENTS)                            \
+/// Names that the families' signatures use.
+/// @{
+using wstring_director = std::wstring;
+using stdMapStringString = std::map<std::string, std::string>;
+using stdMapStringWstring = std::map<std::string, std::wstring>;
+using stdMapUintWstring = std::map<unsigned int, std::wstring>;
+using stdMapWstringWstring = std::map<std::wstring, std::wstring>;
+using vectorUint8 = std::vector<std::uint8_t>;
+using functionInt = boost::function<void(int)>;
+using functionErrorCode = boost::function<void(boost::system::error_code)>;
+using functionString = boost::function<void(std::string)>;
+using functionStringErrorCode = boost::function<void(std::string, boost::system::error_code)>;
+/// @}
+
+/// Declares what hosts derive from; one for each row of a table.
+#define ORB_CALLBACK_IMPL(NAME, RESULT, COUNT, TYPES)                                              \
     struct NAME##Impl : orbelantine::binding::CallbackImpl<RESULT TYPES> {};
-#include "binding/CallbackTable.h"
+
+#define ORB_CALLBACK_FAMILY ORB_CALLBACK_IMPL
+#include "binding/CallbackTableCommon.inc"
 #undef ORB_CALLBACK_FAMILY

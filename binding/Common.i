@@ -6,3 +6,4 @@
 %include "binding/containers.i"
 %include "binding/kvstore.i"
 %include "binding/callbacks.i"
+%include "binding/CallbackTableCommon.inc"

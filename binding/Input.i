@@ -10,7 +10,7 @@
 #include "avstack/IInputSource.h"
 #include "avstack/IInputTarget.h"
 #include "avstack/InputFormat.h"
-#include "binding/CallbackFamilies.h"
+#include "binding/InputCallbackFamilies.h"
 #include "core/common/KVStore.h"
 #include "hid/HIDDeviceClient.h"
 #include "hid/HIDEventsPacker.h"
@@ -20,6 +20,7 @@
 ORB_SHARED(orbelantine::IInputMediaBufferMouse)
 ORB_SHARED(orbelantine::IInputMediaBufferKeyboard)
 ORB_SHARED(orbelantine::IInputMediaBufferTouch)
+ORB_SHARED(orbelantine::IInputContext)
 ORB_SHARED(orbelantine::IInputSource)
 ORB_SHARED(orbelantine::IInputTarget)
 ORB_SHARED(orbelantine::IHIDDeviceClient)
@@ -30,3 +31,6 @@ ORB_SHARED(orbelantine::HIDReportProvider)
 
 %include "binding/inputbuffers.i"
 %include "binding/hid.i"
+%include "binding/inputcontexts.i"
+
+%template(HIDDescriptorsMap) std::map< orbelantine::InputFormat::DeviceType, boost::shared_ptr< orbelantine::IMediaBuffer > >;

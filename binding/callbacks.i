@@ -1,4 +1,4 @@
-// The callback families: for each row of the table a callable value NAME, the host's
+// The callback families: for each row of a module's table a callable value NAME, the host's
 // implementation NAMEImpl (a director), and the event source SignalNAME.
 
 %{
@@ -25,14 +25,41 @@ template <class S> class signal;
 }
 #endif
 
-%define ORB_CALLBACK_FAMILY(NAME, RESULT, TYPES, PARAMETERS, ARGUMENTS)
+typedef std::wstring wstring_director;
+typedef std::map< std::string, std::string > stdMapStringString;
+typedef std::map< std::string, std::wstring > stdMapStringWstring;
+typedef std::map< unsigned int, std::wstring > stdMapUintWstring;
+typedef std::map< std::wstring, std::wstring > stdMapWstringWstring;
+
+// Written out again in the wrappers, so that the texts name the types (binding/MendWrappers.cmake).
+typedef std::vector< uint8_t > vectorUint8;
+typedef boost::function< void (int) > functionInt;
+typedef boost::function< void (boost::system::error_code) > functionErrorCode;
+typedef boost::function< void (std::string) > functionString;
+typedef boost::function< void (std::string,boost::system::error_code) > functionStringErrorCode;
+
+// Names for the arguments of a signature with COUNT of them.
+%define ORB_PARAMETERS_0() () %enddef
+%define ORB_PARAMETERS_1(A) (A first) %enddef
+%define ORB_PARAMETERS_2(A, B) (A first, B second) %enddef
+%define ORB_PARAMETERS_3(A, B, C) (A first, B second, C third) %enddef
+%define ORB_PARAMETERS_4(A, B, C, D) (A first, B second, C third, D fourth) %enddef
+%define ORB_PARAMETERS_5(A, B, C, D, E) (A first, B second, C third, D fourth, E fifth) %enddef
+%define ORB_ARGUMENTS_0 () %enddef
+%define ORB_ARGUMENTS_1 (first) %enddef
+%define ORB_ARGUMENTS_2 (first, second) %enddef
+%define ORB_ARGUMENTS_3 (first, second, third) %enddef
+%define ORB_ARGUMENTS_4 (first, second, third, fourth) %enddef
+%define ORB_ARGUMENTS_5 (first, second, third, fourth, fifth) %enddef
+
+%define ORB_CALLBACK_FAMILY(NAME, RESULT, COUNT, TYPES)
 %feature("director") NAME ## Impl;
 
 struct NAME ## Impl {
   virtual ~NAME ## Impl();
   virtual void pin() = 0;
   virtual bool unpin() = 0;
-  virtual RESULT call PARAMETERS = 0;
+  virtual RESULT call ORB_PARAMETERS_ ## COUNT TYPES = 0;
 };
 
 namespace boost {
@@ -44,8 +71,8 @@ public:
     function(NAME ## Impl *impl) {
       return new boost::function< RESULT TYPES >(orbelantine::binding::hold(impl));
     }
-    RESULT call PARAMETERS {
-      return (*$self) ARGUMENTS;
+    RESULT call ORB_PARAMETERS_ ## COUNT TYPES {
+      return (*$self) ORB_ARGUMENTS_ ## COUNT;
     }
   }
 };
@@ -63,8 +90,8 @@ public:
     boost::signals2::connection connect(int group, boost::function< RESULT TYPES > *slot) {
       return orbelantine::binding::connect(*$self, group, slot);
     }
-    RESULT call PARAMETERS {
-      return orbelantine::binding::fire< RESULT TYPES >(*$self) ARGUMENTS;
+    RESULT call ORB_PARAMETERS_ ## COUNT TYPES {
+      return orbelantine::binding::fire< RESULT TYPES >(*$self) ORB_ARGUMENTS_ ## COUNT;
     }
     unsigned int num_slots() {
       return static_cast< unsigned int >($self->num_slots());
@@ -79,5 +106,3 @@ public:
 %template(NAME) boost::function< RESULT TYPES >;
 %template(Signal ## NAME) boost::signals2::signal< RESULT TYPES >;
 %enddef
-
-%include "binding/CallbackTable.h"

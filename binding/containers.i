@@ -19,5 +19,20 @@
   }
 }
 
+// Wide text is not searched for.
+%ignore std::vector< std::wstring >::Contains;
+%ignore std::vector< std::wstring >::IndexOf;
+%ignore std::vector< std::wstring >::LastIndexOf;
+%ignore std::vector< std::wstring >::Remove;
+
 %template(ByteVector) std::vector< unsigned char >;
+%template(IntVector) std::vector< int >;
+%template(UintVector) std::vector< unsigned int >;
 %template(StringVector) std::vector< std::string >;
+%template(WStringVector) std::vector< std::wstring >;
+
+%template(MapStringString) std::map< std::string, std::string >;
+%template(MapStringWString) std::map< std::string, std::wstring >;
+%template(MapUintWString) std::map< unsigned int, std::wstring >;
+%template(MapWStringString) std::map< std::wstring, std::string >;
+%template(MapWstringWstring) std::map< std::wstring, std::wstring >;

@@ -1,4 +1,6 @@
-# cmake -DWRAPPER=<generated file> -P MendDirectors.cmake
+# cmake -DWRAPPER=<generated file> -P MendWrappers.cmake
+# What the generator offers no rule for.
+#
 # The generator takes every object given to a director_connect for a director; one that the host
 # made as a plain object is to be left alone, and so is none at all.
 file(READ "${WRAPPER}" text)
@@ -11,4 +13,16 @@ string(REPLACE "  director->swig_connect_director(" "  if (director) director->s
 if(text MATCHES "static_cast<SwigDirector_")
     message(FATAL_ERROR "${WRAPPER}: a director is connected in a form that is not known here")
 endif()
+
+# Short names that stand for types within the signatures of callbacks (binding/callbacks.i).
+function(write_out name type)
+    string(REGEX REPLACE "([^A-Za-z0-9_])${name}([^A-Za-z0-9_])" "\\1${type}\\2" mended "${text}")
+    set(text "${mended}" PARENT_SCOPE)
+endfunction()
+write_out(vectorUint8 "std::vector< uint8_t >")
+write_out(functionInt "boost::function< void (int) >")
+write_out(functionErrorCode "boost::function< void (boost::system::error_code) >")
+write_out(functionString "boost::function< void (std::string) >")
+write_out(functionStringErrorCode "boost::function< void (std::string,boost::system::error_code) >")
+
 file(WRITE "${WRAPPER}" "${text}")

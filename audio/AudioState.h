@@ -1,0 +1,13 @@
+#pragma once
+
+namespace orbelantine {
+
+/// Which directions of sound the computer has no device for.
+enum AudioState {
+    AudioAvailable = 0,
+    NoAudioOut = 1,
+    NoAudioIn = 2,
+    NoAudioInOut = 3,
+};
+
+} // namespace orbelantine
