@@ -19,11 +19,32 @@
   }
 }
 
-// Wide text is not searched for.
+// Wide text is searched for on the host's side.
 %ignore std::vector< std::wstring >::Contains;
 %ignore std::vector< std::wstring >::IndexOf;
 %ignore std::vector< std::wstring >::LastIndexOf;
 %ignore std::vector< std::wstring >::Remove;
+%extend std::vector< std::wstring > {
+%proxycode %{
+  public int IndexOf(string value) {
+    for (int i = 0; i < Count; ++i)
+      if (this[i] == (value ?? ""))
+        return i;
+    return -1;
+  }
+
+  public bool Contains(string value) {
+    return IndexOf(value) >= 0;
+  }
+
+  public bool Remove(string value) {
+    int index = IndexOf(value);
+    if (index >= 0)
+      RemoveAt(index);
+    return index >= 0;
+  }
+%}
+}
 
 %template(ByteVector) std::vector< unsigned char >;
 %template(IntVector) std::vector< int >;

@@ -13,6 +13,7 @@ namespace orbelantine {
 class IInputContext {
   public:
     enum eMouseButton { MouseButtonLeft = 0, MouseButtonRight = 1 };
+
     enum ePointerType { PointerPen = 0, PointerTouch = 1, PointerOther = 2 };
 
     struct Point {

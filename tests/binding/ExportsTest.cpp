@@ -23,11 +23,6 @@ class Exports : public testing::Test {
                   library.takeError());
     }
 
-    void expectOutOfRange(const std::string& parameter) {
-        EXPECT_EQ((Library::ArgumentError{"argument-out-of-range", std::nullopt, parameter}),
-                  library.takeError());
-    }
-
     std::string message(Handle code) {
         return library.takeText(library.common<void*(Handle)>("error_code_message")(code));
     }
@@ -127,38 +122,9 @@ TEST_F(Exports, ErrorCodesKeepValueAndCategory) {
         release(code);
 }
 
-TEST_F(Exports, ContainersReportTheirRangesInOrder) {
-    EXPECT_EQ(nullptr, library.common<Handle(int)>("new_ByteVector__SWIG_2")(-1));
-    expectOutOfRange("capacity");
-    const Handle bytes = library.common<Handle()>("new_ByteVector__SWIG_0")();
-    const auto range = library.common<Handle(Handle, int, int)>("ByteVector_GetRange");
-    EXPECT_EQ(nullptr, range(bytes, -1, -1));
-    expectOutOfRange("index");
-    EXPECT_EQ(nullptr, range(bytes, 0, -1));
-    expectOutOfRange("count");
-    EXPECT_EQ(nullptr, range(bytes, 1, 0));
-    EXPECT_EQ((Library::ArgumentError{"argument", "invalid range", ""}), library.takeError());
-    const Handle empty = range(bytes, 0, 0);
-    EXPECT_EQ(0U, library.common<unsigned(Handle)>("ByteVector_size")(empty));
-    library.common<void(Handle)>("delete_ByteVector")(empty);
-    library.common<void(Handle)>("delete_ByteVector")(bytes);
-}
-
 TEST_F(Exports, FieldSettersIgnoreNoObject) {
     library.call<void(Handle, int)>("input", "IInputMediaBufferMouse_EventData_x_set")(nullptr, 5);
     library.call<void(Handle, unsigned)>("input", "InputFormat_mouseType_set")(nullptr, 5);
-}
-
-TEST_F(Exports, ADirectorWithoutDelegatesThrowsWhatItsPureOperationIs) {
-    const Handle impl = library.common<Handle()>("new_ErrorCodeCallbackImpl")();
-    try {
-        library.common<Handle(Handle)>("new_ErrorCodeCallback__SWIG_1")(impl);
-        FAIL() << "nothing was thrown";
-    } catch (const std::exception& error) {
-        EXPECT_STREQ("Attempt to invoke pure virtual method ErrorCodeCallbackImpl::pin",
-                     error.what());
-    }
-    library.common<void(Handle)>("delete_ErrorCodeCallbackImpl")(impl);
 }
 
 TEST_F(Exports, EachUpcastIsAnOwnerMore) {

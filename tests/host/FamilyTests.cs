@@ -1,0 +1,180 @@
+using System;
+using System.Collections.Generic;
+using System.Linq;
+using System.Reflection;
+using System.Runtime.CompilerServices;
+using Orbelantine.Swig.common;
+
+namespace Orbelantine.HostTests
+{
+    /// <summary>What holds for every callback family.</summary>
+    public sealed class FamilyTests
+    {
+        [Test]
+        public void TheTableNamesEveryFamilyOfTheProxies()
+        {
+            IEnumerable<string> declared = typeof(connection).Assembly.GetTypes()
+                .Where(type => type.GetMethod("unpin") != null).Select(type => type.Name);
+            Assert.Sequence(declared.OrderBy(name => name, StringComparer.Ordinal),
+                            Family.All.Select(family => family.Impl.Name).OrderBy(name => name, StringComparer.Ordinal));
+        }
+
+        [Test]
+        public void AFunctionCarriesItsArgumentsToTheHostsObjectAndItsResultBack()
+        {
+            ForEach(family =>
+            {
+                string seen = null;
+                var callback = new HostCallback(arguments => { seen = FamilyValues.Seen(arguments); return true; });
+                using (IDisposable function = family.NewFunction(callback))
+                using (FamilyValues values = family.NewArguments())
+                {
+                    object result = family.Invoke(function, "call", values.Arguments);
+                    Assert.Equal(ExpectedBy(family), seen, "seen");
+                    Assert.Equal(family.HasResult ? (object)true : null, result, "result");
+                    Assert.Equal(FunctionsIn(family), values.NestedCalls, "calls of the functions given");
+                }
+            });
+        }
+
+        [Test]
+        public void ASignalCarriesItsArgumentsToTheHost()
+        {
+            ForEach(family =>
+            {
+                var seen = new List<string>();
+                object signal = family.NewSignal();
+                foreach (bool result in new[] { false, true })
+                    family.Connect(signal, new HostCallback(arguments =>
+                    {
+                        seen.Add(FamilyValues.Seen(arguments));
+                        return result;
+                    })).Dispose();
+                using (FamilyValues values = family.NewArguments())
+                {
+                    object result = family.Invoke(signal, "call", values.Arguments);
+                    Assert.Equal(family.HasResult ? (object)true : null, result, "the last slot's result");
+                    Assert.Equal(2 * FunctionsIn(family), values.NestedCalls, "calls of the functions given");
+                }
+                int calls = FamilyValues.NativeNestedCalls();
+                family.FireNatively(signal);
+                Assert.Equal(2 * FunctionsIn(family), FamilyValues.NativeNestedCalls() - calls, "calls of native functions");
+                Assert.Sequence(Enumerable.Repeat(ExpectedBy(family), 4), seen, "seen");
+                ((IDisposable)signal).Dispose();
+            });
+        }
+
+        [Test]
+        public void SlotsRunByGroupAndAreSkippedOnceDisconnected()
+        {
+            ForEach(family =>
+            {
+                object signal = family.NewSignal();
+                var order = new List<string>();
+                connection skipped = null;
+                Action<string, object[]> connect = (name, group) =>
+                    family.Connect(signal, Releasing(() => order.Add(name)), group).Dispose();
+                Assert.Equal((object)true, family.Invoke(signal, "empty"), "a new signal is empty");
+                connect("last", new object[0]);
+                skipped = family.Connect(signal, Releasing(() => order.Add("skipped")), 3);
+                connect("2", new object[] { 2 });
+                family.Connect(signal, Releasing(() => { order.Add("1"); skipped.disconnect(); }), 1).Dispose();
+                Assert.Equal((object)4u, family.Invoke(signal, "num_slots"));
+                family.FireNatively(signal);
+                Assert.Sequence(new[] { "1", "2", "last" }, order);
+                Assert.True(!skipped.connected(), "still connected");
+                Assert.Equal((object)3u, family.Invoke(signal, "num_slots"));
+                family.Invoke(signal, "disconnect_all_slots");
+                Assert.Equal((object)true, family.Invoke(signal, "empty"), "empty in the end");
+                ((IDisposable)signal).Dispose();
+            });
+        }
+
+        [Test]
+        public void TheHostsObjectLivesAsLongAsNativeCodeHoldsItAndNotLonger()
+        {
+            ForEach(family =>
+            {
+                object signal = family.NewSignal();
+                var callback = Releasing(() => { });
+                WeakReference implementation = ConnectAndForget(family, signal, callback);
+                Collect();
+                family.FireNatively(signal);
+                Assert.Equal(1, callback.Calls, "calls");
+                Assert.Equal(1, callback.Pins, "pins");
+                Assert.Equal(0, callback.Unpins, "unpins while a slot holds it");
+                ((IDisposable)signal).Dispose();
+                Assert.Equal(1, callback.Unpins, "unpins");
+                Collect();
+                Assert.True(!implementation.IsAlive, "the object is still held");
+            });
+        }
+
+        [Test]
+        public void ACopyOfNoFunctionNamesTheSignature()
+        {
+            ForEach(family => Assert.NullArgument(
+                "boost::function< " + family.Signature + " > const & type is null",
+                () => Unwrapped(() => family.Function.GetConstructor(new[] { family.Function }).Invoke(new object[] { null }))));
+        }
+
+        private static void ForEach(Action<Family> test)
+        {
+            foreach (Family family in Family.All)
+                try
+                {
+                    test(family);
+                }
+                catch (AssertionException thrown)
+                {
+                    throw new AssertionException(family + ": " + thrown.Message);
+                }
+        }
+
+        private static HostCallback Releasing(Action action)
+        {
+            return new HostCallback(arguments => { FamilyValues.Seen(arguments); action(); return false; });
+        }
+
+        private static string ExpectedBy(Family family)
+        {
+            return FamilyValues.Expected(family.Call.GetParameters().Select(parameter => parameter.ParameterType).ToArray());
+        }
+
+        private static int FunctionsIn(Family family)
+        {
+            return ExpectedBy(family).Split(' ', ';').Count(word => word == "function");
+        }
+
+        // On a frame of its own, so that nothing of it is left on the stack.
+        [MethodImpl(MethodImplOptions.NoInlining)]
+        private static WeakReference ConnectAndForget(Family family, object signal, HostCallback callback)
+        {
+            object implementation = callback.ImplementationOf(family.Impl);
+            using (var function = (IDisposable)Activator.CreateInstance(family.Function, implementation))
+                ((connection)family.Invoke(signal, "connect", function)).Dispose();
+            return new WeakReference(implementation);
+        }
+
+        private static void Collect()
+        {
+            for (int i = 0; i < 2; ++i)
+            {
+                GC.Collect();
+                GC.WaitForPendingFinalizers();
+            }
+        }
+
+        private static void Unwrapped(Action action)
+        {
+            try
+            {
+                action();
+            }
+            catch (TargetInvocationException thrown)
+            {
+                throw thrown.InnerException;
+            }
+        }
+    }
+}
