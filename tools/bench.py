@@ -18,9 +18,10 @@ RATIO_LIMITS = {
     "LogToFile": 1.3,
     "SendReport": 1.3,
     "SendMouseMove": 1.3,
+    "Reverse": 1.3,
 }
 # No heap allocation at all on these roads.
-NO_ALLOCATION = ("report/",)
+NO_ALLOCATION = ("report/", "velocity/")
 
 
 def measure(program, name_filter):
