@@ -16,6 +16,7 @@ from statistics import median
 RATIO_LIMITS = {
     "LogFiltered": 1.5,
     "LogToFile": 1.3,
+    "Signal": 1.1,
     "SendReport": 1.3,
     "SendMouseMove": 1.3,
     "Reverse": 1.3,

@@ -11,21 +11,6 @@ namespace Orbelantine.HostBench
         private const string Key = "peerAddress";
         private const string Text = "00:11:22:33:44:55";
 
-        private sealed class Counter : ErrorCodeCallbackImpl
-        {
-            public long Calls { get; private set; }
-
-            // Held by Main as long as native code holds it.
-            public override void pin() { }
-            public override bool unpin() { return false; }
-
-            public override void call(error_code code)
-            {
-                ++Calls;
-                code.Dispose();
-            }
-        }
-
         public static int Main()
         {
             using (var store = new KVStore())
@@ -42,24 +27,13 @@ namespace Orbelantine.HostBench
                 Report("HostGetWString", () => store.getWStringAt(Key, null));
                 Report("HostTextIn", () => store.setStringAt(Key, Text));
                 Report("HostErrorCode", () => HidErrors.getErrorCode(0).Dispose());
-                ReportCallback(code);
+                Callbacks.Report(code);
             }
             return 0;
         }
 
-        private static void ReportCallback(error_code code)
-        {
-            using (var counter = new Counter())
-            using (var function = new ErrorCodeCallback(counter))
-            {
-                Report("HostCallback", () => function.call(code));
-                if (counter.Calls == 0)
-                    throw new InvalidOperationException("the callback was not called");
-            }
-        }
-
         // The best of several rounds, each long enough for the clock; the first ones warm up.
-        private static void Report(string name, Action call)
+        public static void Report(string name, Action call)
         {
             double best = double.MaxValue;
             for (int round = 0, count = 1000; round < 12; ++round)
