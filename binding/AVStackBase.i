@@ -51,3 +51,5 @@ public:
 };
 
 }
+
+%include "binding/avconfiguration.i"

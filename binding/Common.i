@@ -3,6 +3,7 @@
 
 %include "binding/errors.i"
 %include "binding/logging.i"
+%include "binding/coretypes.i"
 %include "binding/containers.i"
 %include "binding/kvstore.i"
 %include "binding/callbacks.i"

@@ -1,0 +1,121 @@
+#include "core/common/StreamPipe.h"
+
+#include "tests/avstack/CapturedLog.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace orbelantine {
+namespace {
+
+using test::CapturedLog;
+using Lines = std::vector<CapturedLog::Line>;
+
+/// Holds "abcdefgh" in chunks, the first of them read in part and one of them empty.
+class StreamPipeTest : public ::testing::Test {
+  protected:
+    StreamPipeTest() {
+        for (const char* chunk : {"--ab", "", "cde", "fgh"})
+            write(chunk);
+        EXPECT_TRUE(mPipe.remove(2));
+    }
+
+    static const std::uint8_t* bytesOf(std::string_view text) {
+        return reinterpret_cast<const std::uint8_t*>(text.data());
+    }
+
+    void write(std::string_view text) { mPipe.write(bytesOf(text), text.size()); }
+
+    std::ptrdiff_t find(std::string_view pattern, std::size_t start = 0) {
+        return mPipe.find(bytesOf(pattern), pattern.size(), start);
+    }
+
+    bool read(std::size_t size) { return mPipe.read(mBuffer, size); }
+
+    bool peek(std::size_t size, std::size_t offset) { return mPipe.peek(mBuffer, size, offset); }
+
+    std::string buffer() { return reinterpret_cast<const char*>(mBuffer); }
+
+    void expectLog(unsigned level, const std::string& text) {
+        EXPECT_EQ(mLog.take(), (Lines{{level, "orbelantine::StreamPipe::" + text}}));
+    }
+
+    StreamPipe mPipe;
+    std::uint8_t mBuffer[16] = {};
+    CapturedLog mLog{kLogTrace};
+};
+
+TEST_F(StreamPipeTest, ReadsInOrderAcrossChunks) {
+    EXPECT_TRUE(read(1) && buffer() == "a");
+    EXPECT_TRUE(read(5) && buffer() == "bcdef");
+    EXPECT_EQ(mPipe.size(), 2U);
+    EXPECT_EQ(mLog.take(), Lines());
+}
+
+TEST_F(StreamPipeTest, ShortReadTakesWhatThereIs) {
+    EXPECT_FALSE(read(10));
+    expectLog(kLogError, "read() Not enough data - 8 bytes copied, 10 bytes requested");
+    EXPECT_EQ(buffer(), "abcdefgh");
+    EXPECT_EQ(mPipe.size(), 0U);
+    EXPECT_TRUE(read(0));
+    EXPECT_EQ(mLog.take(), Lines());
+}
+
+TEST_F(StreamPipeTest, PeekTakesNothing) {
+    EXPECT_TRUE(peek(8, 0) && buffer() == "abcdefgh");
+    EXPECT_FALSE(peek(0, 0));
+    expectLog(kLogError, "peek() Invalid size parameter - 8 bytes available, 0 bytes requested");
+    EXPECT_FALSE(peek(9, 0));
+    expectLog(kLogError, "peek() Invalid size parameter - 8 bytes available, 9 bytes requested");
+    EXPECT_FALSE(peek(4, 6));
+    expectLog(kLogDebug, "peek() Not enough data - 2 bytes copied, 4 bytes requested");
+    EXPECT_FALSE(peek(1, SIZE_MAX));
+    EXPECT_EQ(mPipe.size(), 8U);
+}
+
+TEST_F(StreamPipeTest, RemoveDropsAllOrNothing) {
+    EXPECT_FALSE(mPipe.remove(0));
+    expectLog(kLogError, "remove() Invalid size - 8 bytes available, 0 bytes requested");
+    EXPECT_FALSE(mPipe.remove(9));
+    expectLog(kLogError, "remove() Invalid size - 8 bytes available, 9 bytes requested");
+    EXPECT_TRUE(mPipe.remove(4));
+    EXPECT_TRUE(read(4) && buffer() == "efgh");
+}
+
+TEST_F(StreamPipeTest, FindsAcrossChunks) {
+    write("degdeh");
+    EXPECT_EQ(find("bcdef"), 1);
+    EXPECT_EQ(find("deh"), 11);
+    EXPECT_EQ(find("e", 4), 4);
+    EXPECT_EQ(find("a", 1), -1);
+    EXPECT_EQ(mLog.take(), Lines());
+}
+
+TEST_F(StreamPipeTest, FindLogsWhyItCannotLook) {
+    EXPECT_EQ(find(""), -1);
+    expectLog(kLogDebug, "find() Invalid size - 8 bytes available, 0 bytes requested");
+    EXPECT_EQ(find("abcdefghi"), -1);
+    expectLog(kLogDebug, "find() Invalid size - 8 bytes available, 9 bytes requested");
+    EXPECT_EQ(find("ghi"), -1);
+    const Lines lines = mLog.take();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[1].text,
+              "orbelantine::StreamPipe::find() Unable to peek data - offset 7, size 2");
+}
+
+TEST_F(StreamPipeTest, ClearForgetsHowFarAChunkWasRead) {
+    mPipe.clear();
+    write("xyz");
+    EXPECT_TRUE(read(3) && buffer() == "xyz");
+}
+
+TEST_F(StreamPipeTest, WriteSetsTheEventForOneWait) {
+    EXPECT_TRUE(mPipe.event().wait(0));
+    EXPECT_FALSE(mPipe.event().wait(0));
+    EXPECT_FALSE(StreamPipe().event().wait(0));
+}
+
+} // namespace
+} // namespace orbelantine
