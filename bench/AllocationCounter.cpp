@@ -1,5 +1,6 @@
 #include "bench/AllocationCounter.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -34,8 +35,17 @@ void* operator new(std::size_t size) {
 }
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
-    const auto step = static_cast<std::size_t>(alignment);
-    return counted(std::aligned_alloc(step, (size + step - 1) / step * step));
+    if (void* const memory = std::aligned_alloc(static_cast<std::size_t>(alignment), size))
+        return memory;
+    throw std::bad_alloc();
+}
+
+// Boost.Asio takes its queue's operations from here.
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+    void* memory = nullptr;
+    ++allocations;
+    return posix_memalign(&memory, std::max(alignment, sizeof(void*)), size) == 0 ? memory
+                                                                                  : nullptr;
 }
 
 void operator delete(void* memory) noexcept {

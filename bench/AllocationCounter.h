@@ -5,7 +5,7 @@
 namespace orbelantine::bench {
 
 /// Counts what the calling thread allocates from the heap while it lives. For programs that link
-/// AllocationCounter.cpp, which replaces the global operator new.
+/// AllocationCounter.cpp, which replaces the global operator new and aligned_alloc.
 class AllocationCounter {
   public:
     AllocationCounter();

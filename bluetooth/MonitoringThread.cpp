@@ -16,7 +16,7 @@ class MonitoringThread::Worker {
     explicit Worker(const char* name)
         : mWork(mIoService.get_executor())
         , mThread([this, name] {
-            setCurrentThreadName(name);
+            setThreadName(name);
             mIoService.run();
         }) {}
 

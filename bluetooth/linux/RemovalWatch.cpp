@@ -34,7 +34,7 @@ RemovalWatch::~RemovalWatch() {
 }
 
 void RemovalWatch::run() {
-    setCurrentThreadName("DriverRemovalThread");
+    setThreadName("DriverRemovalThread");
     // Replies are none of its business: only the hang-up is.
     pollfd watched[] = {{mDevice->fd(), POLLRDHUP, 0}, {mStop.get(), POLLIN, 0}};
     while (poll(watched, std::size(watched), -1) < 0 && errno == EINTR) {

@@ -21,8 +21,9 @@ constexpr std::size_t anonymousLength(std::string_view text) {
 } // namespace detail
 
 /// The qualified name, such as "orbelantine::HIDDeviceClient::connect", within the compiler's
-/// spelling of a function's signature (__PRETTY_FUNCTION__). A lambda gives the name of the
-/// function around it. The result is null-terminated.
+/// spelling of a function's signature (__PRETTY_FUNCTION__), without template arguments, which no
+/// two compilers spell alike. A lambda gives the name of the function around it. The result is
+/// null-terminated.
 template <std::size_t N>
 consteval std::array<char, N> qualifiedName(const char (&signature)[N]) {
     // The name ends at the first parenthesis outside template arguments and begins after the last
@@ -40,7 +41,9 @@ consteval std::array<char, N> qualifiedName(const char (&signature)[N]) {
         if (c == '(' && depth == 0)
             break;
         depth += (c == '<') - (c == '>');
-        const bool startsName = depth == 0 && (c == ' ' || c == '*' || c == '&');
+        if (depth > 0 || c == '>')
+            continue;
+        const bool startsName = c == ' ' || c == '*' || c == '&';
         length = startsName ? 0 : length + 1;
         if (!startsName)
             name[length - 1] = c;

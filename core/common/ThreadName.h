@@ -2,8 +2,10 @@
 
 namespace orbelantine {
 
-/// Names the calling thread for debuggers and crash records. Linux keeps the first 15 characters.
-/// Without effect where the system has no thread names.
-void setCurrentThreadName(const char* name);
+inline constexpr int kCallingThread = -1;
+
+/// Names the thread with the system's `threadId` for debuggers and crash records. Linux keeps the
+/// first 15 characters.
+void setThreadName(const char* name, int threadId = kCallingThread);
 
 } // namespace orbelantine

@@ -2,7 +2,7 @@
 #include "avstack/IInputSource.h"
 #include "avstack/IInputTarget.h"
 #include "avstack/TemplateProxySimplified.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 
 #include <boost/function.hpp>
 #include <boost/smart_ptr/make_shared_object.hpp>

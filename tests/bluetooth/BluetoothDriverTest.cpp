@@ -2,7 +2,7 @@
 
 #include "core/common/ApiCategory.h"
 #include "core/common/ErrorAreas.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 
 #include <boost/smart_ptr/make_shared.hpp>

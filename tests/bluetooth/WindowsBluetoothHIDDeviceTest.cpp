@@ -2,9 +2,9 @@
 
 #include "core/common/ApiCategory.h"
 #include "core/common/ErrorAreas.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
-#include "tests/bluetooth/HandClock.h"
+#include "tests/support/HandClock.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "core/common/StreamPipe.h"
 
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 

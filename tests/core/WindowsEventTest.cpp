@@ -1,6 +1,6 @@
 #include "core/common/WindowsEvent.h"
 
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 

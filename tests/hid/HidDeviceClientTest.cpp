@@ -3,9 +3,9 @@
 #include "core/common/ErrorAreas.h"
 #include "core/common/OSAL.h"
 #include "hid/IHIDDeviceClientDummy.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
-#include "tests/bluetooth/HandClock.h"
+#include "tests/support/HandClock.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
 #include <gtest/gtest.h>

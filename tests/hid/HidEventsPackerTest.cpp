@@ -3,7 +3,7 @@
 #include "avstack/IInputMediaBufferKeyboard.h"
 #include "avstack/IInputMediaBufferMouse.h"
 #include "core/common/KVStore.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>

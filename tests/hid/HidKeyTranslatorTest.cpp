@@ -1,7 +1,7 @@
 #include "core/common/KVStore.h"
 #include "core/common/OSAL.h"
 #include "hid/WindowsHIDKeyTranslator.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "core/common/OSAL.h"
 #include "hid/IHIDKeyTranslator.h"
 #include "hid/WindowsHIDKeyTranslator.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/hid/HidReportFixture.h"
 
 namespace orbelantine {

@@ -1,8 +1,8 @@
 #include "hid/L2capSocket.h"
 
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
-#include "tests/bluetooth/HandClock.h"
+#include "tests/support/HandClock.h"
 
 #include <gtest/gtest.h>
 

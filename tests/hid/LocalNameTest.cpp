@@ -1,7 +1,7 @@
 #include "core/common/OSAL.h"
 #include "hid/IBluetoothHIDDeviceClientDummy.h"
 #include "hid/WindowsBluetoothHIDDeviceClient.h"
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/hid/FakeLocalRadioApi.h"
 

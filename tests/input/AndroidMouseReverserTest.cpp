@@ -1,8 +1,8 @@
 #include "input/AndroidMouseReverser.h"
 
 #include "core/common/OSAL.h"
-#include "tests/avstack/CapturedLog.h"
-#include "tests/bluetooth/HandClock.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/HandClock.h"
 #include "tests/input/Traces.h"
 
 #include <gtest/gtest.h>

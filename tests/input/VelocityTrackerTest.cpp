@@ -1,6 +1,6 @@
 #include "input/android/VelocityTracker.h"
 
-#include "tests/avstack/CapturedLog.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/input/Traces.h"
 
 #include <gtest/gtest.h>

@@ -2,19 +2,24 @@
 
 #include <pthread.h>
 
+#include <fstream>
 #include <string>
 
 namespace orbelantine {
 
 namespace {
 
-// The kernel refuses a longer name instead of cutting it.
+// The kernel refuses a longer name of the calling thread instead of cutting it.
 constexpr std::size_t kLongestName = 15;
 
 } // namespace
 
-void setCurrentThreadName(const char* name) {
-    pthread_setname_np(pthread_self(), std::string(name).substr(0, kLongestName).c_str());
+void setThreadName(const char* name, int threadId) {
+    const std::string text = std::string(name).substr(0, kLongestName);
+    if (threadId == kCallingThread)
+        pthread_setname_np(pthread_self(), text.c_str());
+    else
+        std::ofstream("/proc/self/task/" + std::to_string(threadId) + "/comm") << text;
 }
 
 } // namespace orbelantine

@@ -1,0 +1,303 @@
+#include "core/common/StateMachine.h"
+
+#include "core/common/StateEvent.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/HandClock.h"
+
+#include <boost/asio/error.hpp>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orbelantine {
+
+class Travel {
+  public:
+    virtual ~Travel() = default;
+    virtual bool step(int length);
+    virtual void carry(const std::string& load, const boost::shared_ptr<int>& owned);
+    [[nodiscard]] virtual std::string getName() const = 0;
+
+  private:
+    void onNotProcessed(const char* event) const {
+        logNotProcessed(kEventNotProcessed, ORB_FUNCTION_NAME, event, *this);
+    }
+};
+
+bool Travel::step(int /*length*/) {
+    onNotProcessed(ORB_FUNCTION_NAME);
+    return false;
+}
+
+void Travel::carry(const std::string& /*load*/, const boost::shared_ptr<int>& /*owned*/) {
+    onNotProcessed(ORB_FUNCTION_NAME);
+}
+
+namespace {
+
+using namespace std::chrono_literals;
+using test::CapturedLog;
+using Names = std::vector<std::string>;
+
+class Traveller : public StateMachine<Traveller, Travel> {
+  public:
+    using StateMachine::StateMachine;
+
+    bool step(int length) override {
+        postEvent(&Travel::step, length);
+        return true;
+    }
+
+    void carry(const std::string& load, const boost::shared_ptr<int>& owned) override {
+        postEvent(&Travel::carry, load, owned);
+    }
+
+    [[nodiscard]] std::string getName() const override { return "Traveller"; }
+
+    template <class NextState>
+    void enter() {
+        post([this](const auto&) { changeState<NextState>(); });
+    }
+
+    /// What has happened, once all that was posted so far has run.
+    Names history() {
+        return postAndWait([this](const auto&) { return *notes; });
+    }
+
+    std::size_t pending() {
+        return postAndWait([this](const auto&) { return pendingTimers.size(); });
+    }
+
+    void forgetTimers() { pendingTimers.clear(); }
+
+    boost::asio::io_service& queue() { return ioService; }
+
+    void note(const std::string& what) { notes->push_back(what); }
+
+    const std::shared_ptr<Names> notes = std::make_shared<Names>();
+};
+
+class Place : public Traveller::State {
+  public:
+    using State::State;
+
+    void onEnter() override { owner().note("enter " + getName()); }
+
+    void onExit() override { owner().note("exit " + getName()); }
+};
+
+class Home final : public Place {
+  public:
+    using Place::Place;
+
+    [[nodiscard]] std::string getName() const override { return "Home"; }
+
+    bool step(int length) override {
+        owner().note("Home step " + std::to_string(length));
+        return true;
+    }
+
+    void carry(const std::string& load, const boost::shared_ptr<int>& owned) override {
+        owner().note("Home " + load + " " + std::to_string(*owned));
+    }
+};
+
+class Abroad final : public Place {
+  public:
+    using Place::Place;
+
+    [[nodiscard]] std::string getName() const override { return "Abroad"; }
+};
+
+/// On its way through, to Home.
+class Border final : public Place {
+  public:
+    using Place::Place;
+
+    [[nodiscard]] std::string getName() const override { return "Border"; }
+
+    void onEnter() override {
+        Place::onEnter();
+        owner().step(1);
+        owner().changeState<Home>();
+        owner().note("still " + getName());
+        owner().step(3);
+    }
+
+    void onExit() override {
+        Place::onExit();
+        owner().step(2);
+    }
+};
+
+class TravellerTest : public ::testing::Test {
+  protected:
+    Traveller::Event noteStep(int length) {
+        return [length](const auto& state) { state->step(length); };
+    }
+
+    /// On the worker.
+    boost::shared_ptr<IDelayTimer> delay(int length, std::chrono::milliseconds time) {
+        return mTraveller->postAndWait(
+            [&](const auto&) { return mTraveller->postDelayed(noteStep(length), time); });
+    }
+
+    test::HandClock mClock;
+    CapturedLog mLog{kLogError};
+    std::optional<Traveller> mTraveller{std::in_place, mClock};
+};
+
+TEST_F(TravellerTest, EventReachesTheStateOfItsTurn) {
+    mTraveller->step(1);
+    mTraveller->enter<Home>();
+    mTraveller->step(2);
+    mTraveller->enter<Abroad>();
+    mTraveller->step(3);
+    mTraveller->enter<Home>();
+    mTraveller->step(4);
+    EXPECT_EQ(mTraveller->history(),
+              (Names{"enter Home", "Home step 2", "exit Home", "enter Abroad", "exit Abroad",
+                     "enter Home", "Home step 4"}));
+}
+
+TEST_F(TravellerTest, NestedTransitionLeavesTheStateThatIsBeingEntered) {
+    mTraveller->enter<Abroad>();
+    mTraveller->enter<Border>();
+    (void)mTraveller->history();
+    EXPECT_EQ(mTraveller->history(),
+              (Names{"enter Abroad", "exit Abroad", "enter Border", "exit Border", "enter Home",
+                     "still Border", "Home step 1", "Home step 2", "Home step 3"}));
+}
+
+TEST_F(TravellerTest, ArgumentsAreTheEventsOwn) {
+    const auto owned = boost::make_shared<int>(7);
+    mTraveller->enter<Home>();
+    {
+        std::string load = "map";
+        mTraveller->carry(load, owned);
+        load = "none";
+    }
+    EXPECT_EQ(mTraveller->history(), (Names{"enter Home", "Home map 7"}));
+    EXPECT_EQ(owned.use_count(), 1);
+}
+
+TEST_F(TravellerTest, EventWithoutOverrideIsLoggedAndChangesNothing) {
+    mTraveller->enter<Abroad>();
+    (void)mTraveller->history();
+    set_log_level(kLogDebug);
+    mTraveller->step(1);
+    mTraveller->carry("map", {});
+    EXPECT_EQ(mTraveller->history(), Names{"enter Abroad"});
+    const auto line = [](const std::string& event) {
+        return CapturedLog::Line{
+            kLogDebug, "orbelantine::Travel::onNotProcessed: Event orbelantine::Travel::" + event +
+                           " not processed in Abroad"};
+    };
+    EXPECT_EQ(mLog.take(), (std::vector{line("step"), line("carry")}));
+    logNotProcessed(kEventNotProcessedCall, "f", "g", *mTraveller);
+    EXPECT_EQ(mLog.take().at(0).text, "f() Event g not processed in Traveller");
+}
+
+TEST_F(TravellerTest, DelayedEventGoesToTheStateOfItsTime) {
+    mTraveller->enter<Abroad>();
+    (void)delay(3, 30ms);
+    (void)delay(2, 20ms);
+    mTraveller->enter<Home>();
+    mClock.advance(19ms);
+    EXPECT_EQ(mTraveller->history().back(), "enter Home");
+    mClock.advance(1ms);
+    EXPECT_EQ(mTraveller->history().back(), "Home step 2");
+    EXPECT_EQ(mTraveller->pending(), 1u);
+    mClock.advance(1h);
+    EXPECT_EQ(mTraveller->history().back(), "Home step 3");
+    EXPECT_EQ(mTraveller->pending(), 0u);
+}
+
+TEST_F(TravellerTest, ZeroDelayGoesThroughTheQueue) {
+    for (IClock* const clock : {static_cast<IClock*>(&mClock), &IClock::system()}) {
+        mTraveller.emplace(*clock);
+        std::promise<void> fired;
+        mTraveller->post([&](const auto&) {
+            const auto event = [&](const auto&) {
+                mTraveller->note("event");
+                fired.set_value();
+            };
+            mTraveller->postDelayed(event, 0ms);
+            mTraveller->note("handler ends");
+        });
+        fired.get_future().wait();
+        EXPECT_EQ(mTraveller->history(), (Names{"handler ends", "event"}));
+    }
+}
+
+TEST_F(TravellerTest, CancelledTimerIsLoggedAndKept) {
+    mTraveller->enter<Home>();
+    const auto timer = delay(1, 10ms);
+    mTraveller->postAndWait([&](const auto&) { timer->cancel(); });
+    mClock.advance(1h);
+    EXPECT_EQ(mTraveller->history(), Names{"enter Home"});
+    EXPECT_EQ(mTraveller->pending(), 1u);
+    const boost::system::error_code aborted = boost::asio::error::operation_aborted;
+    EXPECT_EQ(mLog.take(),
+              (std::vector<CapturedLog::Line>{
+                  {kLogError, "orbelantine::StateMachine::handleTimer: error " +
+                                  std::to_string(aborted.value()) + " = " + aborted.message()}}));
+}
+
+TEST_F(TravellerTest, TimerThatIsNotPendingIsLogged) {
+    mTraveller->enter<Home>();
+    (void)delay(1, 10ms);
+    mTraveller->postAndWait([&](const auto&) { mTraveller->forgetTimers(); });
+    mClock.advance(10ms);
+    EXPECT_EQ(mTraveller->history(), Names{"enter Home"});
+    EXPECT_EQ(mLog.take().at(0).text, "orbelantine::StateMachine::handleTimer: error timer not "
+                                      "found in pending timers");
+}
+
+TEST_F(TravellerTest, QueuedAndDelayedEventsGoUnrunWithTheMachine) {
+    const auto notes = mTraveller->notes;
+    const auto owned = boost::make_shared<int>(0);
+    std::promise<void> begun;
+    mTraveller->enter<Abroad>();
+    // By the base class, whose destructor it is that waits for the worker.
+    StateMachine<Traveller, Travel>& machine = *mTraveller;
+    mTraveller->post([&, &queue = mTraveller->queue()](const auto&) {
+        const auto event = [owned, notes](const auto&) { notes->push_back("event"); };
+        machine.postDelayed(event, 1ms);
+        machine.post(event);
+        begun.set_value();
+        while (!queue.stopped())
+            std::this_thread::yield();
+        machine.post(event);
+    });
+    begun.get_future().wait();
+    mTraveller.reset();
+    mClock.advance(1ms);
+    EXPECT_EQ(*notes, Names{"enter Abroad"});
+    EXPECT_EQ(owned.use_count(), 1);
+}
+
+TEST_F(TravellerTest, LifeIsTraced) {
+    mTraveller.reset();
+    set_log_level(kLogDebug);
+    mTraveller.emplace(mClock);
+    (void)mTraveller->history();
+    mTraveller.reset();
+    Names texts;
+    for (const auto& line : mLog.take())
+        texts.push_back(line.text);
+    // The worker's first line may come before the constructor's last.
+    std::sort(texts.begin() + 1, texts.begin() + 3);
+    EXPECT_EQ(texts, (Names{"Entering function orbelantine::StateMachine::StateMachine",
+                            "Entering function orbelantine::runStateMachine",
+                            "Leaving function orbelantine::StateMachine::StateMachine",
+                            "Entering function orbelantine::StateMachine::~StateMachine",
+                            "Leaving function orbelantine::runStateMachine",
+                            "Leaving function orbelantine::StateMachine::~StateMachine"}));
+}
+
+} // namespace
+} // namespace orbelantine
