@@ -83,4 +83,13 @@ void KVStore::setKVStoreAt(const std::string& key, const KVStore& value) {
     mStores.insert_or_assign(key, value);
 }
 
+boost::shared_ptr<void> KVStore::getSharedContextAt(const std::string& key) const {
+    const auto found = mContexts.find(key);
+    return found != mContexts.end() ? found->second : nullptr;
+}
+
+void KVStore::setSharedContextAt(const std::string& key, const boost::shared_ptr<void>& value) {
+    mContexts[key] = value;
+}
+
 } // namespace orbelantine

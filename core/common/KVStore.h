@@ -39,6 +39,10 @@ class KVStore {
     void setContextAt(const std::string& key, void* value);
     void setKVStoreAt(const std::string& key, const KVStore& value);
 
+    /// Contexts that the store and its copies own a share of. Empty where the key is missing.
+    [[nodiscard]] boost::shared_ptr<void> getSharedContextAt(const std::string& key) const;
+    void setSharedContextAt(const std::string& key, const boost::shared_ptr<void>& value);
+
     /// The nested stores.
     std::map<std::string, KVStore>& getKVStoreMap() { return mStores; }
 
