@@ -11,6 +11,7 @@
 #include <boost/smart_ptr/shared_ptr.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 #include <chrono>
 #include <future>
@@ -101,9 +102,17 @@ class StateMachine : public StateT {
     void handleTimer(const boost::system::error_code& ec, const Event& event,
                      const boost::shared_ptr<IDelayTimer>& timer);
 
+    /// Runs an event, unless the machine is being destroyed: Windows' queue hands out what it holds
+    /// even when it is stopped.
+    void dispatch(const Event& event) {
+        if (!mStopping)
+            event(state);
+    }
+
     [[nodiscard]] bool onWorker() const { return std::this_thread::get_id() == thread.get_id(); }
 
     IClock& mClock;
+    std::atomic<bool> mStopping = false;
 };
 
 template <class Owner, class StateT, class DelayUnit>
@@ -117,6 +126,7 @@ template <class Owner, class StateT, class DelayUnit>
 StateMachine<Owner, StateT, DelayUnit>::~StateMachine() {
     {
         ORB_TRACED();
+        mStopping = true;
         ioService.stop();
         thread.join();
     }
@@ -126,7 +136,7 @@ StateMachine<Owner, StateT, DelayUnit>::~StateMachine() {
 
 template <class Owner, class StateT, class DelayUnit>
 void StateMachine<Owner, StateT, DelayUnit>::post(Event event) {
-    boost::asio::post(ioService, [this, event = std::move(event)] { event(state); });
+    boost::asio::post(ioService, [this, event = std::move(event)] { dispatch(event); });
 }
 
 template <class Owner, class StateT, class DelayUnit>
@@ -184,7 +194,7 @@ void StateMachine<Owner, StateT, DelayUnit>::handleTimer(
         ORB_LOG(kLogError, "%s: error timer not found in pending timers");
         return;
     }
-    event(state);
+    dispatch(event);
     pendingTimers.remove(timer);
 }
 
