@@ -12,7 +12,7 @@
 
 namespace orbelantine {
 
-ORB_OSAL_REGISTER(IMouseReverser, AndroidMouseReverser, "AndroidMouseReverser");
+ORB_OSAL_REGISTER(IMouseReverser, AndroidMouseReverser, "AndroidMouseReverser", IClock&);
 
 namespace {
 

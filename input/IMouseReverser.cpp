@@ -4,7 +4,7 @@
 
 namespace orbelantine {
 
-ORB_OSAL_REGISTER(IMouseReverser, IMouseReverser::Dummy, "IMouseReverser::Dummy");
+ORB_OSAL_REGISTER(IMouseReverser, IMouseReverser::Dummy, "IMouseReverser::Dummy", IClock&);
 
 void IMouseReverser::Dummy::applyMove(std::int32_t& /*dx*/, std::int32_t& /*dy*/,
                                       const std::int64_t& /*timeNs*/) {}

@@ -4,6 +4,8 @@
 
 namespace orbelantine {
 
+class IClock;
+
 /// Undoes what a phone's own pointer acceleration does to a relative mouse. Deltas are in the
 /// phone's cursor units on the one side and mouse counts on the other. One thread at a time.
 class IMouseReverser {
@@ -24,6 +26,8 @@ class IMouseReverser {
 /// For a phone without acceleration: every delta stays as it is.
 class IMouseReverser::Dummy final : public IMouseReverser {
   public:
+    explicit Dummy(IClock& /*clock*/) {}
+
     virtual ~Dummy() = default;
     void applyMove(std::int32_t& dx, std::int32_t& dy, const std::int64_t& timeNs) override;
     void reverse(std::int32_t& dx, std::int32_t& dy) override;

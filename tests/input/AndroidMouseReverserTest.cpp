@@ -1,9 +1,9 @@
 #include "input/AndroidMouseReverser.h"
 
 #include "core/common/OSAL.h"
+#include "tests/input/Traces.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
-#include "tests/input/Traces.h"
 
 #include <gtest/gtest.h>
 
@@ -107,8 +107,8 @@ TEST(AndroidMouseReverser, LogsThatItIsMade) {
 
 TEST(MouseReverser, HintChoosesTheImplementation) {
     const auto create = [](const char* hint) {
-        return osalCreate<IMouseReverser>(OSALFactory::instance(), "IMouseReverser", KVStore(),
-                                          hint);
+        return osalCreate<IMouseReverser, IClock&>(OSALFactory::instance(), "IMouseReverser",
+                                                   KVStore(), hint, IClock::system());
     };
     EXPECT_NE(dynamic_cast<AndroidMouseReverser*>(create("android").get()), nullptr);
     EXPECT_NE(dynamic_cast<IMouseReverser::Dummy*>(create("ios").get()), nullptr);
@@ -116,7 +116,7 @@ TEST(MouseReverser, HintChoosesTheImplementation) {
 }
 
 TEST(MouseReverser, DummyLeavesEveryDelta) {
-    IMouseReverser::Dummy dummy;
+    IMouseReverser::Dummy dummy(IClock::system());
     std::int32_t dx = 300;
     std::int32_t dy = -5;
     dummy.reverse(dx, dy);

@@ -1,7 +1,7 @@
 #include "input/android/VelocityTracker.h"
 
-#include "tests/support/CapturedLog.h"
 #include "tests/input/Traces.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,359 @@
+#include "input/GenericInputSource.h"
+
+#include "avstack/InputFormat.h"
+#include "input/InputContextComposite.h"
+#include "input/InputContextKey.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/input/FakeInputContext.h"
+#include "tests/input/RecordingTarget.h"
+#include "tests/input/Standins.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <map>
+#include <random>
+#include <set>
+#include <sstream>
+#include <thread>
+
+namespace orbelantine {
+namespace {
+
+using test::FakeHidDevice;
+using test::FakeMouseSource;
+using test::InputFrame;
+using test::Standin;
+
+struct Source {
+    boost::shared_ptr<IInputContext> context;
+    boost::shared_ptr<test::RecordingTarget> target = boost::make_shared<test::RecordingTarget>();
+    boost::shared_ptr<IInputSource> source;
+
+    Source(boost::shared_ptr<IInputContext> surface, const InputFormat& format, bool apple = false,
+           const char* osVersion = "")
+        : context(std::move(surface)) {
+        KVStore store;
+        setInputContext(store, context);
+        store.setBoolAt("apple", apple);
+        store.setStringAt("osVersion", osVersion);
+        source = osalCreate<IInputSource, InputFormat>(OSALFactory::instance(), "IInputSource",
+                                                       store, "", format);
+        source->registerTarget(target);
+    }
+};
+
+struct GenericInputSourceTest : testing::Test {
+    boost::shared_ptr<test::FakeInputContext> context =
+        boost::make_shared<test::FakeInputContext>();
+    boost::shared_ptr<FakeMouseSource> relative = boost::make_shared<FakeMouseSource>();
+    boost::shared_ptr<FakeMouseSource> absolute = boost::make_shared<FakeMouseSource>();
+    Standin<IMouseSource> relativeStandin{"IMouseSource", "RelativeMouseSource", relative};
+    Standin<IMouseSource> absoluteStandin{"IMouseSource", "AbsoluteMouseSource", absolute};
+};
+
+TEST_F(GenericInputSourceTest, FlagsAndDeviceTypeChooseTheMouse) {
+    using Line = test::CapturedLog::Line;
+    const std::string name = "orbelantine::GenericInputSource::createMouseSource() ";
+    const Line absoluteSaid{kLogDebug, name + "using absolute mouse"};
+    const Line relativeSaid{kLogDebug, name + "using relative mouse"};
+    const Line noneSaid{kLogError, name + "No suitable mouse source"};
+
+    struct Case {
+        std::uint32_t typeFlags, hidType;
+        Line said;
+    };
+
+    const Case cases[] = {{1, 2, absoluteSaid}, {3, 2, absoluteSaid}, {2, 1, absoluteSaid},
+                          {2, 2, relativeSaid}, {6, 2, relativeSaid}, {0, 2, noneSaid},
+                          {4, 2, noneSaid}};
+    for (const Case& each : cases) {
+        const Standin<IBluetoothHIDDeviceClient> device(
+            "IBluetoothHIDDeviceClient", "WindowsBluetoothHIDDeviceClient",
+            boost::make_shared<FakeHidDevice>(each.hidType));
+        relative->calls.clear();
+        absolute->calls.clear();
+        const Source made(context, InputFormat(3, 2, 1, each.typeFlags));
+        test::CapturedLog log(kLogDebug);
+        made.source->start();
+        const auto lines = log.take();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), each.said), 1) << each.typeFlags;
+        context->onAbsoluteMouseMove(1, 2);
+        made.source->stop();
+        context->onAbsoluteMouseMove(3, 4);
+        const char* used = "registerTarget 1, start 1, mouseMove 1 2 0, registerTarget 0, stop";
+        EXPECT_EQ(absolute->calls, each.said == absoluteSaid ? used : "");
+        EXPECT_EQ(relative->calls, each.said == relativeSaid ? used : "");
+    }
+}
+
+TEST_F(GenericInputSourceTest, WithoutAMouseTypeThereIsOnlyTheKeyboard) {
+    const Source made(context, InputFormat(0, 2, 1, 1));
+    made.source->start();
+    EXPECT_EQ(absolute->calls, "");
+    EXPECT_TRUE(context->onMouseClickDown.empty() && context->onPointerUpdate.empty());
+    EXPECT_FALSE(context->onKeyDown.empty() || context->onKeyUp.empty());
+}
+
+/// Raises the events of a script, such as "move 3 4, refresh, button 0 1 3 4".
+void perform(const std::string& script, test::FakeInputContext& from, IInputSource& source) {
+    const auto pointer = [](auto& signal, int offset) {
+        return [&signal, offset](int type, int primary, int, int) {
+            signal(static_cast<IInputContext::ePointerType>(type), 7, 110 + offset, 220 + offset,
+                   primary != 0);
+        };
+    };
+    const std::map<std::string, std::function<void(int, int, int, int)>> events{
+        {"move", [&](int x, int y, int, int) { from.onAbsoluteMouseMove(x, y); }},
+        {"button",
+         [&](int button, int down, int x, int y) {
+             (down != 0 ? from.onMouseClickDown : from.onMouseClickUp)(
+                 static_cast<IInputContext::eMouseButton>(button), x, y);
+         }},
+        {"raw", [&](int dx, int dy, int, int) { from.onRelativeMouseMove(dx, dy); }},
+        {"wheel", [&](int delta, int x, int y, int) { from.onRelativeMouseWheel(delta, x, y); }},
+        {"down", pointer(from.onPointerDown, 0)},
+        {"update", pointer(from.onPointerUpdate, 1)},
+        {"up", pointer(from.onPointerUp, 2)},
+        {"unfocus", [&](auto...) { from.onInputSurfaceLostFocus(); }},
+        {"destroy", [&](auto...) { from.onInputSurfaceDestroyed(); }},
+        {"refresh", [&](auto...) { source.refresh(); }},
+        {"start", [&](auto...) { source.start(); }},
+    };
+    std::istringstream parts(script);
+    for (std::string event; std::getline(parts >> std::ws, event, ',');) {
+        std::istringstream words(event);
+        std::string what;
+        int values[4] = {};
+        words >> what >> values[0] >> values[1] >> values[2] >> values[3];
+        events.at(what)(values[0], values[1], values[2], values[3]);
+    }
+}
+
+TEST_F(GenericInputSourceTest, EventsReachTheMouseSource) {
+    struct Case {
+        const char* script;
+        const char* calls;
+        std::uint32_t touchType = 1;
+        bool apple = false;
+        bool surfaceCoordinates = false;
+    };
+
+    const char* const touched = "touch 1 110 220 7 0, touchMove 111 221 7, touch 0 112 222 7 0";
+    const Case cases[] = {
+        {"start, move 5 9, move 5 9, move 6 9, move 5 9",
+         "mouseMove 5 9 0, mouseMove 6 9 0, mouseMove 5 9 0"},
+        {"start, move -1 -1", ""},
+        {"start, move -1 0", "mouseMove -1 0 0"},
+        {"start, refresh, move 1 1, button 0 1 3 4, button 0 0 3 4",
+         "mouseMove 1 1 0, mouseLButton 1 3 4 0 1, mouseLButton 0 3 4 0 0"},
+        {"start, refresh, button 1 1 3 4, button 1 0 3 4",
+         "mouseRButton 1 3 4 1, mouseRButton 0 3 4 0"},
+        {"start, refresh, update 1 1, down 1 1, up 1 1",
+         "touchMove 111 221 7, touch 1 110 220 7 1, touch 0 112 222 7 0"},
+        {"refresh, start, button 0 1 3 4", "mouseLButton 1 3 4 0 0"},
+        {"start, button 2 1 3 4, button -1 0 3 4", ""},
+        {"start, raw -3 4, raw -3 4", "rawMouseMove -3 4, rawMouseMove -3 4"},
+        {"start, wheel 10 5 6, wheel 1, wheel 0, wheel -10",
+         "mouseWheel 1 5 6 3, mouseWheel 1 0 0 1, mouseWheel 0 0 0 0, mouseWheel 0 0 0 -3"},
+        {"start, wheel 10, wheel -1", "mouseWheel 0 0 0 -3, mouseWheel 1 0 0 1", 1, true},
+        {"start, unfocus, destroy", "killFocus"},
+        {"start, down 1 1, update 1 1, up 1 1", touched},
+        {"start, down 0 1, update 0 1, up 0 1", touched},
+        {"start, down 2 1, update 2 1, up 2 1", "", 2},
+        {"start, down 1 0, update 1 0, up 1 0", ""},
+        {"start, down 1 0, update 1 0, up 1 0", touched, 2},
+        {"start, down 1 0, update 1 0, up 1 0", "", 3},
+        {"start, down 1 1, update 1 1, up 1 1", touched, 3},
+        {"start, down 1 1, update 1 1, up 1 1", "", 0},
+        {"start, down 1 1, update 1 1", "touch 1 10 20 7 0, touchMove 11 21 7", 1, false, true},
+    };
+    for (const Case& each : cases) {
+        const Source made(context, InputFormat(3, 2, each.touchType, 1), each.apple);
+        absolute->absolute = each.surfaceCoordinates;
+        absolute->calls.clear();
+        perform(each.script, *context, *made.source);
+        const std::string started = "registerTarget 1, start 1";
+        EXPECT_EQ(absolute->calls, started + (*each.calls != '\0' ? ", " : "") + each.calls)
+            << each.script;
+    }
+}
+
+TEST_F(GenericInputSourceTest, LogTellsClicksAndLostPointers) {
+    const Source made(context, InputFormat(3, 2, 1, 1));
+    absolute->absolute = true;
+    made.source->start();
+    const std::string name = "orbelantine::GenericInputSource::";
+    test::CapturedLog log(kLogDebug);
+    context->onMouseClickDown(IInputContext::MouseButtonLeft, 3, 4);
+    context->onMouseClickUp(IInputContext::MouseButtonRight, 3, 4);
+    context->onPointerUp(IInputContext::PointerPen, 7, 110, 220, true);
+    context->answers = false;
+    context->onPointerUpdate(IInputContext::PointerPen, 7, 110, 220, true);
+    EXPECT_EQ(
+        log.take(),
+        (std::vector<test::CapturedLog::Line>{
+            {kLogDebug, name + "onLButton() touch: 0, down: 1, x: 3, y: 4, id: 0"},
+            {kLogDebug, name + "onRButton() down:false."},
+            {kLogDebug, name + "processPointerEvent() touch: 1, down: 0, x: 10, y: 20, id: 7"},
+            {kLogError, name + "processPointerEvent() Unable to get pointer client position."}}));
+}
+
+TEST_F(GenericInputSourceTest, NothingStartsWithoutASurface) {
+    const Source made({}, InputFormat(3, 2, 1, 1));
+    test::CapturedLog log(kLogTrace);
+    made.source->start();
+    made.source->stop();
+    EXPECT_EQ(log.take(),
+              (std::vector<test::CapturedLog::Line>{
+                  {kLogTrace,
+                   "orbelantine::GenericInputSource::start() No input context, not starting"}}));
+    EXPECT_EQ(absolute->calls, "");
+}
+
+TEST_F(GenericInputSourceTest, KeyboardOfABadVersionFailsTheStart) {
+    const Source made(context, InputFormat(3, 2, 1, 1), false, "Nougat");
+    EXPECT_THROW(made.source->start(), std::invalid_argument);
+    context->onInputSurfaceLostFocus();
+    made.source->stop();
+    EXPECT_TRUE(context->onInputSurfaceLostFocus.empty());
+}
+
+TEST_F(GenericInputSourceTest, FrameOfAnotherElementGoesOn) {
+    const Source made(context, InputFormat(0));
+    made.source->onFrame(boost::make_shared<IInputMediaBufferKeyboard>(1, 0, 2, false));
+    EXPECT_EQ(
+        made.target->take(),
+        (std::vector<InputFrame>{{.mediaType = 9, .ch = 1, .extra = 2, .networkOrder = false}}));
+}
+
+InputFrame keyUp(std::uint8_t scanCode) {
+    return {.mediaType = 9, .ch = scanCode, .event = 1, .extra = 0xFFFFFFFF};
+}
+
+constexpr std::uint8_t kMarker = 250;
+
+/// All frames of the keys so far, waited for by one more key.
+std::vector<InputFrame> framesOf(test::FakeInputContext& context, test::RecordingTarget& target) {
+    context.simulateKey(true, kMarker, kMarker);
+    context.simulateKey(false, kMarker, kMarker);
+    return target.takeUpTo(keyUp(kMarker));
+}
+
+/// The keys that a phone holds after the frames; it knows keys by their scan codes alone.
+void press(std::set<std::uint8_t>& held, const std::vector<InputFrame>& frames) {
+    for (const InputFrame& frame : frames) {
+        if (frame.event == 1)
+            held.erase(frame.ch);
+        else if (frame.ch != 0)
+            held.insert(frame.ch);
+    }
+}
+
+/// One random event; a stop comes with the end of the link, at which the phone drops all keys.
+void step(std::mt19937& random, test::FakeInputContext& context, Source& made, bool& running,
+          std::set<std::uint8_t>& held) {
+    struct Key {
+        std::uint32_t vk, scanCode;
+    };
+
+    constexpr Key kKeys[] = {{17, 29}, {32, 57}, {91, 219}, {65, 30}, {66, 48}, {173, 0}, {174, 0}};
+    const Key& key = kKeys[random() % std::size(kKeys)];
+    const auto choice = random() % 100;
+    if (choice < 50) {
+        context.simulateKey(true, key.vk, key.scanCode,
+                            static_cast<std::int32_t>(random() % 4) - 1);
+    } else if (choice < 85) {
+        context.simulateKey(false, key.vk, key.scanCode);
+    } else if (choice < 90) {
+        context.simulateCharacter(65, random() % 2 == 0 ? 'a' : 0);
+    } else if (choice < 95) {
+        context.onInputSurfaceLostFocus();
+    } else if (running) {
+        made.source->stop();
+        (void)made.target->take();
+        held.clear();
+        running = false;
+    } else {
+        // Nothing came while it was stopped.
+        EXPECT_EQ(made.target->take(), std::vector<InputFrame>());
+        made.source->start();
+        running = true;
+    }
+}
+
+TEST_F(GenericInputSourceTest, PhoneHoldsNoKeyOnceTheFocusIsLost) {
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        std::mt19937 random(seed);
+        Source made(context, InputFormat(0, 2, 0, seed % 2), false, seed % 3 == 0 ? "" : "8.1");
+        std::set<std::uint8_t> held;
+        bool running = true;
+        made.source->start();
+        for (int i = 0; i < 100; ++i)
+            step(random, *context, made, running, held);
+        if (!running)
+            made.source->start();
+        context->onInputSurfaceLostFocus();
+        const auto frames = framesOf(*context, *made.target);
+        ASSERT_FALSE(frames.empty());
+        press(held, frames);
+        EXPECT_EQ(held, std::set<std::uint8_t>()) << "seed " << seed;
+        made.source->stop();
+    }
+}
+
+/// With the mouse source of the product.
+TEST(GenericInputSource, WindowsKeyboardHostAndStopMayRace) {
+    constexpr int kRestarts = 50;
+    const auto surface = boost::make_shared<test::FakeInputContext>();
+    const auto pen = boost::make_shared<test::FakeInputContext>();
+    const auto composite = boost::make_shared<InputContextComposite>();
+    composite->setMainInputContext(surface);
+    composite->addSecondaryContext("pen", pen);
+    Source made(composite, InputFormat(3, 2, 2, 1), false, "8.0");
+    std::atomic<bool> done = false;
+    const auto repeat = [&](auto act) {
+        return [&done, act] {
+            for (int i = 0; !done; ++i)
+                act(i);
+        };
+    };
+    std::thread window(repeat([&](int i) {
+        surface->onAbsoluteMouseMove(i, 1);
+        surface->simulateClick(i, 2);
+        surface->onRelativeMouseWheel(i, 3, 3);
+    }));
+    std::thread penWindow(repeat([&](int i) {
+        pen->onPointerDown(IInputContext::PointerPen, 1, i, 4, true);
+        pen->onPointerUp(IInputContext::PointerPen, 1, i, 4, true);
+        made.source->refresh();
+    }));
+    std::thread keyboard(repeat([&](int i) {
+        const auto code = static_cast<std::uint32_t>(i % 90 + 1);
+        surface->simulateKey(i % 3 != 0, code, code);
+        if (i % 50 == 0)
+            surface->onInputSurfaceLostFocus();
+    }));
+    for (int i = 0; i < kRestarts; ++i) {
+        EXPECT_EQ(made.target->take(), std::vector<InputFrame>());
+        made.source->start();
+        std::this_thread::yield();
+        made.source->stop();
+        (void)made.target->take();
+    }
+    done = true;
+    for (std::thread* thread : {&window, &penWindow, &keyboard})
+        thread->join();
+    made.source->start();
+    EXPECT_FALSE(framesOf(*surface, *made.target).empty());
+    // It goes with its events under way, without a stop.
+    std::thread last([&] { surface->onAbsoluteMouseMove(9, 9); });
+    made.source.reset();
+    last.join();
+    EXPECT_TRUE(composite->onKeyDown.empty());
+}
+
+} // namespace
+} // namespace orbelantine

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "core/common/OSAL.h"
+#include "hid/IBluetoothHIDDeviceClient.h"
+#include "input/IMouseSource.h"
+#include "tests/input/RecordingTarget.h"
+
+#include <sstream>
+#include <string>
+#include <utility>
+
+namespace orbelantine::test {
+
+/// Writes down its calls, one after the other.
+class FakeMouseSource : public IMouseSource {
+  public:
+    std::string calls;
+    bool absolute = false;
+
+    virtual ~FakeMouseSource() = default;
+
+    void registerTarget(const boost::shared_ptr<IMediaElement>& target) override {
+        record("registerTarget", dynamic_cast<test::RecordingTarget*>(target.get()) != nullptr);
+    }
+
+    void start(const boost::shared_ptr<IInputContext>& context) override {
+        record("start", context != nullptr);
+    }
+
+    void stop() override { record("stop"); }
+
+    bool isAbsolute() override { return absolute; }
+
+    void killFocus() override { record("killFocus"); }
+
+    void mouseMove(std::int32_t x, std::int32_t y, std::int32_t id) override {
+        record("mouseMove", x, y, id);
+    }
+
+    void mouseLButton(bool down, std::int32_t x, std::int32_t y, std::int32_t id,
+                      bool reconnect) override {
+        record("mouseLButton", down, x, y, id, reconnect);
+    }
+
+    void mouseRButton(bool down, std::int32_t x, std::int32_t y, bool reconnect) override {
+        record("mouseRButton", down, x, y, reconnect);
+    }
+
+    void touchMove(std::int32_t x, std::int32_t y, std::int32_t id) override {
+        record("touchMove", x, y, id);
+    }
+
+    void touch(bool down, std::int32_t x, std::int32_t y, std::int32_t id,
+               bool reconnect) override {
+        record("touch", down, x, y, id, reconnect);
+    }
+
+    void rawMouseMove(std::int32_t dx, std::int32_t dy) override { record("rawMouseMove", dx, dy); }
+
+    void mouseWheel(bool up, std::int32_t x, std::int32_t y, std::int32_t amount) override {
+        record("mouseWheel", up, x, y, amount);
+    }
+
+  private:
+    template <class... Values>
+    void record(const char* call, Values... values) {
+        std::ostringstream text;
+        text << (calls.empty() ? "" : ", ") << call;
+        ((text << ' ' << values), ...);
+        calls += text.str();
+    }
+};
+
+class FakeHidDevice : public IBluetoothHIDDeviceClient {
+  public:
+    explicit FakeHidDevice(std::uint32_t type)
+        : mType(type) {}
+
+    virtual ~FakeHidDevice() = default;
+
+    std::uint32_t getType() override { return mType; }
+
+    bool setLocalDeviceName(const std::string&) override { return true; }
+
+    void restoreLocalDeviceName() override {}
+
+  private:
+    std::uint32_t mType;
+};
+
+/// As long as it lives, the factory gives `object` for an implementation's name.
+template <class Interface>
+class Standin final : public OSALCreator<Interface> {
+  public:
+    Standin(const char* interfaceName, const char* name, boost::shared_ptr<Interface> object)
+        : mName(name)
+        , mObject(std::move(object))
+        , mReplaced(OSALFactory::instance().retrieveFactory(interfaceName, name)) {
+        OSALFactory::registerFactory(mName, static_cast<OSALCreatorBase*>(this));
+    }
+
+    ~Standin() override { OSALFactory::registerFactory(mName, mReplaced); }
+
+    [[nodiscard]] boost::shared_ptr<Interface> create(const KVStore&) const override {
+        return mObject;
+    }
+
+  private:
+    const char* mName;
+    boost::shared_ptr<Interface> mObject;
+    void* mReplaced;
+};
+
+} // namespace orbelantine::test
