@@ -35,6 +35,7 @@ trap 'exit 143' TERM
 
 start_phone() {
     "$build/bin/virtual_phone" --devices "$work/devices" --ready-file "$work/ready" \
+        --acceleration android --control "$work/control" \
         --log "$output/phone.jsonl" --picture "$output/phone.svg" >/dev/null &
     phone=$!
     for _ in $(seq 200); do
@@ -53,7 +54,8 @@ start_host() {
     (
         trap - INT
         export LD_LIBRARY_PATH=$build/bin ORBELANTINE_DEVICE_DIR=$work/devices
-        exec "${run[@]}" "$session" --phone-log "$output/phone.jsonl" --log-folder "$output"
+        exec "${run[@]}" "$session" --phone-log "$output/phone.jsonl" \
+            --phone-control "$work/control" --log-folder "$output"
     ) <&0 &
     host=$!
 }

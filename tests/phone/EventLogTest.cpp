@@ -23,11 +23,13 @@ TEST(JsonObject, WritesEachKindOfValue) {
                                   .add("byte", std::uint8_t{200})
                                   .add("most", std::uint64_t{18446744073709551615U})
                                   .add("least", std::int16_t{-32768})
+                                  .add("part", 2.5)
                                   .add("items", std::vector<std::uint8_t>{1, 2})
                                   .add("none", std::vector<int>{})
                                   .add("inner", JsonObject().add("text", std::string("x")));
-    EXPECT_EQ(object.text(), R"({"yes":true,"byte":200,"most":18446744073709551615,)"
-                             R"("least":-32768,"items":[1,2],"none":[],"inner":{"text":"x"}})");
+    EXPECT_EQ(object.text(),
+              R"({"yes":true,"byte":200,"most":18446744073709551615,)"
+              R"("least":-32768,"part":2.5,"items":[1,2],"none":[],"inner":{"text":"x"}})");
 }
 
 TEST(JsonObject, EscapesWhatWouldEndTheTextOrTheLine) {

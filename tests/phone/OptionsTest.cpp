@@ -30,7 +30,8 @@ std::string errorOf(Arguments arguments) {
 TEST(Options, DefaultsAreAWellBehavedPhone) {
     const Options options = optionsOf({});
     EXPECT_EQ(toText(options.address), "00:11:22:33:44:55");
-    EXPECT_EQ(options.screen, (ScreenSize{1080, 2340}));
+    EXPECT_EQ(options.screen, (Screen{1080, 2340, 1, 1}));
+    EXPECT_EQ(options.acceleration, Acceleration::None);
     EXPECT_EQ(options.faults.driverVersion, 4);
     EXPECT_FALSE(options.faults.refuseControl || options.faults.refuseInterrupt ||
                  options.faults.keepAfterUnplug || options.faults.garbage ||
@@ -38,13 +39,32 @@ TEST(Options, DefaultsAreAWellBehavedPhone) {
 }
 
 TEST(Options, EachOptionReachesItsField) {
-    const Options options =
-        optionsOf({"--devices", "d", "--address=aa:Bb:0c:1D:2e:3F", "--screen", "720x1280",
-                   "--name", "N", "--log", "l", "--picture=p=q", "--ready-file", "r"});
+    const Options options = optionsOf({"--devices",
+                                       "d",
+                                       "--address=aa:Bb:0c:1D:2e:3F",
+                                       "--screen",
+                                       "720x1280",
+                                       "--scale",
+                                       "2.5",
+                                       "--rotation",
+                                       "4",
+                                       "--acceleration",
+                                       "curve",
+                                       "--control",
+                                       "c",
+                                       "--name",
+                                       "N",
+                                       "--log",
+                                       "l",
+                                       "--picture=p=q",
+                                       "--ready-file",
+                                       "r"});
     EXPECT_EQ(options.devices, "d");
     EXPECT_EQ(toText(options.address), "AA:BB:0C:1D:2E:3F");
     EXPECT_EQ(toDigits(options.address), "aabb0c1d2e3f");
-    EXPECT_EQ(options.screen, (ScreenSize{720, 1280}));
+    EXPECT_EQ(options.screen, (Screen{720, 1280, 2.5, 4}));
+    EXPECT_EQ(options.acceleration, Acceleration::Curve);
+    EXPECT_EQ(options.control, "c");
     EXPECT_EQ(options.name, "N");
     EXPECT_EQ(options.log, "l");
     EXPECT_EQ(options.picture, "p=q");
@@ -70,9 +90,10 @@ TEST(Options, HelpNamesEveryOption) {
     const Arguments arguments = {"--garbage", "--help", "--unknown"};
     EXPECT_TRUE(
         std::holds_alternative<HelpWanted>(parseOptions({arguments.begin(), arguments.size()})));
-    for (const char* name : {"--devices", "--address", "--screen", "--name", "--log", "--picture",
-                             "--ready-file", "--refuse", "--late", "--version", "--vanish-after",
-                             "--return-after", "--keep-after-unplug", "--garbage", "--help"})
+    for (const char* name :
+         {"--devices", "--address", "--screen", "--name", "--log", "--picture", "--ready-file",
+          "--scale", "--rotation", "--acceleration", "--control", "--refuse", "--late", "--version",
+          "--vanish-after", "--return-after", "--keep-after-unplug", "--garbage", "--help"})
         EXPECT_NE(helpText().find(std::string("  ") + name + " "), std::string::npos) << name;
 }
 
@@ -102,6 +123,12 @@ TEST(Options, BadValuesAreRefused) {
         {"--screen", "99x2340"},
         {"--screen", "1080x10001"},
         {"--screen", "1080x2340x"},
+        {"--scale", "0"},
+        {"--scale", "nan"},
+        {"--rotation", "0"},
+        {"--rotation", "5"},
+        {"--acceleration", "ios"},
+        {"--control="},
         {"--late", "-1"},
         {"--late", "600001"},
         {"--late", "5 "},

@@ -79,6 +79,20 @@ TEST_F(PictureTest, EveryClickAndScrollHasItsSign) {
               1U);
 }
 
+TEST_F(PictureTest, TargetsHaveALineToTheirClick) {
+    const auto rings = [this] {
+        return countElements(parsed(draw()), "circle", [](const ptree& circle) {
+            return circle.get<std::string>("<xmlattr>.stroke", "") == "#dc2626";
+        });
+    };
+    EXPECT_EQ(rings(), 1U) << "the legend's";
+    mPhone.setTarget({540, 1170});
+    mPhone.setTarget({0, 0});
+    EXPECT_EQ(rings(), 3U);
+    report({0xA1, 1, 1, 27, 0, 0, 0, 0, 0});
+    EXPECT_NE(draw().find(R"(x1="184.8" y1="400.2" x2="194" y2="400.2")"), std::string::npos);
+}
+
 TEST_F(PictureTest, PathIsDrawnFromTheStartToTheCursor) {
     report({0xA1, 1, 0, 27, 0, 0, 0, 0, 0});
     const std::string document = draw();
@@ -109,7 +123,7 @@ TEST_F(PictureTest, HostileNameLeavesTheDocumentWellFormed) {
 }
 
 TEST_F(PictureTest, NarrowScreensDrawWithoutATextField) {
-    for (const ScreenSize screen : {ScreenSize{100, 10'000}, ScreenSize{10'000, 100}}) {
+    for (const Screen screen : {Screen{100, 10'000}, Screen{10'000, 100}}) {
         const Phone narrow(screen, mLog);
         parsed(drawPicture("Narrow", "", narrow));
     }

@@ -2,6 +2,9 @@
 
 #include "tools/virtual_phone/Utf8.h"
 
+#include <array>
+#include <charconv>
+
 namespace orbelantine::phone {
 
 namespace {
@@ -34,6 +37,12 @@ std::string jsonText(std::string_view text) {
     for (const char32_t character : decodeUtf8(text))
         appendEscaped(out, character);
     return out + "\"";
+}
+
+std::string jsonNumber(double number) {
+    std::array<char, 32> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return {text.data(), end};
 }
 
 } // namespace orbelantine::phone

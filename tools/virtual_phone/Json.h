@@ -9,10 +9,13 @@ namespace orbelantine::phone {
 /// Quotes and escapes; what isn't UTF-8 becomes the replacement character.
 [[nodiscard]] std::string jsonText(std::string_view text);
 
+/// The shortest text that reads back as the same number, which is finite.
+[[nodiscard]] std::string jsonNumber(double number);
+
 /// One JSON object, written as it is built: keys keep their order and are not checked for repeats.
 class JsonObject {
   public:
-    /// A value is a bool, an integer, a text, an object, or a range of those.
+    /// A value is a bool, a number, a text, an object, or a range of those.
     template <typename T>
     JsonObject& add(std::string_view key, const T& value) {
         mMembers += mMembers.empty() ? "" : ",";
@@ -29,6 +32,8 @@ class JsonObject {
             return value ? "true" : "false";
         else if constexpr (std::is_integral_v<T>)
             return std::to_string(value);
+        else if constexpr (std::is_floating_point_v<T>)
+            return jsonNumber(value);
         else if constexpr (std::is_convertible_v<const T&, std::string_view>)
             return jsonText(value);
         else if constexpr (std::is_same_v<T, JsonObject>)

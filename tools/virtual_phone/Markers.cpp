@@ -26,6 +26,7 @@ constexpr Shape kShapes[] = {
      "M0 -9L4 -3L-4 -3ZM0 9L4 3L-4 3Z"},
 };
 
+constexpr const char* kTargetColour = "#dc2626";
 constexpr const char* kPointer = "M0 0L0 18L4.2 14.2L7 20.6L10 19.3L7.2 13L12.8 12.6Z";
 
 const Shape& shapeOf(MarkKind kind) {
@@ -68,6 +69,24 @@ void drawStart(SvgWriter& svg, Spot at) {
                         {"fill", "#ffffff"},
                         {"stroke", "#0d9488"},
                         {"stroke-width", 2.5}});
+}
+
+void drawTarget(SvgWriter& svg, Spot at) {
+    svg.leaf("circle", {{"cx", at.x},
+                        {"cy", at.y},
+                        {"r", 4},
+                        {"fill", "#ffffff"},
+                        {"stroke", kTargetColour},
+                        {"stroke-width", 2}});
+}
+
+void drawMiss(SvgWriter& svg, Spot target, Spot hit) {
+    svg.leaf("line", {{"x1", target.x},
+                      {"y1", target.y},
+                      {"x2", hit.x},
+                      {"y2", hit.y},
+                      {"stroke", kTargetColour},
+                      {"stroke-width", 1}});
 }
 
 void drawLabel(SvgWriter& svg, Spot mark, Side side, std::string_view text) {

@@ -28,6 +28,9 @@ void drawMark(SvgWriter& svg, MarkKind kind, Spot at);
 void drawCursor(SvgWriter& svg, Spot at);
 /// Where the path begins.
 void drawStart(SvgWriter& svg, Spot at);
+/// A place to click, and the line from it to where the click landed.
+void drawTarget(SvgWriter& svg, Spot at);
+void drawMiss(SvgWriter& svg, Spot target, Spot hit);
 /// A short text to the right of a mark, or to the left of it.
 enum class Side { Left, Right };
 void drawLabel(SvgWriter& svg, Spot mark, Side side, std::string_view text);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "tools/virtual_phone/Acceleration.h"
 #include "tools/virtual_phone/Address.h"
-#include "tools/virtual_phone/Cursor.h"
+#include "tools/virtual_phone/CommandLine.h"
+#include "tools/virtual_phone/Screen.h"
 
 #include <chrono>
 #include <cstdint>
@@ -30,24 +32,18 @@ struct Options {
     /// Empty for the default folder.
     std::string devices;
     Address address{{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
-    ScreenSize screen;
+    Screen screen;
+    Acceleration acceleration = Acceleration::None;
     std::string name = "Virtual phone";
     /// Files; empty for none.
     std::string log;
     std::string picture;
     std::string readyFile;
+    std::string control;
     Faults faults;
 };
 
-struct HelpWanted {};
-
-/// One line that says what is wrong with the command line and what to do next.
-struct UsageError {
-    std::string message;
-};
-
-/// Reads the arguments behind the program's name. "--name value" and "--name=value" both do, and
-/// the last of an option given twice counts.
+/// Reads the arguments behind the program's name.
 [[nodiscard]] std::variant<Options, HelpWanted, UsageError>
 parseOptions(std::span<const char* const> arguments);
 

@@ -68,10 +68,9 @@ JsonObject channelEvent(Channel channel, const char* name) {
 
 } // namespace
 
-Phone::Phone(ScreenSize screen, EventLog& log)
-    : mScreen(screen)
-    , mLog(log)
-    , mCursor(screen)
+Phone::Phone(const Screen& screen, EventLog& log, Acceleration acceleration, IClock& clock)
+    : mLog(log)
+    , mCursor(screen, acceleration, clock)
     , mTrace(mCursor.position()) {}
 
 void Phone::connected(Channel channel) {
@@ -81,6 +80,7 @@ void Phone::connected(Channel channel) {
 
 void Phone::disconnected(Channel channel) {
     JsonObject event = channelEvent(channel, "disconnected");
+    const std::uint8_t before = mButtons;
     if (channel == Channel::Interrupt) {
         event.add("held_keys", heldKeys(mKeyboard)).add("buttons", mButtons);
         mKeyboard = {};
@@ -88,6 +88,29 @@ void Phone::disconnected(Channel channel) {
         mTextField.resetLocks();
     }
     mLog.write(event);
+    logButtonChanges(before);
+}
+
+void Phone::setScreen(const Screen& screen) {
+    if (screen != this->screen()) {
+        mCursor.setScreen(screen);
+        mTrace = Trace(cursor());
+    }
+    mLog.write(JsonObject()
+                   .add("event", "screen")
+                   .add("screen", std::array{screen.width, screen.height})
+                   .add("scale", screen.scale)
+                   .add("rotation", screen.rotation));
+}
+
+void Phone::setAcceleration(Acceleration acceleration) {
+    mCursor.setAcceleration(acceleration);
+    mLog.write(JsonObject().add("event", "acceleration").add("kind", nameOf(acceleration)));
+}
+
+void Phone::setTarget(Point target) {
+    mTrace.aim(target);
+    mLog.write(JsonObject().add("event", "target").add("x", target.x).add("y", target.y));
 }
 
 Phone::Outcome Phone::receive(Channel channel, Bytes bytes) {
@@ -129,12 +152,14 @@ void Phone::receiveReport(Bytes bytes) {
         return error(malformed->reason, nameOf(Channel::Interrupt), bytes);
     ++mTally.reports;
     ++mTally.reportsByKind[report.index()];
+    const std::uint8_t before = mButtons;
     std::visit(
         [this](const auto& known) {
             if constexpr (!std::is_same_v<decltype(known), const Malformed&>)
                 take(known);
         },
         report);
+    logButtonChanges(before);
 }
 
 void Phone::take(const MouseReport& report) {
@@ -206,7 +231,7 @@ void Phone::moveBy(int dx, int dy) {
     mTally.dx += dx;
     mTally.dy += dy;
     mCursor.moveBy(dx, dy);
-    const bool sweeps = std::abs(dx) >= mScreen.width || std::abs(dy) >= mScreen.height;
+    const bool sweeps = std::abs(dx) >= screen().width || std::abs(dy) >= screen().height;
     const Stroke stroke = mButtons != 0 ? Stroke::Drag : Stroke::Move;
     mTrace.move(mCursor.position(), sweeps ? Stroke::Sweep : stroke);
 }
@@ -234,9 +259,23 @@ void Phone::press(std::uint8_t buttons) {
         if ((pressed & (1U << i)) == 0)
             continue;
         ++mTally.clicks[i];
-        mTrace.mark(static_cast<MarkKind>(i), mCursor.position());
+        mTrace.mark(static_cast<MarkKind>(i), cursor());
+        mTrace.hit(cursor());
     }
     mButtons = buttons;
+}
+
+void Phone::logButtonChanges(std::uint8_t before) {
+    const unsigned changed = unsigned{mButtons} ^ before;
+    for (std::size_t i = 0; i < kButtonNames.size(); ++i) {
+        if ((changed & (1U << i)) == 0)
+            continue;
+        mLog.write(JsonObject()
+                       .add("event", (mButtons & (1U << i)) != 0 ? "press" : "release")
+                       .add("button", kButtonNames[i])
+                       .add("x", cursor().x)
+                       .add("y", cursor().y));
+    }
 }
 
 void Phone::touch(bool tip) {

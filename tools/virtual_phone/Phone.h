@@ -26,8 +26,9 @@ class Phone {
         Unplug,
     };
 
-    /// `log` outlives the phone.
-    Phone(ScreenSize screen, EventLog& log);
+    /// `log` and `clock` outlive the phone.
+    Phone(const Screen& screen, EventLog& log, Acceleration acceleration = Acceleration::None,
+          IClock& clock = IClock::system());
 
     void connected(Channel channel);
     /// Without the interrupt channel nothing is held any longer.
@@ -38,7 +39,13 @@ class Phone {
     void error(std::string_view what, std::string_view where = {},
                std::span<const std::uint8_t> bytes = {});
 
-    [[nodiscard]] ScreenSize screen() const { return mScreen; }
+    /// The cursor stays where it is, if that is on the screen; what is drawn begins anew.
+    void setScreen(const Screen& screen);
+    void setAcceleration(Acceleration acceleration);
+    /// The place that a coming click is meant for.
+    void setTarget(Point target);
+
+    [[nodiscard]] const Screen& screen() const { return mCursor.screen(); }
 
     [[nodiscard]] Point cursor() const { return mCursor.position(); }
 
@@ -73,9 +80,9 @@ class Phone {
     void scroll(int amount);
     void press(std::uint8_t buttons);
     void touch(bool tip);
+    void logButtonChanges(std::uint8_t before);
     [[nodiscard]] JsonObject pointerEvent(const char* name) const;
 
-    ScreenSize mScreen;
     EventLog& mLog;
     Cursor mCursor;
     TextField mTextField;

@@ -18,7 +18,7 @@ constexpr double kMargin = 40;
 /// Of the phone's body around its screen.
 constexpr double kBezel = 14;
 constexpr double kPanelWidth = 270;
-constexpr double kPanelHeight = 640;
+constexpr double kPanelHeight = 668;
 constexpr const char* kPathStops[] = {"0", "0.5", "1"};
 
 struct Layout {
@@ -29,7 +29,7 @@ struct Layout {
     double height;
     double bodyY;
 
-    explicit Layout(ScreenSize size)
+    explicit Layout(Screen size)
         : screen(drawnSize(size))
         , body{screen.width + 2 * kBezel, screen.height + 2 * kBezel}
         , panelX(kMargin + body.width + kMargin)
@@ -211,6 +211,10 @@ void drawLegend(Panel& panel) {
     panel.sign("right click", mark(MarkKind::Right));
     panel.sign("middle click", mark(MarkKind::Middle));
     panel.sign("scroll, with its amount", mark(MarkKind::Scroll));
+    panel.sign("target, with a line to its click", [](SvgWriter& svg, Spot at) {
+        drawTarget(svg, {at.x - 8, at.y});
+        drawMiss(svg, {at.x - 8, at.y}, {at.x + 12, at.y - 4});
+    });
     panel.sign("start of the path", drawStart);
     panel.sign("cursor", [](SvgWriter& svg, Spot at) { drawCursor(svg, {at.x - 5, at.y - 9}); });
 }

@@ -40,7 +40,7 @@ std::string inHex(const Colour& colour) {
 /// Pixels of the phone to places in the picture.
 class Scale {
   public:
-    explicit Scale(ScreenSize screen)
+    explicit Scale(Screen screen)
         : mFactor(drawnSize(screen).width / screen.width) {}
 
     [[nodiscard]] Spot operator()(Point point) const {
@@ -142,6 +142,15 @@ void drawMarks(SvgWriter& svg, const Phone& phone) {
     }
 }
 
+/// Over the marks, so that a hit does not cover its target.
+void drawAims(SvgWriter& svg, const Trace& trace, const Scale& scale) {
+    for (const Aim& aim : trace.aims()) {
+        drawTarget(svg, scale(aim.target));
+        if (aim.hit)
+            drawMiss(svg, scale(aim.target), scale(*aim.hit));
+    }
+}
+
 void drawLineOfText(SvgWriter& svg, const TextLine& line, double x, double y) {
     svg.open("text", {{"x", x},
                       {"y", y},
@@ -204,7 +213,7 @@ void drawGlass(SvgWriter& svg, DrawnSize size) {
 
 } // namespace
 
-DrawnSize drawnSize(ScreenSize screen) {
+DrawnSize drawnSize(Screen screen) {
     const double factor = kLongestSide / std::max(screen.width, screen.height);
     return {screen.width * factor, screen.height * factor};
 }
@@ -224,11 +233,15 @@ void drawScreen(SvgWriter& svg, const Phone& phone) {
     const Scale scale(phone.screen());
     drawGlass(svg, size);
     drawTextField(svg, phone.textField(), size);
+    svg.open("clipPath", {{"id", "screen"}})
+        .leaf("rect", {{"width", size.width}, {"height", size.height}, {"rx", kCorner}})
+        .close();
     svg.open("g", {{"clip-path", "url(#screen)"}});
     drawPath(svg, phone.trace(), scale);
     svg.close();
     drawStart(svg, scale(phone.trace().start()));
     drawMarks(svg, phone);
+    drawAims(svg, phone.trace(), scale);
     drawCursor(svg, scale(phone.cursor()));
 }
 

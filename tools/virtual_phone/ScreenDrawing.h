@@ -12,7 +12,7 @@ struct DrawnSize {
 };
 
 /// The screen's size in the picture: as large as its proportions let it be.
-[[nodiscard]] DrawnSize drawnSize(ScreenSize screen);
+[[nodiscard]] DrawnSize drawnSize(Screen screen);
 
 /// The gradient from early to late, as the legend shows it; `at` is 0 to 1.
 [[nodiscard]] std::string pathColour(double at);

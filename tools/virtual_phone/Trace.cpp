@@ -1,5 +1,7 @@
 #include "tools/virtual_phone/Trace.h"
 
+#include <algorithm>
+
 namespace orbelantine::phone {
 
 void Trace::move(Point to, Stroke stroke) {
@@ -21,6 +23,20 @@ void Trace::mark(MarkKind kind, Point at, std::int64_t amount) {
         mMarks.push_back({kind, at});
     ++mMarks.back().count;
     mMarks.back().amount += amount;
+}
+
+void Trace::aim(Point target) {
+    constexpr std::size_t kHalf = kMaxAims / 2;
+    if (mAims.size() == kMaxAims) {
+        mAims.erase(mAims.begin(), mAims.begin() + kHalf);
+        mHits -= std::min(mHits, kHalf);
+    }
+    mAims.push_back({target, std::nullopt});
+}
+
+void Trace::hit(Point at) {
+    if (mHits < mAims.size())
+        mAims[mHits++].hit = at;
 }
 
 } // namespace orbelantine::phone

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "tools/virtual_phone/Cursor.h"
+#include "tools/virtual_phone/Screen.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace orbelantine::phone {
@@ -36,17 +37,29 @@ struct Mark {
     bool operator==(const Mark&) const = default;
 };
 
+/// A place to click, and where the click on it landed.
+struct Aim {
+    Point target;
+    std::optional<Point> hit;
+
+    bool operator==(const Aim&) const = default;
+};
+
 /// What the picture shows of a session: the latest steps and marks, so that memory stays bounded.
 class Trace {
   public:
     static constexpr std::size_t kMaxSteps = 20'000;
     static constexpr std::size_t kMaxMarks = 2'000;
+    static constexpr std::size_t kMaxAims = 2'000;
 
     explicit Trace(Point start)
         : mStart(start) {}
 
     void move(Point to, Stroke stroke);
     void mark(MarkKind kind, Point at, std::int64_t amount = 0);
+    void aim(Point target);
+    /// A click: at the earliest target that has none yet, if there is one.
+    void hit(Point at);
 
     /// Where the first of steps() begins.
     [[nodiscard]] Point start() const { return mStart; }
@@ -55,10 +68,14 @@ class Trace {
 
     [[nodiscard]] const std::vector<Mark>& marks() const { return mMarks; }
 
+    [[nodiscard]] const std::vector<Aim>& aims() const { return mAims; }
+
   private:
     Point mStart;
     std::vector<Step> mSteps;
     std::vector<Mark> mMarks;
+    std::vector<Aim> mAims;
+    std::size_t mHits = 0;
 };
 
 } // namespace orbelantine::phone

@@ -1,6 +1,8 @@
 #include "tools/virtual_phone/linux/DeviceServer.h"
 
 #include "tests/phone/linux/TestHost.h"
+#include "tools/virtual_phone/Control.h"
+#include "tools/virtual_phone/linux/ControlPipe.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -140,6 +142,35 @@ TEST_F(DeviceServerTest, HostThatNeverRestsCannotPutOffTheStopForever) {
     mNow = Milliseconds(500);
     host.send(packet::kRelease);
     EXPECT_FALSE(server().step());
+}
+
+TEST_F(DeviceServerTest, ControlLinesOfAnyWriterCountBeforeTheReports) {
+    Control control(mPhone, nullptr);
+    const std::string path = mFolder / "control";
+    ControlPipe pipe(path, control);
+    server().setControl(pipe);
+    const TestHost interrupt = openHost();
+    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+    interrupt.send({0, 0, 0, 0, 0xA1, 1, 1, 5, 0, 0, 0, 0, 0});
+    for (const char* text : {"target 5", "0 60\nscre", "en 300 200 2 2\ntarget 1 2\n"})
+        std::ofstream(path) << text;
+    EXPECT_TRUE(run());
+    EXPECT_EQ(mPhone.screen(), (Screen{300, 200, 2, 2}));
+    EXPECT_EQ(mPhone.trace().aims(), (std::vector<Aim>{{{1, 2}, Point{50, 55}}}));
+}
+
+TEST_F(DeviceServerTest, ControlTakesThePlaceOfAStaleFifoOnly) {
+    Control control(mPhone, nullptr);
+    const std::string path = mFolder / "control";
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    {
+        const ControlPipe pipe(path, control);
+        EXPECT_THROW(ControlPipe(path, control), std::runtime_error) << "of another phone";
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+    std::ofstream(path) << "mine";
+    EXPECT_THROW(ControlPipe(path, control), std::runtime_error);
+    EXPECT_EQ(std::filesystem::file_size(path), 4U);
 }
 
 TEST_F(DeviceServerTest, MalformedPacketsLeaveTheHandleInUse) {

@@ -1,5 +1,7 @@
 #include "tools/virtual_phone/linux/DeviceServer.h"
 
+#include "tools/virtual_phone/linux/ControlPipe.h"
+
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -22,7 +24,8 @@ constexpr std::chrono::milliseconds kLongestDrain{500};
 // Places in the poll list; the connections follow.
 constexpr std::size_t kStopPlace = 0;
 constexpr std::size_t kListenerPlace = 1;
-constexpr std::size_t kFirstConnectionPlace = 2;
+constexpr std::size_t kControlPlace = 2;
+constexpr std::size_t kFirstConnectionPlace = 3;
 
 std::string folderOf(const Options& options) {
     const std::string folder = options.devices.empty() ? defaultDeviceFolder() : options.devices;
@@ -53,6 +56,9 @@ bool DeviceServer::step(std::optional<Milliseconds> longest) {
     }
     if (stops(polled))
         return false;
+    // What a host says of the screen and the targets comes before the reports that it sent next.
+    if (polled[kControlPlace].revents != 0)
+        mControl->read();
     serve(polled);
     // New handles come last, so that a handle closed before another was opened is closed here too.
     if (!mVanishes && polled[kListenerPlace].revents != 0)
@@ -73,7 +79,8 @@ void DeviceServer::hangUp() {
 
 std::vector<pollfd> DeviceServer::pollList() const {
     std::vector<pollfd> list = {{mStopDescriptor, POLLIN, 0},
-                                {mSocket ? mSocket->descriptor() : -1, POLLIN, 0}};
+                                {mSocket ? mSocket->descriptor() : -1, POLLIN, 0},
+                                {mControl != nullptr ? mControl->descriptor() : -1, POLLIN, 0}};
     for (const Connection& connection : mConnections)
         list.push_back({connection.socket.get(), POLLIN | POLLRDHUP, 0});
     return list;

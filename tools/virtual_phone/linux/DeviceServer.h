@@ -16,6 +16,8 @@
 
 namespace orbelantine::phone {
 
+class ControlPipe;
+
 /// Carries packets between the device's socket and the driver: each connection is one open device
 /// handle, and the hang-up is the device's removal. Everything happens in step(), on its thread.
 class DeviceServer {
@@ -38,6 +40,16 @@ class DeviceServer {
 
     /// Waits for something to do, at most `longest`, and does it. False once the server is to end.
     [[nodiscard]] bool step(std::optional<Milliseconds> longest = std::nullopt);
+
+    /// Serves the control input too from here on; `control` outlives the last step.
+    void setControl(ControlPipe& control) { mControl = &control; }
+
+    /// At the end of this step: disappears, to come back after so long.
+    void vanishFor(Milliseconds time) {
+        mReturnAfter = time;
+        mVanishes = true;
+    }
+
     /// Closes every handle.
     void hangUp();
 
@@ -77,6 +89,7 @@ class DeviceServer {
     Milliseconds mLate;
     std::optional<Milliseconds> mReturnAfter;
     int mStopDescriptor;
+    ControlPipe* mControl = nullptr;
     std::optional<DeviceSocket> mSocket;
     std::vector<Connection> mConnections;
     std::optional<Milliseconds> mReturnAt;

@@ -1,6 +1,8 @@
 #include "tools/virtual_phone/linux/Program.h"
 
+#include "tools/virtual_phone/Control.h"
 #include "tools/virtual_phone/Picture.h"
+#include "tools/virtual_phone/linux/ControlPipe.h"
 #include "tools/virtual_phone/linux/DeviceServer.h"
 #include "tools/virtual_phone/linux/StopSignal.h"
 
@@ -13,6 +15,7 @@
 #include <cstring>
 #include <exception>
 #include <fstream>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <utility>
@@ -76,7 +79,10 @@ JsonObject startEvent(const Options& options) {
         .add("event", "start")
         .add("name", options.name)
         .add("address", toText(options.address))
-        .add("screen", std::array{options.screen.width, options.screen.height});
+        .add("screen", std::array{options.screen.width, options.screen.height})
+        .add("scale", options.screen.scale)
+        .add("rotation", options.screen.rotation)
+        .add("acceleration", nameOf(options.acceleration));
 }
 
 void drawTo(const std::string& path, const Options& options, const Phone& phone) {
@@ -89,13 +95,17 @@ void run(const Options& options, std::ostream& out) {
     const Now now = sinceHere();
     std::ofstream logFile;
     EventLog log(options.log.empty() ? nullptr : &logFile, now);
-    Phone phone(options.screen, log);
+    Phone phone(options.screen, log, options.acceleration);
     Driver driver(options.address, options.faults, phone, log);
     // Listening comes before any file: a second phone must not overwrite those of the first.
     DeviceServer server({driver, log, now}, options, stop.descriptor());
 
     openLog(logFile, options.log);
     log.write(startEvent(options));
+    Control control(phone, [&server](std::chrono::milliseconds time) { server.vanishFor(time); });
+    std::optional<ControlPipe> pipe;
+    if (!options.control.empty())
+        server.setControl(pipe.emplace(options.control, control));
     // That the picture can't be written is said before the session, not after it.
     drawTo(options.picture, options, phone);
     const ReadyFile ready(options.readyFile, server.path() + "\n");

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tools/aim_report/Trials.h"
+#include "tools/virtual_phone/CommandLine.h"
+
+#include <span>
+#include <string>
+#include <variant>
+
+namespace orbelantine::aim {
+
+struct Options {
+    Grid grid;
+    /// Files; empty for none.
+    std::string csv;
+    std::string picture;
+    /// The one to draw.
+    Setup drawn;
+};
+
+/// Reads the arguments behind the program's name.
+[[nodiscard]] std::variant<Options, phone::HelpWanted, phone::UsageError>
+parseOptions(std::span<const char* const> arguments);
+
+[[nodiscard]] std::string helpText();
+
+} // namespace orbelantine::aim

@@ -1,0 +1,91 @@
+#include "tools/aim_report/Options.h"
+#include "tools/aim_report/Report.h"
+#include "tools/aim_report/Table.h"
+#include "tools/virtual_phone/Picture.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+
+namespace orbelantine::aim {
+
+namespace {
+
+constexpr int kRotations = 4;
+/// Drags on the other rotations err in the same ways.
+constexpr int kDraggedRotations = 2;
+constexpr Grid kDrawnGrid = {5, 9};
+
+void writeFile(const std::string& path, const std::string& text) {
+    std::ofstream file(path, std::ios::trunc | std::ios::binary);
+    if (!(file << text << std::flush))
+        throw std::runtime_error("cannot write " + path);
+}
+
+Run measure(const Setup& setup, Grid grid) {
+    Rig rig(setup);
+    Run run{setup, clickGrid(rig, grid), {}};
+    if (setup.rotation <= kDraggedRotations)
+        run.drags = dragAround(rig);
+    return run;
+}
+
+std::vector<Run> measureAll(Grid grid) {
+    std::vector<Run> runs;
+    for (int rotation = 1; rotation <= kRotations; ++rotation)
+        for (const bool scaled : {false, true})
+            runs.push_back(measure({rotation, scaled}, grid));
+    return runs;
+}
+
+std::string draw(const Setup& setup, Grid grid) {
+    Rig rig(setup);
+    const auto trials = clickGrid(
+        rig, {std::min(grid.columns, kDrawnGrid.columns), std::min(grid.rows, kDrawnGrid.rows)});
+    const std::string hits = oneDigit(Errors(trials).within3) + " % within 3 pixels";
+    return phone::drawPicture("Rotation " + nameOf(setup), hits, rig.phone());
+}
+
+void report(const Options& options) {
+    // That a file can't be written is said before the work, not after it.
+    for (const std::string& path : {options.csv, options.picture})
+        if (!path.empty())
+            writeFile(path, "");
+    const std::vector<Run> runs = measureAll(options.grid);
+    std::cout << reportOf(runs) << std::flush;
+    if (!options.csv.empty())
+        writeFile(options.csv, csvOf(runs));
+    if (!options.picture.empty())
+        writeFile(options.picture, draw(options.drawn, options.grid));
+}
+
+int run(std::span<const char* const> arguments) {
+    const auto parsed = parseOptions(arguments);
+    if (const auto* error = std::get_if<phone::UsageError>(&parsed)) {
+        std::cerr << error->message << '\n';
+        return 2;
+    }
+    if (std::holds_alternative<phone::HelpWanted>(parsed)) {
+        std::cout << helpText();
+        return 0;
+    }
+    try {
+        report(std::get<Options>(parsed));
+        return 0;
+    } catch (const std::exception& failure) {
+        std::cerr << "aim_report: " << failure.what() << '\n';
+        return 1;
+    }
+}
+
+} // namespace
+
+} // namespace orbelantine::aim
+
+int main(int argc, char** argv) {
+    const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
+    return orbelantine::aim::run(arguments.subspan(1));
+}

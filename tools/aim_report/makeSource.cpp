@@ -1,0 +1,15 @@
+#include "tools/aim_report/makeSource.h"
+
+#include "input/MouseSettingsApi.h"
+#include "input/RelativeMouseSource.h"
+
+#include <boost/smart_ptr/make_shared_object.hpp>
+
+namespace orbelantine::aim {
+
+boost::shared_ptr<IMouseSource> makeSource(const KVStore& configuration, IClock& clock) {
+    return boost::make_shared<RelativeMouseSource>(configuration, MouseSettingsApi::system(),
+                                                   clock);
+}
+
+} // namespace orbelantine::aim
