@@ -1,2 +1,13 @@
 %module(directors="1") Bluetooth
 %include "binding/overlay/overlay.i"
+%import "binding/Common.i"
+
+%{
+#include "binding/BluetoothCallbackFamilies.h"
+#include "bluetooth/IBluetoothService.h"
+%}
+
+ORB_SHARED(orbelantine::BluetoothPeer)
+ORB_SHARED(orbelantine::IBluetoothService)
+
+%include "binding/peers.i"

@@ -48,6 +48,14 @@ boost::function<Signature> functionOf(const boost::function<Signature>* handle) 
     return handle ? *handle : boost::function<Signature>();
 }
 
+/// A completion that may be called: one that does nothing for no function and for an empty one.
+inline boost::function<void(boost::system::error_code)>
+completionOf(const boost::function<void(boost::system::error_code)>* handle) {
+    if (handle && !handle->empty())
+        return *handle;
+    return [](boost::system::error_code) {};
+}
+
 template <class Signature>
 boost::signals2::connection connect(boost::signals2::signal<Signature>& signal,
                                     const boost::function<Signature>* slot) {

@@ -2,6 +2,7 @@
 %include "binding/overlay/overlay.i"
 %import "binding/Common.i"
 %import "binding/AVStackBase.i"
+%import "binding/Bluetooth.i"
 
 %{
 #include "avstack/IInputMediaBufferKeyboard.h"
@@ -15,12 +16,22 @@
 #include "hid/HIDDeviceClient.h"
 #include "hid/HIDEventsPacker.h"
 #include "hid/HIDReportProvider.h"
+#include "hid/HidInputClient.h"
+#include "hid/IBluetoothSDPController.h"
+#include "input/IRemoteMouseInfoProvider.h"
+#include "input/IWindowState.h"
+#include "input/InputContextComposite.h"
 %}
 
 ORB_SHARED(orbelantine::IInputMediaBufferMouse)
 ORB_SHARED(orbelantine::IInputMediaBufferKeyboard)
 ORB_SHARED(orbelantine::IInputMediaBufferTouch)
 ORB_SHARED(orbelantine::IInputContext)
+ORB_SHARED(orbelantine::InputContextComposite)
+ORB_SHARED(orbelantine::IWindowState)
+ORB_SHARED(orbelantine::IRemoteMouseInfoProvider)
+ORB_SHARED(orbelantine::IBluetoothSDPController)
+ORB_SHARED(orbelantine::HidInputClient)
 ORB_SHARED(orbelantine::IInputSource)
 ORB_SHARED(orbelantine::IInputTarget)
 ORB_SHARED(orbelantine::IHIDDeviceClient)
@@ -32,5 +43,6 @@ ORB_SHARED(orbelantine::HIDReportProvider)
 %include "binding/inputbuffers.i"
 %include "binding/hid.i"
 %include "binding/inputcontexts.i"
+%include "binding/hidclient.i"
 
 %template(HIDDescriptorsMap) std::map< orbelantine::InputFormat::DeviceType, boost::shared_ptr< orbelantine::IMediaBuffer > >;

@@ -24,5 +24,7 @@ write_out(functionInt "boost::function< void (int) >")
 write_out(functionErrorCode "boost::function< void (boost::system::error_code) >")
 write_out(functionString "boost::function< void (std::string) >")
 write_out(functionStringErrorCode "boost::function< void (std::string,boost::system::error_code) >")
+write_out(sharedPeer "boost::shared_ptr< orbelantine::BluetoothPeer >")
+write_out(vectorPeer "std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > >")
 
 file(WRITE "${WRAPPER}" "${text}")

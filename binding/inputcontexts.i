@@ -50,6 +50,48 @@ public:
   %mutable;
 };
 
+class InputContextComposite : public orbelantine::IInputContext {
+public:
+  InputContextComposite();
+  void setMainInputContext(boost::shared_ptr< orbelantine::IInputContext > const &context);
+  void addSecondaryContext(const std::string &id, boost::shared_ptr< orbelantine::IInputContext > const &context);
+  void removeSecondaryContext(const std::string &id);
+  uint16_t convertVKCodeToUnicode(uint32_t vk);
+  uint32_t mapVK(uint32_t index);
+  uint32_t mapScan(uint32_t index);
+  void lockSystemMouse();
+  void unlockSystemMouse(int32_t x = -1, int32_t y = -1);
+  int32_t getSystemMouseSpeed();
+  bool screenToInputSurface(orbelantine::IInputContext::Point &point);
+  bool inputSurfaceToScreen(orbelantine::IInputContext::Point &point);
+  bool getInputSurfaceRectWithinScreen(orbelantine::IInputContext::Rect &rect);
+  void setCaptureMouseExclusively();
+  void releaseCaptureMouseExclusively();
+};
+
+%feature("director") orbelantine::IWindowState;
+
+class IWindowState {
+public:
+  virtual ~IWindowState();
+  virtual bool getHovered() = 0;
+  virtual bool getFocued() = 0;
+};
+
+%feature("director") orbelantine::IRemoteMouseInfoProvider;
+
+class IRemoteMouseInfoProvider {
+public:
+  virtual ~IRemoteMouseInfoProvider();
+  virtual void start(boost::function< void (boost::system::error_code) > completion) = 0;
+  virtual void stop(boost::function< void (boost::system::error_code) > completion) = 0;
+  %immutable;
+  boost::signals2::signal< void (int,int) > onCursorMove;
+  boost::signals2::signal< void (int,int) > onCursorViewPortChanged;
+  boost::signals2::signal< void (int,int,double,int) > onLogicalDimensionsChanged;
+  %mutable;
+};
+
 }
 
 %include "binding/CallbackTableInput.inc"

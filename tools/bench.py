@@ -19,6 +19,7 @@ RATIO_LIMITS = {
     "Signal": 1.1,
     "SendReport": 1.3,
     "SendMouseMove": 1.3,
+    "InputRoad": 1.5,
     "Reverse": 1.3,
     # 0.7 of the throughput.
     "PostEvent": 1.43,

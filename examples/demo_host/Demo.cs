@@ -14,6 +14,7 @@ namespace Orbelantine.DemoHost
 
         private readonly Options options;
         private readonly StopSignal stop;
+        private readonly Timeline timeline = new Timeline();
 
         public Demo(Options options, StopSignal stop)
         {
@@ -25,17 +26,20 @@ namespace Orbelantine.DemoHost
         public int Run(IReadOnlyCollection<Action<Player>> steps)
         {
             using (PhoneLog phoneLog = options.PhoneLog == null ? null : new PhoneLog(options.PhoneLog))
-            using (var link = new Link(stop))
+            using (var control = new PhoneControl(options.PhoneControl))
+            using (var link = new Link(options.Address, timeline))
             {
-                string failure = link.Connect(options.Address);
+                string failure = link.Connect();
                 if (failure != null)
                     return MissPhone(failure);
                 Console.WriteLine("connected to " + options.Address + ", playing " + steps.Count + " steps");
-                var player = new Player(link.Provider, stop);
+                var player = new Player(link, control, timeline, stop);
+                player.ChangePhone(1080, 2340, 1, 1);
                 player.Play(steps);
-                if (phoneLog != null && !stop.IsSet)
-                    phoneLog.WaitForReports(player.Sent.Reports, Patience, stop);
-                return Conclude(player.Sent, phoneLog?.Received);
+                if (!stop.IsSet)
+                    phoneLog?.WaitFor(player.Sent, Patience, stop);
+                link.Disconnect();
+                return Conclude(player, phoneLog);
             }
         }
 
@@ -47,34 +51,31 @@ namespace Orbelantine.DemoHost
             return NoPhone;
         }
 
-        private int Conclude(Tally sent, Tally received)
+        private int Conclude(Player player, PhoneLog phoneLog)
         {
             if (stop.IsInterrupted)
             {
-                Console.Error.WriteLine("DemoHost: interrupted after " + sent.Reports + " reports; no key is held");
+                Console.Error.WriteLine("DemoHost: interrupted after " + player.Sent.KeyPresses + " keys and " + player.Sent.Clicks +
+                                        " clicks; nothing is held");
                 return Interrupted;
             }
-            if (stop.IsLost)
-            {
-                Console.Error.WriteLine("DemoHost: the phone went away after " + sent.Reports + " reports; start it again");
-                return Differs;
-            }
-            if (received == null)
-            {
-                Console.WriteLine("sent " + sent.Reports + " reports; --phone-log compares them with what the phone received");
-                return Agrees;
-            }
-            return Compare(sent, received);
+            Console.WriteLine();
+            Console.WriteLine(timeline);
+            if (phoneLog != null)
+                return Compare(player, phoneLog);
+            Console.WriteLine("sent " + player.Sent.KeyPresses + " keys and " + player.Sent.Clicks +
+                              " clicks; --phone-log compares them with what the phone received");
+            return Agrees;
         }
 
-        private static int Compare(Tally sent, Tally received)
+        private static int Compare(Player player, PhoneLog phoneLog)
         {
-            var summary = new Summary(sent, received);
+            var summary = new Summary(player.Sent, phoneLog.Received);
             Console.WriteLine();
             Console.WriteLine(summary);
             Console.WriteLine();
-            if (sent.Scrolls > 0)
-                Console.WriteLine("A scroll travels without its amount through this provider: the wheel stays at 0.");
+            if (player.Targets.Count > 0)
+                Console.WriteLine(new Aim(player.Targets, phoneLog.Landings));
             if (summary.Differences.Count > 0)
                 Console.Error.WriteLine("DemoHost: the phone received something else than was sent: " + string.Join(", ", summary.Differences));
             else

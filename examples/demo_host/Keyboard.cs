@@ -9,12 +9,20 @@ namespace Orbelantine.DemoHost
         public byte ScanCode;
         public bool Shift;
         public string Text;
+
+        /// <summary>As Windows numbers it; 0 for a key that the demo knows by its scan code alone.</summary>
+        public uint VirtualKey
+        {
+            get { return Text.Length == 1 && char.IsLetterOrDigit(Text[0]) || Text == " " ? char.ToUpperInvariant(Text[0]) : 0u; }
+        }
     }
 
     /// <summary>The keys of a US keyboard, by character and by name.</summary>
     public static class Keyboard
     {
         public const byte LeftShift = 42;
+        /// <summary>The virtual key of both Shifts.</summary>
+        public const uint ShiftKey = 16;
 
         // Neighbouring scan codes, without Shift and with it.
         private static readonly (byte First, string Plain, string Shifted)[] Rows =

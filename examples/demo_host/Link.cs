@@ -1,71 +1,118 @@
 using System;
-using System.Runtime.InteropServices;
+using System.Threading;
+using Orbelantine.Swig.bluetooth;
 using Orbelantine.Swig.common;
 using Orbelantine.Swig.input;
 
 namespace Orbelantine.DemoHost
 {
-    /// <summary>The connection to the phone, and the provider of its reports.</summary>
+    /// <summary>The connection to the phone, and the surface whose input goes there.</summary>
     public sealed class Link : IDisposable
     {
         private readonly KVStore configuration = new KVStore();
-        private readonly HIDDeviceClient device = new HIDDeviceClient();
+        private readonly InputContextComposite composite = new InputContextComposite();
+        private readonly BluetoothPeer peer;
+        private readonly Timeline timeline;
+        private readonly HidInputClient client;
 
-        /// <summary>Tells `stop` when a report finds no phone.</summary>
-        public Link(StopSignal stop)
+        public Link(string address, Timeline timeline)
         {
-            Provider = new HIDReportProvider(configuration);
-            Provider.setDevice(device);
-            using (var function = new ErrorCodeCallback(new LostCallback(stop)))
-                device.onDisconnected.connect(function).Dispose();
+            this.timeline = timeline;
+            using (var parsed = new CMacAddress(address))
+                peer = new BluetoothPeer(parsed);
+            configuration.setStringAt("hint", "android");
+            composite.setMainInputContext(Surface);
+            client = new HidInputClient(configuration);
+            client.setInputContext(composite);
+            Listen();
         }
 
-        public HIDReportProvider Provider { get; }
+        public Surface Surface { get; } = new Surface();
 
         /// <summary>Null, or why there is no connection.</summary>
-        public string Connect(string address)
+        public string Connect()
         {
-            using (error_code code = device.connect(address))
-                return code.value() == 0 ? null : "error " + code.value() + ", " + code.message();
+            return Await(done => client.connect(peer, done));
+        }
+
+        public string Disconnect()
+        {
+            return Await(done => client.disconnect(done));
+        }
+
+        /// <summary>Has the phone read the computer's service record again.</summary>
+        public string Refresh()
+        {
+            client.setHidRemoteSdpRefresh(true);
+            Disconnect();
+            return Connect();
+        }
+
+        public void SetIdleTimeout(int milliseconds)
+        {
+            client.setIdleTimeout((ulong)milliseconds);
+        }
+
+        public void Sleep()
+        {
+            client.pauseConnection();
+            timeline.Add(Timeline.Link, "put to sleep");
+        }
+
+        public void Wake()
+        {
+            client.resumeConnection();
         }
 
         public void Dispose()
         {
-            if (device.isConnected())
-                device.disconnect();
-            device.onDisconnected.disconnect_all_slots();
-            Provider.Dispose();
-            device.Dispose();
+            client.onConnected.disconnect_all_slots();
+            client.onDisconnected.disconnect_all_slots();
+            client.onEventError.disconnect_all_slots();
+            client.onHidSdpRefresh.disconnect_all_slots();
+            client.Dispose();
+            composite.Dispose();
+            Surface.Dispose();
+            peer.Dispose();
             configuration.Dispose();
         }
 
-        /// <summary>Stays alive as long as native code holds it, from pin to unpin.</summary>
-        private sealed class LostCallback : ErrorCodeCallbackImpl
+        private void Listen()
         {
-            private readonly StopSignal stop;
-            private GCHandle held;
+            using (VoidCallback function = OnEvent.Function(() => timeline.Add(Timeline.Link, "connected")))
+                client.onConnected.connect(function).Dispose();
+            Listen(client.onDisconnected, "lost");
+            Listen(client.onEventError, "event error");
+            Listen(client.onHidSdpRefresh, "record refreshed");
+        }
 
-            public LostCallback(StopSignal stop)
-            {
-                this.stop = stop;
-            }
+        private void Listen(SignalErrorCodeCallback signal, string what)
+        {
+            using (ErrorCodeCallback function = OnCode.Function((value, text) =>
+                       timeline.Add(Timeline.Link, value == 0 ? what : what + ": " + Explain(value, text))))
+                signal.connect(function).Dispose();
+        }
 
-            public override void pin()
+        // Completions come from the client's own thread.
+        private static string Await(Action<ErrorCodeCallback> operation)
+        {
+            string failure = null;
+            using (var done = new ManualResetEvent(false))
             {
-                held = GCHandle.Alloc(this);
+                using (ErrorCodeCallback function = OnCode.Function((value, text) =>
+                       {
+                           failure = value == 0 ? null : Explain(value, text);
+                           done.Set();
+                       }))
+                    operation(function);
+                done.WaitOne();
             }
+            return failure;
+        }
 
-            public override bool unpin()
-            {
-                held.Free();
-                return false;
-            }
-
-            public override void call(error_code code)
-            {
-                code.Dispose();
-                stop.Lose();
-            }
+        private static string Explain(int value, string text)
+        {
+            return "error " + value + ", " + text;
         }
     }
 }

@@ -12,6 +12,7 @@ namespace Orbelantine.DemoHost
             "\n" +
             "  --address ADDRESS    the phone's Bluetooth address; default 00:11:22:33:44:55\n" +
             "  --phone-log FILE     the virtual phone's log, to compare with what was sent\n" +
+            "  --phone-control FILE the pipe by which the virtual phone is turned, resized and made to vanish\n" +
             "  --log-folder DIR     where the library writes its log\n" +
             "  --log-level LEVEL    trace, debug, info, warning, error, critical or off; default info\n" +
             "\n" +
@@ -25,6 +26,7 @@ namespace Orbelantine.DemoHost
         public string Session { get; private set; }
         public string Address { get; private set; } = "00:11:22:33:44:55";
         public string PhoneLog { get; private set; }
+        public string PhoneControl { get; private set; }
         public string LogFolder { get; private set; }
         public uint LogLevel { get; private set; } = 2;
         public bool WantsHelp { get; private set; }
@@ -48,6 +50,7 @@ namespace Orbelantine.DemoHost
                 case "--help": WantsHelp = true; break;
                 case "--address": Address = Value(argument, rest); break;
                 case "--phone-log": PhoneLog = Value(argument, rest); break;
+                case "--phone-control": PhoneControl = Value(argument, rest); break;
                 case "--log-folder": LogFolder = Value(argument, rest); break;
                 case "--log-level": LogLevel = Level(Value(argument, rest)); break;
                 default: TakeSession(argument); break;

@@ -14,7 +14,6 @@ namespace Orbelantine.DemoHost
 
         private readonly FileStream file;
         private readonly List<byte> unfinished = new List<byte>();
-        private int buttons;
 
         /// <summary>Throws an IOException if the file can't be read.</summary>
         public PhoneLog(string path)
@@ -25,11 +24,14 @@ namespace Orbelantine.DemoHost
 
         public Tally Received { get; } = new Tally();
 
-        /// <summary>Waits until so many reports have come, for at most a time, or until stopped.</summary>
-        public void WaitForReports(int reports, TimeSpan limit, StopSignal stop)
+        /// <summary>Where the left button went down.</summary>
+        public List<(int X, int Y)> Landings { get; } = new List<(int X, int Y)>();
+
+        /// <summary>Waits until as much has come, for at most a time, or until stopped.</summary>
+        public void WaitFor(Tally sent, TimeSpan limit, StopSignal stop)
         {
             Stopwatch waited = Stopwatch.StartNew();
-            for (Read(); Received.Reports < reports && waited.Elapsed < limit && !stop.IsSet; Read())
+            for (Read(); !HasAll(sent) && waited.Elapsed < limit && !stop.IsSet; Read())
                 stop.Pause(PollMs);
         }
 
@@ -62,7 +64,8 @@ namespace Orbelantine.DemoHost
         {
             switch ((string)line["event"])
             {
-                case "mouse": CountMouse(line); break;
+                case "press": CountButton(line); break;
+                case "mouse": Received.Wheel += (int)line["wheel"]; break;
                 case "keyboard": CountKeyboard(line); break;
                 case "consumer": CountPress((int)line["usage"]); break;
                 case "system": CountPress((int)line["code"]); break;
@@ -70,25 +73,22 @@ namespace Orbelantine.DemoHost
             }
         }
 
-        private void CountMouse(Dictionary<string, object> line)
+        private bool HasAll(Tally sent)
         {
-            int before = buttons;
-            int dx = (int)line["dx"];
-            int dy = (int)line["dy"];
-            buttons = (int)line["buttons"];
-            bool moves = dx != 0 || dy != 0;
-            ++Received.Reports;
-            Received.Moves += moves ? 1 : 0;
-            Received.Dx += dx;
-            Received.Dy += dy;
-            Received.Clicks += buttons & ~before & 1;
-            Received.Scrolls += moves || buttons != before ? 0 : 1;
-            Received.Wheel += (int)line["wheel"];
+            return Received.KeyPresses >= sent.KeyPresses && Received.Clicks >= sent.Clicks &&
+                   Math.Abs(Received.Wheel) >= Math.Abs(sent.Wheel);
+        }
+
+        private void CountButton(Dictionary<string, object> line)
+        {
+            if ((string)line["button"] != "left")
+                return;
+            ++Received.Clicks;
+            Landings.Add(((int)line["x"], (int)line["y"]));
         }
 
         private void CountKeyboard(Dictionary<string, object> line)
         {
-            ++Received.Reports;
             Received.KeyPresses += ((List<object>)line["pressed"]).Count;
             Received.Text.Append((string)line["typed"]);
         }
@@ -96,7 +96,6 @@ namespace Orbelantine.DemoHost
         // 0 is the release of such a key.
         private void CountPress(int code)
         {
-            ++Received.Reports;
             Received.KeyPresses += code == 0 ? 0 : 1;
         }
     }

@@ -1,73 +1,96 @@
 using System;
 using System.Collections.Generic;
-using Orbelantine.Swig.input;
 
 namespace Orbelantine.DemoHost
 {
-    /// <summary>Plays steps on a phone and counts what it sends.</summary>
+    /// <summary>Plays steps over the surface and counts what is meant to reach the phone.</summary>
     public sealed class Player
     {
-        private readonly HIDReportProvider provider;
+        // What a report carries of a wheel step at most.
+        private const int MaxWheel = 3;
+
+        private readonly Link link;
+        private readonly PhoneControl phone;
+        private readonly Timeline timeline;
         private readonly StopSignal stop;
+        private int phoneWidth;
+        private int phoneHeight;
 
         /// <summary>Once `stop` is set, what remains to be played is skipped; a key or button that is down
         /// comes up first.</summary>
-        public Player(HIDReportProvider provider, StopSignal stop)
+        public Player(Link link, PhoneControl phone, Timeline timeline, StopSignal stop)
         {
-            this.provider = provider;
+            this.link = link;
+            this.phone = phone;
+            this.timeline = timeline;
             this.stop = stop;
         }
 
         public Tally Sent { get; } = new Tally();
+        /// <summary>Of the clicks, in phone pixels.</summary>
+        public List<(int X, int Y)> Targets { get; } = new List<(int X, int Y)>();
 
         public void Play(IEnumerable<Action<Player>> steps)
         {
             foreach (Action<Player> step in steps)
-                step(this);
+                if (!stop.IsSet)
+                    step(this);
+            // What is held is let go of, however the session ended.
+            link.Surface.LoseFocus();
         }
 
         public void Press(Key key)
         {
             if (stop.IsSet)
                 return;
-            if (key.Shift)
-                SendKey(Keyboard.LeftShift, true);
-            SendKey(key.ScanCode, true);
-            SendKey(key.ScanCode, false);
-            if (key.Shift)
-                SendKey(Keyboard.LeftShift, false);
+            Note("key");
+            link.Surface.Press(key);
+            Sent.KeyPresses += key.Shift ? 2 : 1;
             Sent.Text.Append(key.Text);
         }
 
-        public void Move(int dx, int dy)
+        public void ResizeSurface(int width, int height)
         {
-            if (stop.IsSet)
-                return;
-            provider.sendMouseMove(dx, dy);
-            ++Sent.Reports;
-            ++Sent.Moves;
-            Sent.Dx += dx;
-            Sent.Dy += dy;
+            link.Surface.Resize(width, height);
         }
 
-        public void Click()
+        public void ChangePhone(int width, int height, double scale, int rotation)
         {
-            if (stop.IsSet)
-                return;
-            provider.sendMouseLeftClick(true);
-            provider.sendMouseLeftClick(false);
-            Sent.Reports += 2;
-            ++Sent.Clicks;
+            Note("phone " + width + " x " + height + ", turned to " + rotation);
+            phone.Send(FormattableString.Invariant($"screen {width} {height} {scale} {rotation}"));
+            phone.Send("acceleration " + (scale > 1 ? "curve" : "android"));
+            phoneWidth = width;
+            phoneHeight = height;
+            link.Surface.onRotationChanged.call(rotation);
+            link.Surface.onLogicalDimensionsChanged.call(width, height, scale, 0);
         }
 
-        /// <summary>The provider's report of a scroll has a wheel of 0: the amount does not travel.</summary>
-        public void Scroll(int amount)
+        public void Click(int x, int y)
         {
-            if (stop.IsSet)
-                return;
-            provider.sendMouseScroll(amount);
-            ++Sent.Reports;
-            ++Sent.Scrolls;
+            Note("click");
+            Aim(x, y);
+            link.Surface.Click(x, y);
+        }
+
+        public void Touch(int x, int y)
+        {
+            Note("touch");
+            Aim(x, y);
+            link.Surface.Touch(x, y);
+        }
+
+        public void Drag(int fromX, int fromY, int toX, int toY)
+        {
+            Note("drag");
+            Aim(fromX, fromY);
+            link.Surface.Drag(fromX, fromY, toX, toY, stop);
+        }
+
+        public void Wheel(int amount, int x, int y)
+        {
+            Note("wheel");
+            link.Surface.Turn(amount, x, y);
+            Sent.Wheel += Math.Max(-MaxWheel, Math.Min(MaxWheel, amount));
         }
 
         public void Wait(int pauseMs)
@@ -75,11 +98,51 @@ namespace Orbelantine.DemoHost
             stop.Pause(pauseMs);
         }
 
-        private void SendKey(byte scanCode, bool pressed)
+        public void SetIdleTimeout(int milliseconds)
         {
-            provider.sendKey(scanCode, pressed);
-            ++Sent.Reports;
-            Sent.KeyPresses += pressed ? 1 : 0;
+            Note("idle after " + milliseconds + " ms");
+            link.SetIdleTimeout(milliseconds);
+        }
+
+        public void Sleep()
+        {
+            Note("sleep");
+            link.Sleep();
+        }
+
+        public void Wake()
+        {
+            Note("wake");
+            link.Wake();
+        }
+
+        public void Vanish(int milliseconds)
+        {
+            Note("the phone vanishes for " + milliseconds + " ms");
+            phone.Send("vanish " + milliseconds);
+            stop.Pause(milliseconds + 200);
+        }
+
+        public void Refresh()
+        {
+            Note("refresh");
+            string failure = link.Refresh();
+            if (failure != null)
+                timeline.Add(Timeline.Link, failure);
+        }
+
+        private void Aim(int x, int y)
+        {
+            int targetX = x * phoneWidth / link.Surface.Width;
+            int targetY = y * phoneHeight / link.Surface.Height;
+            Targets.Add((targetX, targetY));
+            ++Sent.Clicks;
+            phone.Send("target " + targetX + " " + targetY);
+        }
+
+        private void Note(string what)
+        {
+            timeline.Add(Timeline.Input, what);
         }
     }
 }

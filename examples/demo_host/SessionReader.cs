@@ -10,17 +10,30 @@ namespace Orbelantine.DemoHost
     public sealed class SessionReader
     {
         public const string Help =
-            "  type TEXT            type the rest of the line, in characters of a US keyboard\n" +
+            "  type TEXT            type the rest of the line, in characters of a US keyboard; text TEXT too\n" +
             "  key NAME             press and release a key, such as enter or volumeup\n" +
-            "  move DX DY           move the cursor, right and down\n" +
-            "  click                press and release the left button\n" +
-            "  scroll N             turn the wheel\n" +
+            "  surface W H          make the computer's window so large; 540 by 1170 at first\n" +
+            "  phone W H SCALE ROTATION\n" +
+            "                       the phone's screen as it is held, the scale of its viewport, and its\n" +
+            "                       rotation in quarter turns: 1 (upright) to 4\n" +
+            "  click X Y            click at a point of the window\n" +
+            "  touch X Y            tap there with a finger\n" +
+            "  drag X1 Y1 X2 Y2     press, move and release\n" +
+            "  wheel N X Y          turn the wheel by N steps at a point\n" +
             "  wait MS              pause\n" +
+            "  idle MS              let the link sleep after so long without input; 0 is never\n" +
+            "  sleep, wake          put the link to sleep, and wake it\n" +
+            "  vanish MS            the phone disappears and comes back\n" +
+            "  refresh              have the phone read the computer's service record again\n" +
             "Blank lines and lines that begin with # are skipped.\n";
 
-        // A report holds 16 bits of each delta.
-        private const int MaxDelta = 32767;
+        private const int MaxSide = 20000;
         private const int MaxPauseMs = 60000;
+        private const int MaxWheel = 100;
+        private const double MaxScale = 10;
+
+        private const string Names =
+            "type, text, key, surface, phone, click, touch, drag, wheel, wait, idle, sleep, wake, vanish and refresh";
 
         private readonly string name;
         private int lineNumber;
@@ -51,13 +64,22 @@ namespace Orbelantine.DemoHost
             string[] values = words.Skip(1).ToArray();
             switch (words[0])
             {
-                case "type": Type(line.Substring("type".Length)); break;
+                case "type":
+                case "text": Type(line.Substring(words[0].Length)); break;
                 case "key": PressKey(values); break;
-                case "move": Move(values); break;
-                case "click": Click(values); break;
-                case "scroll": Scroll(values); break;
-                case "wait": Wait(values); break;
-                default: Complain("no step '" + words[0] + "'; there are type, key, move, click, scroll and wait"); break;
+                case "surface": Take(values, 2, 1, MaxSide, "surface wants W and H", (to, n) => to.ResizeSurface(n[0], n[1])); break;
+                case "phone": Phone(values); break;
+                case "click": Take(values, 2, 0, MaxSide, "click wants X and Y", (to, n) => to.Click(n[0], n[1])); break;
+                case "touch": Take(values, 2, 0, MaxSide, "touch wants X and Y", (to, n) => to.Touch(n[0], n[1])); break;
+                case "drag": Take(values, 4, 0, MaxSide, "drag wants X1, Y1, X2 and Y2", (to, n) => to.Drag(n[0], n[1], n[2], n[3])); break;
+                case "wheel": Wheel(values); break;
+                case "wait": Take(values, 1, 0, MaxPauseMs, "wait wants milliseconds", (to, n) => to.Wait(n[0])); break;
+                case "idle": Take(values, 1, 0, MaxPauseMs, "idle wants milliseconds", (to, n) => to.SetIdleTimeout(n[0])); break;
+                case "sleep": Take(values, 0, 0, 0, "sleep", (to, n) => to.Sleep()); break;
+                case "wake": Take(values, 0, 0, 0, "wake", (to, n) => to.Wake()); break;
+                case "vanish": Take(values, 1, 1, MaxPauseMs, "vanish wants milliseconds", (to, n) => to.Vanish(n[0])); break;
+                case "refresh": Take(values, 0, 0, 0, "refresh", (to, n) => to.Refresh()); break;
+                default: Complain("no step '" + words[0] + "'; there are " + Names); break;
             }
         }
 
@@ -85,41 +107,41 @@ namespace Orbelantine.DemoHost
                 Complain("key wants one name of " + string.Join(", ", Keyboard.Names));
         }
 
-        private void Move(string[] values)
+        private void Phone(string[] values)
         {
-            if (TryNumbers(values, 2, -MaxDelta, MaxDelta, out int[] by) && (by[0] != 0 || by[1] != 0))
-                Steps.Add(player => player.Move(by[0], by[1]));
+            bool isWhole = TryNumbers(values.Where((_, i) => i != 2).ToArray(), 3, 1, MaxSide, out int[] n);
+            if (isWhole && n[2] <= 4 && TryScale(values[2], out double scale))
+                Steps.Add(player => player.ChangePhone(n[0], n[1], scale, n[2]));
             else
-                Complain("move wants DX and DY, whole numbers from -32767 to 32767 that are not both 0");
+                Complain("phone wants W, H, SCALE and ROTATION: sides from 1 to 20000, a scale up to 10, a rotation from 1 to 4");
         }
 
-        private void Click(string[] values)
+        private void Wheel(string[] values)
         {
-            if (values.Length == 0)
-                Steps.Add(player => player.Click());
+            bool isPlace = TryNumbers(values.Skip(1).ToArray(), 2, 0, MaxSide, out int[] place);
+            if (TryNumbers(values.Take(1).ToArray(), 1, -MaxWheel, MaxWheel, out int[] amount) && isPlace && amount[0] != 0)
+                Steps.Add(player => player.Wheel(amount[0], place[0], place[1]));
             else
-                Complain("click wants nothing behind it");
+                Complain("wheel wants N, X and Y: steps from -100 to 100 that are not 0, then a point");
         }
 
-        private void Scroll(string[] values)
+        private void Take(string[] values, int count, int low, int high, string wanted, Action<Player, int[]> step)
         {
-            if (TryNumbers(values, 1, -MaxDelta, MaxDelta, out int[] amount))
-                Steps.Add(player => player.Scroll(amount[0]));
+            if (TryNumbers(values, count, low, high, out int[] numbers))
+                Steps.Add(player => step(player, numbers));
             else
-                Complain("scroll wants a whole number from -32767 to 32767");
-        }
-
-        private void Wait(string[] values)
-        {
-            if (TryNumbers(values, 1, 0, MaxPauseMs, out int[] pause))
-                Steps.Add(player => player.Wait(pause[0]));
-            else
-                Complain("wait wants milliseconds from 0 to 60000");
+                Complain(count == 0 ? wanted + " wants nothing behind it" : wanted + ", whole numbers from " + low + " to " + high);
         }
 
         private void Complain(string what)
         {
             Complaints.Add(name + ":" + lineNumber + ": " + what);
+        }
+
+        private static bool TryScale(string word, out double scale)
+        {
+            return double.TryParse(word, NumberStyles.AllowDecimalPoint, CultureInfo.InvariantCulture, out scale) &&
+                   scale > 0 && scale <= MaxScale;
         }
 
         private static bool TryNumbers(string[] words, int count, int low, int high, out int[] numbers)

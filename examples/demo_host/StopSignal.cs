@@ -10,8 +10,6 @@ namespace Orbelantine.DemoHost
 
         /// <summary>The user wants to end.</summary>
         public bool IsInterrupted { get; private set; }
-        /// <summary>The phone is gone.</summary>
-        public bool IsLost { get; private set; }
 
         public bool IsSet
         {
@@ -21,12 +19,6 @@ namespace Orbelantine.DemoHost
         public void Interrupt()
         {
             IsInterrupted = true;
-            stopped.Set();
-        }
-
-        public void Lose()
-        {
-            IsLost = true;
             stopped.Set();
         }
 

@@ -175,6 +175,9 @@ namespace Orbelantine.HostTests
             "common WstringWithErrorCallback void (wstring_director,boost::system::error_code)",
             "input MouseEvent void (orbelantine::IInputContext::eMouseButton,int32_t,int32_t)",
             "input PointerEvent void (orbelantine::IInputContext::ePointerType,uint32_t,int32_t,int32_t,bool)",
+            "bluetooth PeerCallbackError void (boost::shared_ptr< orbelantine::BluetoothPeer >,boost::system::error_code)",
+            "bluetooth PeerCallback void (boost::shared_ptr< orbelantine::BluetoothPeer >)",
+            "bluetooth PeerListUpdateCallback void (bool,std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > >)",
             "audio AudioStateCallback void (orbelantine::AudioState)",
         };
     }

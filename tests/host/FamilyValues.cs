@@ -4,6 +4,7 @@ using System.Globalization;
 using System.Linq;
 using System.Reflection;
 using System.Runtime.InteropServices;
+using Orbelantine.Swig.bluetooth;
 using Orbelantine.Swig.common;
 
 namespace Orbelantine.HostTests
@@ -27,6 +28,8 @@ namespace Orbelantine.HostTests
             { typeof(MapStringWString), i => new MapStringWString { { "", Text(i) }, { "key", "" } } },
             { typeof(MapUintWString), i => new MapUintWString { { 0, Text(i) }, { 4000000000u, "" } } },
             { typeof(MapWstringWstring), i => new MapWstringWstring { { "", Text(i) }, { "key", "" } } },
+            { typeof(BluetoothPeer), NewPeer },
+            { typeof(BluetoothPeerVector), i => new BluetoothPeerVector(new[] { NewPeer(i), NewPeer(i + 1) }) },
             { typeof(SWIGTYPE_p_boost__asio__ip__address), NewAddress },
         };
 
@@ -102,6 +105,10 @@ namespace Orbelantine.HostTests
         {
             if (value is error_code)
                 return "code " + ((error_code)value).value();
+            if (value is BluetoothPeer)
+                return "peer " + ((BluetoothPeer)value).name() + " " + ((BluetoothPeer)value).deviceClass();
+            if (value is BluetoothPeerVector)
+                return "peers " + string.Join(", ", ((BluetoothPeerVector)value).Select(Show));
             if (value is ByteVector)
                 return "bytes " + string.Join(" ", (ByteVector)value);
             if (value.GetType().Name.StartsWith("Map"))
@@ -119,6 +126,12 @@ namespace Orbelantine.HostTests
         private static string Text(int i)
         {
             return "grün \U0001F4F1" + i;
+        }
+
+        private static BluetoothPeer NewPeer(int i)
+        {
+            using (var address = new CMacAddress(0xA1B2C3D4E5F6))
+                return new BluetoothPeer(address, Text(i), (uint)(0x200 + i), true);
         }
 
         // An address has no class: the host only hands its handle on.

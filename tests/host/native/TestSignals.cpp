@@ -1,9 +1,11 @@
 // Signals of every callback family for the host's tests, fired by native code.
 
 #include "binding/AudioCallbackFamilies.h"
+#include "binding/BluetoothCallbackFamilies.h"
 #include "binding/InputCallbackFamilies.h"
 
 #include <boost/asio/ip/address_v4.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
 
 #include <cstring>
 #include <iterator>
@@ -54,6 +56,15 @@ ORB_SAMPLE(IInputContext::eMouseButton, IInputContext::MouseButtonRight)
 ORB_SAMPLE(IInputContext::ePointerType, IInputContext::PointerTouch)
 ORB_SAMPLE(AudioState, orbelantine::NoAudioOut)
 
+sharedPeer peerSample(int i) {
+    return boost::make_shared<orbelantine::BluetoothPeer>(
+        orbelantine::CMacAddress(std::uint64_t{0xA1B2C3D4E5F6}), wideSample(i),
+        static_cast<std::uint32_t>(0x200 + i), true);
+}
+
+ORB_SAMPLE(sharedPeer, peerSample(i))
+ORB_SAMPLE(vectorPeer, {peerSample(i), peerSample(i + 1)})
+
 template <class... Arguments>
 struct Sample<boost::function<void(Arguments...)>> {
     static boost::function<void(Arguments...)> value(int) {
@@ -91,6 +102,7 @@ struct Family {
 
 constexpr Family kFamilies[] = {
 #include "binding/CallbackTableAudio.inc"
+#include "binding/CallbackTableBluetooth.inc"
 #include "binding/CallbackTableCommon.inc"
 #include "binding/CallbackTableInput.inc"
 };

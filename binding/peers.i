@@ -1,0 +1,49 @@
+// Remote devices, their callback families, and what connects to one.
+
+%feature("director") orbelantine::IBluetoothService;
+
+// A completion may be left out.
+%typemap(in) boost::function< void (boost::system::error_code) > completion
+%{ $1 = orbelantine::binding::completionOf((const boost::function< void (boost::system::error_code) > *)$input); %}
+
+namespace orbelantine {
+
+class BluetoothPeer {
+public:
+  BluetoothPeer(const std::wstring &name);
+  BluetoothPeer(orbelantine::CMacAddress const &address);
+  BluetoothPeer(orbelantine::CMacAddress const &address, const std::wstring &name, uint32_t deviceClass, bool paired);
+  virtual ~BluetoothPeer();
+  orbelantine::CMacAddress address();
+  std::wstring name();
+  uint32_t deviceClass();
+  int32_t deviceType();
+  bool isPaired();
+  void update(const std::wstring &name, uint32_t deviceClass, bool paired);
+  void touch();
+  void markStale();
+  bool isStale();
+};
+
+class IBluetoothService {
+public:
+  virtual ~IBluetoothService();
+  virtual void connect(orbelantine::BluetoothPeer const &peer, boost::function< void (boost::system::error_code) > completion) = 0;
+  virtual void disconnect(boost::function< void (boost::system::error_code) > completion) = 0;
+  virtual void forceDisconnect(boost::function< void (boost::system::error_code) > completion);
+  virtual void dispatchOnDisconnected(boost::system::error_code code);
+  %immutable;
+  boost::signals2::signal< void (boost::system::error_code) > onDisconnected;
+  boost::signals2::signal< void (boost::system::error_code) > onEventError;
+  %mutable;
+};
+
+}
+
+// Written out again in the wrappers, like the names of callbacks.i.
+typedef boost::shared_ptr< orbelantine::BluetoothPeer > sharedPeer;
+typedef std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > > vectorPeer;
+
+%template(BluetoothPeerVector) std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > >;
+
+%include "binding/CallbackTableBluetooth.inc"

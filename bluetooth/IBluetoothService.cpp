@@ -1,0 +1,14 @@
+#include "bluetooth/IBluetoothService.h"
+
+namespace orbelantine {
+
+void IBluetoothService::forceDisconnect(Completion completion) {
+    complete(completion, error_code());
+    completion.clear();
+}
+
+void IBluetoothService::dispatchOnDisconnected(error_code ec) {
+    onDisconnected(ec);
+}
+
+} // namespace orbelantine

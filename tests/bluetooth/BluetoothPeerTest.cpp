@@ -1,0 +1,95 @@
+#include "bluetooth/BluetoothPeer.h"
+
+#include "bluetooth/IBluetoothService.h"
+#include "tests/support/HandClock.h"
+
+#include <gtest/gtest.h>
+
+namespace orbelantine {
+namespace {
+
+using namespace std::chrono_literals;
+
+const CMacAddress kAddress(std::uint64_t{0x0123456789AB});
+
+class BluetoothPeerAge : public testing::Test {
+  protected:
+    BluetoothPeerAge() { mClock.advance(1h); }
+
+    test::HandClock mClock;
+};
+
+TEST_F(BluetoothPeerAge, IsStaleFromThirtySecondsOn) {
+    BluetoothPeer peer(kAddress, mClock);
+    mClock.advance(30s - 100ns);
+    EXPECT_FALSE(peer.isStale());
+    mClock.advance(100ns);
+    EXPECT_TRUE(peer.isStale());
+    peer.update(L"phone", 0x200, true);
+    EXPECT_TRUE(peer.isStale());
+    peer.touch();
+    EXPECT_FALSE(peer.isStale());
+}
+
+TEST(BluetoothPeer, MarkedStaleIsStaleAtOnceUntilTouched) {
+    // A tick clock that has only begun.
+    test::HandClock clock;
+    clock.advance(1s);
+    BluetoothPeer peer(kAddress, clock);
+    peer.markStale();
+    EXPECT_TRUE(peer.isStale());
+    peer.touch();
+    EXPECT_FALSE(peer.isStale());
+}
+
+TEST(BluetoothPeer, TypeIsTheMajorDeviceClass) {
+    for (std::uint32_t major = 0; major < 0x20; ++major) {
+        const BluetoothPeer peer(kAddress, L"", 0xFFE0FF | major << 8, false);
+        EXPECT_EQ(peer.deviceType(), major <= 9 ? static_cast<int>(major) + 1 : 0) << major;
+    }
+}
+
+TEST(BluetoothPeer, ConstructorsFillWhatTheyAreNotGiven) {
+    const BluetoothPeer narrow(std::string("a\xC3\xA4"));
+    EXPECT_EQ(narrow.name(), L"a\u00C3\u00A4");
+    EXPECT_TRUE(narrow.address().isEmpty());
+    EXPECT_EQ(narrow.deviceClass(), 0U);
+    EXPECT_FALSE(narrow.isPaired());
+    EXPECT_EQ(BluetoothPeer(std::wstring(L"\u00E4")).name(), L"\u00E4");
+    const BluetoothPeer addressed(kAddress);
+    EXPECT_EQ(addressed.address().getUllAddress(), 0x0123456789ABU);
+    EXPECT_EQ(addressed.name(), L"");
+}
+
+TEST_F(BluetoothPeerAge, EqualityIsThatOfEverythingButTheLastSighting) {
+    const BluetoothPeer peer(kAddress, L"phone", 0x200, true, mClock);
+    mClock.advance(1min);
+    EXPECT_TRUE(peer == BluetoothPeer(kAddress, L"phone", 0x200, true, mClock));
+    EXPECT_TRUE(peer != BluetoothPeer(CMacAddress(), L"phone", 0x200, true));
+    EXPECT_TRUE(peer != BluetoothPeer(kAddress, L"Phone", 0x200, true));
+    EXPECT_TRUE(peer != BluetoothPeer(kAddress, L"phone", 0x204, true));
+    EXPECT_TRUE(peer != BluetoothPeer(kAddress, L"phone", 0x200, false));
+    // An address of zeros is not the lack of one.
+    EXPECT_TRUE(BluetoothPeer(CMacAddress()) != BluetoothPeer(CMacAddress(std::uint64_t{0})));
+}
+
+class Service final : public IBluetoothService {
+  public:
+    void connect(const BluetoothPeer&, Completion) override {}
+
+    void disconnect(Completion) override {}
+};
+
+TEST(BluetoothService, ForcedDisconnectSucceedsAtOnceAndDispatchRaises) {
+    Service service;
+    std::vector<error_code> codes;
+    const error_code failure(5, boost::system::generic_category());
+    service.onDisconnected.connect([&](error_code ec) { codes.push_back(ec); });
+    service.forceDisconnect([&](error_code ec) { codes.push_back(ec); });
+    service.forceDisconnect({});
+    service.dispatchOnDisconnected(failure);
+    EXPECT_EQ(codes, (std::vector{error_code(), failure}));
+}
+
+} // namespace
+} // namespace orbelantine

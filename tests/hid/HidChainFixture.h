@@ -1,0 +1,238 @@
+#pragma once
+
+#include "avstack/IInputMediaBufferMouse.h"
+#include "avstack/IInputSource.h"
+#include "avstack/InputFormat.h"
+#include "bluetooth/Completion.h"
+#include "core/common/OSAL.h"
+#include "hid/IBluetoothHIDClient.h"
+#include "hid/IBluetoothSDPController.h"
+
+#include <boost/smart_ptr/make_shared.hpp>
+
+#include <algorithm>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orbelantine::test {
+
+using Names = std::vector<std::string>;
+
+/// What happened, in order, on any threads.
+class Journal {
+  public:
+    void note(const std::string& what) {
+        {
+            const std::lock_guard lock(mMutex);
+            mNotes.push_back(what);
+        }
+        mChanged.notify_all();
+    }
+
+    /// The notes since the last call.
+    Names take() {
+        const std::lock_guard lock(mMutex);
+        return std::exchange(mNotes, {});
+    }
+
+    /// Until the note stands there.
+    void await(const std::string& what) {
+        std::unique_lock lock(mMutex);
+        mChanged.wait(
+            lock, [&] { return std::find(mNotes.begin(), mNotes.end(), what) != mNotes.end(); });
+    }
+
+  private:
+    std::mutex mMutex;
+    std::condition_variable mChanged;
+    Names mNotes;
+};
+
+/// Serves an implementation's name in the factory as long as this object lives.
+template <class Interface, class... Arguments>
+class FactoryOverride final : public OSALCreator<Interface, Arguments...> {
+  public:
+    using Function =
+        std::function<boost::shared_ptr<Interface>(const KVStore& store, Arguments...)>;
+
+    FactoryOverride(std::string name, Function function)
+        : mName(std::move(name))
+        , mFunction(std::move(function)) {
+        try {
+            mFormer = OSALFactory::instance().retrieveFactory(mName, mName);
+        } catch (const Exception&) {
+            mFormer = nullptr;
+        }
+        OSALFactory::registerFactory(mName, static_cast<OSALCreatorBase*>(this));
+    }
+
+    ~FactoryOverride() override { OSALFactory::registerFactory(mName, mFormer); }
+
+    FactoryOverride(const FactoryOverride&) = delete;
+    FactoryOverride& operator=(const FactoryOverride&) = delete;
+
+  private:
+    boost::shared_ptr<Interface> create(const KVStore& store,
+                                        Arguments... arguments) const override {
+        return mFunction(store, arguments...);
+    }
+
+    std::string mName;
+    Function mFunction;
+    void* mFormer = nullptr;
+};
+
+/// What the fakes of a chain are told, and tell.
+struct ChainScript {
+    Journal journal;
+    /// Runs within each connect, which returns its result.
+    std::function<error_code()> onConnect = [] { return error_code(); };
+    error_code unplugResult;
+    /// Runs within a source's stop.
+    std::function<void()> onSourceStop = [] {};
+    /// Results of the controller's operations to come; 0 once they have run out.
+    std::deque<std::int32_t> sdpResults;
+    boost::shared_ptr<void> context;
+};
+
+class FakeHidClient final : public IBluetoothHIDClient {
+  public:
+    explicit FakeHidClient(ChainScript& script)
+        : mScript(script) {}
+
+    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override {
+        const auto* event = static_cast<IInputMediaBufferMouse::EventData*>(buffer->map(0));
+        mScript.journal.note("frame " + std::to_string(event->x));
+    }
+
+    void disconnect() override {
+        mConnected = false;
+        mScript.journal.note("disconnect");
+    }
+
+    error_code connect(const std::string& address) override {
+        mScript.journal.note("connect " + address);
+        const error_code ec = mScript.onConnect();
+        mConnected = !ec;
+        return ec;
+    }
+
+    void forceDisconnect() override { mScript.journal.note("force"); }
+
+    bool isConnected() override { return mConnected; }
+
+    error_code virtualCableUnplug() override {
+        mScript.journal.note("unplug");
+        return mScript.unplugResult;
+    }
+
+  private:
+    ChainScript& mScript;
+    bool mConnected = false;
+};
+
+class FakeInputSource final : public IInputSource {
+  public:
+    explicit FakeInputSource(ChainScript& script)
+        : mScript(script) {}
+
+    using IInputSource::start;
+
+    void start() override { mScript.journal.note("source start"); }
+
+    void stop() override {
+        mScript.journal.note("source stop");
+        mScript.onSourceStop();
+    }
+
+    void refresh() override { mScript.journal.note("source refresh"); }
+
+    void registerTarget(const boost::shared_ptr<IMediaElement>& target) override {
+        mTarget = target;
+    }
+
+    /// As the source's own thread: a mouse move by (x, 0).
+    void emit(std::int32_t x) {
+        mTarget->onFrame(boost::make_shared<IInputMediaBufferMouse>(
+            x, 0, std::uint8_t{IInputMediaBufferMouse::Move}, false));
+    }
+
+  private:
+    ChainScript& mScript;
+    boost::shared_ptr<IMediaElement> mTarget;
+};
+
+class FakeSdpController final : public IBluetoothSDPController {
+  public:
+    explicit FakeSdpController(ChainScript& script)
+        : mScript(script) {}
+
+    std::int32_t start() override { return answer("sdp start"); }
+
+    std::int32_t stop() override { return answer("sdp stop"); }
+
+    std::int32_t addHIDDeviceRecord(const std::string& serviceName,
+                                    const std::string& serviceDescription,
+                                    const std::string& providerName, std::uint16_t subclass,
+                                    const std::uint8_t* descriptor, std::uint32_t size) override {
+        return answer("sdp add " + serviceName + '|' + serviceDescription + '|' + providerName +
+                      '|' + std::to_string(subclass) + '|' + std::to_string(descriptor[size - 1]) +
+                      '|' + std::to_string(size));
+    }
+
+    std::int32_t removeHIDDeviceRecord() override { return answer("sdp remove"); }
+
+  private:
+    std::int32_t answer(const std::string& what) {
+        mScript.journal.note(what);
+        if (mScript.sdpResults.empty())
+            return 0;
+        const std::int32_t result = mScript.sdpResults.front();
+        mScript.sdpResults.pop_front();
+        return result;
+    }
+
+    ChainScript& mScript;
+};
+
+/// The factory gives fakes for the whole chain. Their makers keep the last ones made, which are
+/// read once a completion has told that they are there.
+struct FakeChain {
+    ChainScript script;
+    boost::shared_ptr<FakeHidClient> client;
+    boost::shared_ptr<FakeInputSource> source;
+
+    FactoryOverride<IBluetoothHIDClient> clients{
+        "BluetoothHIDClient", [this](const KVStore&) {
+            script.journal.note("client");
+            return client = boost::make_shared<FakeHidClient>(script);
+        }};
+    FactoryOverride<IInputSource, InputFormat> sources{
+        "GenericInputSource", [this](const KVStore& store, InputFormat format) {
+            script.context = store.getSharedContextAt(kInputContextKey);
+            script.journal.note("source " + std::to_string(format.mouseType) + ' ' +
+                                std::to_string(format.keyboardType) + ' ' +
+                                std::to_string(format.touchType) + ' ' +
+                                std::to_string(format.typeFlags));
+            return source = boost::make_shared<FakeInputSource>(script);
+        }};
+    FactoryOverride<IBluetoothSDPController> controllers{
+        "IBluetoothSDPController::Dummy",
+        [this](const KVStore&) { return boost::make_shared<FakeSdpController>(script); }};
+};
+
+/// Starts an operation and waits for its completion.
+inline error_code await(const std::function<void(Completion)>& operation) {
+    std::promise<error_code> promise;
+    operation([&](error_code ec) { promise.set_value(ec); });
+    return promise.get_future().get();
+}
+
+} // namespace orbelantine::test
