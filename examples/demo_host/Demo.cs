@@ -10,7 +10,6 @@ namespace Orbelantine.DemoHost
         private const int Differs = 1;
         private const int NoPhone = 3;
         private const int Interrupted = 130;
-        private static readonly TimeSpan Patience = TimeSpan.FromSeconds(10);
 
         private readonly Options options;
         private readonly StopSignal stop;
@@ -33,11 +32,10 @@ namespace Orbelantine.DemoHost
                 if (failure != null)
                     return MissPhone(failure);
                 Console.WriteLine("connected to " + options.Address + ", playing " + steps.Count + " steps");
-                var player = new Player(link, control, timeline, stop);
+                var player = new Player(link, control, phoneLog, timeline, stop);
                 player.ChangePhone(1080, 2340, 1, 1);
                 player.Play(steps);
-                if (!stop.IsSet)
-                    phoneLog?.WaitFor(player.Sent, Patience, stop);
+                player.Settle();
                 link.Disconnect();
                 return Conclude(player, phoneLog);
             }

@@ -8,18 +8,22 @@ namespace Orbelantine.DemoHost
     {
         // What a report carries of a wheel step at most.
         private const int MaxWheel = 3;
+        private const int ParkingMs = 150;
+        private static readonly TimeSpan Patience = TimeSpan.FromSeconds(10);
 
         private readonly Link link;
         private readonly PhoneControl phone;
         private readonly Timeline timeline;
         private readonly StopSignal stop;
+        private readonly PhoneLog log;
         private int phoneWidth;
         private int phoneHeight;
 
         /// <summary>Once `stop` is set, what remains to be played is skipped; a key or button that is down
-        /// comes up first.</summary>
-        public Player(Link link, PhoneControl phone, Timeline timeline, StopSignal stop)
+        /// comes up first. Without a log the player can't know what the phone has seen, and only waits.</summary>
+        public Player(Link link, PhoneControl phone, PhoneLog log, Timeline timeline, StopSignal stop)
         {
+            this.log = log;
             this.link = link;
             this.phone = phone;
             this.timeline = timeline;
@@ -49,13 +53,22 @@ namespace Orbelantine.DemoHost
             Sent.Text.Append(key.Text);
         }
 
+        /// <summary>Waits until the phone has had all that was played, and its cursor is parked again.</summary>
+        public void Settle()
+        {
+            log?.WaitFor(Sent, Patience, stop);
+            stop.Pause(ParkingMs);
+        }
+
         public void ResizeSurface(int width, int height)
         {
+            Settle();
             link.Surface.Resize(width, height);
         }
 
         public void ChangePhone(int width, int height, double scale, int rotation)
         {
+            Settle();
             Note("phone " + width + " x " + height + ", turned to " + rotation);
             phone.Send(FormattableString.Invariant($"screen {width} {height} {scale} {rotation}"));
             phone.Send("acceleration " + (scale > 1 ? "curve" : "android"));
@@ -106,6 +119,7 @@ namespace Orbelantine.DemoHost
 
         public void Sleep()
         {
+            Settle();
             Note("sleep");
             link.Sleep();
         }
@@ -118,13 +132,15 @@ namespace Orbelantine.DemoHost
 
         public void Vanish(int milliseconds)
         {
+            Settle();
             Note("the phone vanishes for " + milliseconds + " ms");
             phone.Send("vanish " + milliseconds);
-            stop.Pause(milliseconds + 200);
+            stop.Pause(milliseconds + ParkingMs);
         }
 
         public void Refresh()
         {
+            Settle();
             Note("refresh");
             string failure = link.Refresh();
             if (failure != null)
