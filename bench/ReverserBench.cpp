@@ -5,6 +5,7 @@
 #include "input/AndroidMouseReverser.h"
 #include "input/android/LeastSquaresVelocityTrackerStrategy.h"
 #include "input/android/VelocityTracker.h"
+#include "tests/support/HandClock.h"
 
 #include <benchmark/benchmark.h>
 
@@ -26,30 +27,20 @@ constexpr std::int32_t kSpeed = 30;
 constexpr std::int32_t kWanted = 300;
 constexpr std::int32_t kCandidates[] = {300, 150, 75, 112, 93, 102, 97, 99, 100};
 
-class SteppedClock final : public IClock {
-  public:
-    [[nodiscard]] TimePoint now() const override { return mNow; }
-
-    void sleepFor(Duration pause) override { mNow += pause; }
-
-  private:
-    TimePoint mNow{};
-};
-
 void reportAllocations(benchmark::State& run, const bench::AllocationCounter& allocations) {
     run.counters["allocations"] = benchmark::Counter(static_cast<double>(allocations.count()),
                                                      benchmark::Counter::kAvgIterations);
 }
 
 void reverse(benchmark::State& run) {
-    SteppedClock clock;
+    test::HandClock clock;
     AndroidMouseReverser reverser(clock);
     for (int i = 0; i < kHistory; ++i) {
         std::int32_t dx = kSpeed;
         std::int32_t dy = 0;
         reverser.applyMove(dx, dy, i * kStepNs);
     }
-    clock.sleepFor(std::chrono::nanoseconds(kNow));
+    clock.advance(std::chrono::nanoseconds(kNow));
     const bench::AllocationCounter allocations;
     for (auto _ : run) {
         std::int32_t dx = kWanted;

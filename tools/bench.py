@@ -43,6 +43,8 @@ def measure(program, name_filter):
     if name_filter:
         command.append(f"--benchmark_filter={name_filter}")
     run = subprocess.run(command, stdout=subprocess.PIPE, check=True)
+    if not run.stdout.strip():
+        sys.exit(f"bench.py: no benchmark is named like '{name_filter}'")
     samples = {}
     for entry in json.loads(run.stdout)["benchmarks"]:
         if entry["run_type"] != "iteration":

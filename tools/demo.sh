@@ -70,4 +70,10 @@ host=
 end TERM "$phone"
 phone=
 echo "picture: $output/phone.svg"
+# The demo itself also shows how well the mouse hits in every position, on a phone of its own.
+if [ $# -eq 1 ] && [ "$status" = 0 ]; then
+    echo
+    "$build/bin/aim_report" --picture "$output/aim.svg"
+    echo "picture: $output/aim.svg"
+fi
 exit "$status"

@@ -1,0 +1,135 @@
+#include "avstack/IMediaElement.h"
+#include "input/IInputContext.h"
+#include "input/MouseSettingsApi.h"
+#include "input/RelativeMouseSource.h"
+
+#include <benchmark/benchmark.h>
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_service.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
+
+#include <atomic>
+#include <thread>
+
+// One relative move from the surface's thread to its frame on the source's worker and the news of
+// it back, beside two bare posts between two threads.
+
+namespace orbelantine {
+namespace {
+
+constexpr int kSide = 100;
+
+class Surface final : public IInputContext {
+  public:
+    [[nodiscard]] std::uint16_t convertVKCodeToUnicode(std::uint32_t) override { return 0; }
+
+    [[nodiscard]] std::uint32_t mapVK(std::uint32_t) override { return 0; }
+
+    [[nodiscard]] std::uint32_t mapScan(std::uint32_t) override { return 0; }
+
+    void lockSystemMouse() override {}
+
+    void unlockSystemMouse(std::int32_t, std::int32_t) override {}
+
+    [[nodiscard]] std::int32_t getSystemMouseSpeed() override { return DEFAULT_MOUSE_SPEED; }
+
+    bool screenToInputSurface(Point&) override { return true; }
+
+    bool inputSurfaceToScreen(Point&) override { return true; }
+
+    bool getInputSurfaceRectWithinScreen(Rect& rect) override {
+        rect = {0, 0, kSide, kSide};
+        return true;
+    }
+
+    void setCaptureMouseExclusively() override {}
+
+    void releaseCaptureMouseExclusively() override {}
+};
+
+/// A thread that runs what is posted to it.
+class Poster {
+  public:
+    ~Poster() {
+        mIoService.stop();
+        mThread.join();
+    }
+
+    template <class Task>
+    void post(Task task) {
+        boost::asio::post(mIoService, std::move(task));
+    }
+
+  private:
+    boost::asio::io_service mIoService;
+    decltype(boost::asio::make_work_guard(mIoService)) mWork{mIoService.get_executor()};
+    std::thread mThread{[this] { mIoService.run(); }};
+};
+
+/// What the measuring thread waits for.
+class News {
+  public:
+    void tell() {
+        mCount.fetch_add(1);
+        mCount.notify_one();
+    }
+
+    void await() {
+        mCount.wait(mSeen);
+        mSeen = mCount;
+    }
+
+  private:
+    std::atomic<unsigned> mCount = 0;
+    unsigned mSeen = 0;
+};
+
+/// Posts the news of each frame on, as the manager's proxy does.
+class Target final : public IMediaElement {
+  public:
+    Target(Poster& poster, News& news)
+        : mPoster(poster)
+        , mNews(news) {}
+
+    void onFrame(const boost::shared_ptr<IMediaBuffer>&) override {
+        mPoster.post([this] { mNews.tell(); });
+    }
+
+  private:
+    Poster& mPoster;
+    News& mNews;
+};
+
+void moveOurs(benchmark::State& state) {
+    News news;
+    Poster poster;
+    RelativeMouseSource source{KVStore()};
+    const auto surface = boost::make_shared<Surface>();
+    source.start(surface);
+    // Parks twice; a drag begins with a press.
+    source.rmiLogicalDimensions(kSide, kSide, 1.0, 0);
+    source.mouseLButton(true, kSide / 2, kSide / 2, 0, false);
+    source.postAndWait([](const auto&) {});
+    source.registerTarget(boost::make_shared<Target>(poster, news));
+    for (auto _ : state) {
+        source.rawMouseMove(6, 0);
+        news.await();
+    }
+}
+
+void moveBare(benchmark::State& state) {
+    News news;
+    Poster poster;
+    Poster worker;
+    for (auto _ : state) {
+        worker.post([&] { poster.post([&] { news.tell(); }); });
+        news.await();
+    }
+}
+
+BENCHMARK(moveOurs)->Name("BM_RelativeMove/ours")->UseRealTime();
+BENCHMARK(moveBare)->Name("BM_RelativeMove/bare")->UseRealTime();
+
+} // namespace
+} // namespace orbelantine
