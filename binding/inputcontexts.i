@@ -1,6 +1,8 @@
 // Input surfaces, and the callback families of their events.
 
 %feature("director") orbelantine::IInputContext;
+%feature("director") orbelantine::IWindowState;
+%feature("director") orbelantine::IRemoteMouseInfoProvider;
 
 namespace orbelantine {
 
@@ -69,16 +71,12 @@ public:
   void releaseCaptureMouseExclusively();
 };
 
-%feature("director") orbelantine::IWindowState;
-
 class IWindowState {
 public:
   virtual ~IWindowState();
   virtual bool getHovered() = 0;
   virtual bool getFocued() = 0;
 };
-
-%feature("director") orbelantine::IRemoteMouseInfoProvider;
 
 class IRemoteMouseInfoProvider {
 public:

@@ -1,0 +1,42 @@
+using System.Collections.Generic;
+using Orbelantine.Swig.input;
+
+namespace Orbelantine.HostTests
+{
+    /// <summary>A surface of 100 by 200 pixels at (10, 20) of the screen, which notes what is asked of
+    /// it.</summary>
+    public sealed class FakeSurface : IInputContext
+    {
+        public List<string> Asked { get; } = new List<string>();
+
+        public override ushort convertVKCodeToUnicode(uint vk) { return (ushort)(vk + 0x4E00); }
+        public override uint mapVK(uint index) { return index + 100; }
+        public override uint mapScan(uint index) { return index + 200; }
+        public override void lockSystemMouse() { Asked.Add("lock"); }
+        public override void unlockSystemMouse(int x, int y) { Asked.Add("unlock " + x + "," + y); }
+        public override int getSystemMouseSpeed() { return 7; }
+        public override void setCaptureMouseExclusively() { Asked.Add("capture"); }
+        public override void releaseCaptureMouseExclusively() { Asked.Add("release"); }
+
+        public override bool screenToInputSurface(Point point)
+        {
+            point.x -= 10;
+            point.y -= 20;
+            return true;
+        }
+
+        public override bool inputSurfaceToScreen(Point point)
+        {
+            return false;
+        }
+
+        public override bool getInputSurfaceRectWithinScreen(Rect rect)
+        {
+            rect.left = 10;
+            rect.top = 20;
+            rect.right = 110;
+            rect.bottom = 220;
+            return true;
+        }
+    }
+}
