@@ -2,8 +2,8 @@
 
 #include "core/common/ApiCategory.h"
 #include "core/common/ErrorAreas.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
+#include "tests/support/CapturedLog.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
 #include <gtest/gtest.h>

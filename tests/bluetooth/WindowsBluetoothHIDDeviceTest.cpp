@@ -2,8 +2,8 @@
 
 #include "core/common/ApiCategory.h"
 #include "core/common/ErrorAreas.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
 
 #include <gtest/gtest.h>

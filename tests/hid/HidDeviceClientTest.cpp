@@ -3,8 +3,8 @@
 #include "core/common/ErrorAreas.h"
 #include "core/common/OSAL.h"
 #include "hid/IHIDDeviceClientDummy.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
 
 #include <boost/smart_ptr/make_shared.hpp>

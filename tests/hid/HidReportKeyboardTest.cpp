@@ -1,8 +1,8 @@
 #include "core/common/OSAL.h"
 #include "hid/IHIDKeyTranslator.h"
 #include "hid/WindowsHIDKeyTranslator.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/hid/HidReportFixture.h"
+#include "tests/support/CapturedLog.h"
 
 namespace orbelantine {
 

@@ -1,7 +1,7 @@
 #include "hid/L2capSocket.h"
 
-#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
+#include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
 
 #include <gtest/gtest.h>

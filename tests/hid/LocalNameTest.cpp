@@ -1,9 +1,9 @@
 #include "core/common/OSAL.h"
 #include "hid/IBluetoothHIDDeviceClientDummy.h"
 #include "hid/WindowsBluetoothHIDDeviceClient.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/hid/FakeLocalRadioApi.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "input/AbsoluteMouseSource.h"
 
-#include "tests/support/CapturedLog.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
+#include "tests/support/CapturedLog.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>

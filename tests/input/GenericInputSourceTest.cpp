@@ -3,10 +3,10 @@
 #include "avstack/InputFormat.h"
 #include "input/InputContextComposite.h"
 #include "input/InputContextKey.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
 #include "tests/input/Standins.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 

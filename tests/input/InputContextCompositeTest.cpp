@@ -1,7 +1,7 @@
 #include "input/InputContextComposite.h"
 
-#include "tests/support/CapturedLog.h"
 #include "tests/input/FakeInputContext.h"
+#include "tests/support/CapturedLog.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>

@@ -3,9 +3,9 @@
 #include "avstack/InputFormat.h"
 #include "core/common/KVStore.h"
 #include "input/InputContextKey.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
+#include "tests/support/CapturedLog.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>

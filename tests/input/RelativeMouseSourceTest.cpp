@@ -1,7 +1,7 @@
 #include "input/RelativeMouseSource.h"
 
-#include "tests/support/CapturedLog.h"
 #include "tests/input/RelativeMouseFixture.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 
