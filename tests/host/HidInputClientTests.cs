@@ -69,7 +69,7 @@ namespace Orbelantine.HostTests
                 phone.WaitForLine("\"typed\":\"b\"");
                 client.pauseConnection();
                 client.resumeConnection();
-                Assert.True(SpinWait.SpinUntil(() => Times("connected") == 3, PatienceMs), "not connected three times");
+                Await("connected", 3);
                 Assert.Equal(0, Code((_, done) => client.disconnect(done)));
             }
         }
@@ -85,7 +85,7 @@ namespace Orbelantine.HostTests
                 client.setHidRemoteSdpRefresh(true);
                 Assert.Equal(0, Code(client.connect));
                 Assert.Equal(1, Times("refreshed"));
-                Assert.Equal(2, Times("disconnected"));
+                Await("disconnected", 2);
                 Assert.Equal(0, Code((_, done) => client.disconnect(done)));
             }
         }
@@ -185,6 +185,11 @@ namespace Orbelantine.HostTests
         {
             lock (heard)
                 heard[what] = Times(what) + 1;
+        }
+
+        private void Await(string what, int times)
+        {
+            Assert.True(SpinWait.SpinUntil(() => Times(what) == times, PatienceMs), "not " + times + " times " + what);
         }
 
         private int Times(string what)

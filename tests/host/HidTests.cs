@@ -89,30 +89,6 @@ namespace Orbelantine.HostTests
         }
 
         [Test]
-        public void ThePackerRemembersButtons()
-        {
-            IEnumerable<byte> buttons = Pack(true, Mouse(0, 0, 2), Mouse(0, 0, 8), Mouse(1, 1, 0), Mouse(0, 0, 1), Mouse(0, 0, 7))
-                .Select(report => report[2]);
-            Assert.Sequence(new byte[] { 1, 5, 5, 4, 0 }, buttons);
-        }
-
-        [Test]
-        public void ThePackerMakesKeyboardReports()
-        {
-            IList<byte[]> reports = Pack(true, Key(VolumeDown, 0), Key(175, 0), Key(VolumeDown, 1));
-            Assert.Sequence(new byte[] { 0xA1, 2, 0, 238, 0, 0, 0, 0, 0, 0, 0, 0 }, reports[0]);
-            Assert.Sequence(new byte[] { 0xA1, 2, 0, 238, 237, 0, 0, 0, 0, 0, 0, 0 }, reports[1]);
-            Assert.Sequence(new byte[] { 0xA1, 2, 0, 0, 237, 0, 0, 0, 0, 0, 0, 0 }, reports[2]);
-            Assert.Sequence(new byte[] { 2, 0, 238, 0, 0, 0, 0, 0, 0, 0, 0, 0 }, Pack(false, Key(VolumeDown, 0)).Single());
-        }
-
-        [Test]
-        public void ThePackerDropsWhatItDoesNotKnow()
-        {
-            Assert.Equal(0, Pack(true, Mouse(0, 0, 9), Key(KeyA, 0), new IInputMediaBufferTouch(1, 2, 3, 0), null).Count);
-        }
-
-        [Test]
         public void APackerThatIsStoppedForgetsTargetAndButtons()
         {
             using (var taker = new ReportTaker())
@@ -158,17 +134,6 @@ namespace Orbelantine.HostTests
         }
 
         [Test]
-        public void AButtonEventKeepsTheLastMovesY()
-        {
-            using (var provider = new InterceptingProvider(configuration))
-            {
-                provider.sendMouseMove(1, 7);
-                provider.sendMouseLeftClick(true);
-                Assert.Equal("2: 0, 7", provider.Events.Last());
-            }
-        }
-
-        [Test]
         public void AProviderWithoutADeviceLogsAndSendsNothing()
         {
             IList<string> lines = TestLog.Record(() =>
@@ -181,21 +146,6 @@ namespace Orbelantine.HostTests
                 }
             });
             Assert.True(lines.Single().EndsWith(" | LUMIPORT | error]: No device defined!"), lines.Single());
-        }
-
-        [Test]
-        public void AKeyWithoutACodeIsLogged()
-        {
-            IList<string> lines = TestLog.Record(() =>
-            {
-                using (var device = new HIDDeviceClient())
-                using (var provider = new HIDReportProvider(configuration))
-                {
-                    provider.setDevice(device);
-                    provider.sendKey(84, true);
-                }
-            });
-            Assert.True(lines.Last().EndsWith("warning]: failed disptching report - conversion failed"), lines.Last());
         }
 
         [Test]

@@ -53,32 +53,6 @@ namespace Orbelantine.HostTests
         }
 
         [Test]
-        public void IntegersAreSwappedUnlessToldOtherwise()
-        {
-            using (var mouse = new IInputMediaBufferMouse(5, -2, 0))
-            using (var key = new IInputMediaBufferKeyboard(5, 0, 0x41))
-            using (var touch = new IInputMediaBufferTouch(1, 5, 6, 0))
-            {
-                Assert.Sequence(new byte[] { 0, 0, 0, 5, 0xFF, 0xFF, 0xFF, 0xFE }, Payload(mouse).Take(8));
-                Assert.Sequence(new byte[] { 0, 0, 0, 0x41 }, Payload(key).Skip(4));
-                Assert.Sequence(new byte[] { 0, 0, 0, 5, 0, 0, 0, 6 }, Payload(touch).Skip(4).Take(8));
-            }
-        }
-
-        [Test]
-        public void TheTimestampOfAnInputBufferIsFixed()
-        {
-            using (var mouse = new IInputMediaBufferMouse(0, 0, 0, false, 77))
-            using (var touch = new IInputMediaBufferTouch(0, 0, 0, 0, false, 77))
-            using (var key = new IInputMediaBufferKeyboard(0, 0, 0))
-            {
-                foreach (IMediaBuffer buffer in new IMediaBuffer[] { mouse, touch, key })
-                    buffer.setTimestamp(5);
-                Assert.Sequence(new ulong[] { 77, 77, 0 }, new[] { mouse.getTimestamp(), touch.getTimestamp(), key.getTimestamp() });
-            }
-        }
-
-        [Test]
         public void ACopyOfAnInputBufferIsItsOwn()
         {
             using (var mouse = new IInputMediaBufferMouse(5, 6, 2, false, 77))
@@ -93,14 +67,6 @@ namespace Orbelantine.HostTests
                     Assert.Sequence(new byte[] { 5, 0, 0, 0, 6, 0, 0, 0, 2 }, Payload(made).Take(9));
                 }
             }
-        }
-
-        [Test]
-        public void ACopyOfASwappedBufferIsSwappedOnceMore()
-        {
-            using (var mouse = new IInputMediaBufferMouse(5, 6, 2))
-            using (IMediaBuffer copy = mouse.copy(255, AllOnes))
-                Assert.Sequence(new byte[] { 5, 0, 0, 0, 6, 0, 0, 0, 2 }, Payload(copy).Take(9));
         }
 
         [Test]

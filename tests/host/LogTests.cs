@@ -28,31 +28,10 @@ namespace Orbelantine.HostTests
         }
 
         [Test]
-        public void OneRotatedFileIsKept()
-        {
-            Assert.Equal(1u, Common.get_log_max_index());
-        }
-
-        [Test]
         public void TheFirstLineTellsTheProcessAndTheLevel()
         {
             string start = "STARTING INSTANCE pid=" + Process.GetCurrentProcess().Id.ToString("D6") + ", level = 2";
             Assert.True(TestLog.Lines()[0].EndsWith(" | logger | critical]: " + start), TestLog.Lines()[0]);
-        }
-
-        [Test]
-        public void ALineHasTimeThreadTagAndLevel()
-        {
-            IList<string> lines = TestLog.Record(() => Common.lumiport_log(3, TestLog.Tag, "text"));
-            const string form = @"^\[\d\d/\d\d/\d\d \d\d:\d\d:\d\d\.\d{3} \| tid:\d+ \| HostTests \| warning\]: text$";
-            Assert.True(Regex.IsMatch(lines.Single(), form), lines.Single());
-        }
-
-        [Test]
-        public void ALineEndsInCarriageReturnAndLineFeed()
-        {
-            TestLog.Record(() => Common.lumiport_log(TestLog.Info, TestLog.Tag, "the end"));
-            Assert.Contains("]: the end\r\n[", File.ReadAllText(TestLog.FilePath));
         }
 
         [Test]
@@ -93,18 +72,6 @@ namespace Orbelantine.HostTests
         }
 
         [Test]
-        public void PrivateTextIsWrittenWhenEnabled()
-        {
-            Assert.Sequence(new[] { "Changing log private from 0 to 1", "secret", "Host::call() secret" }, Messages(() =>
-            {
-                Common.set_log_enable_private(true);
-                Assert.True(Common.get_log_enable_private(), "not enabled");
-                Common.lumiport_log_private(TestLog.Info, TestLog.Tag, "secret");
-                LogPrivateFormat(TestLog.Info, TestLog.Tag, "%s() secret", "Host::call");
-            }));
-        }
-
-        [Test]
         public void ALevelAboveOffIsOff()
         {
             Common.set_log_level(99);
@@ -120,14 +87,6 @@ namespace Orbelantine.HostTests
                 Common.set_log_level(1);
                 Assert.Equal(1u, Common.get_log_level());
             }));
-        }
-
-        [Test]
-        public void NothingIsWrittenWhileOff()
-        {
-            long before = new FileInfo(TestLog.FilePath).Length;
-            Common.lumiport_log(5, TestLog.Tag, new string('x', 100000));
-            Assert.Equal(before, new FileInfo(TestLog.FilePath).Length, "bytes");
         }
 
         [Test]
