@@ -46,6 +46,10 @@ function(orbelantine_tests name)
     target_link_libraries(${name}_tests PRIVATE ${arg_LIBRARIES} gtest_main)
     # Tests compile often and run briefly.
     target_compile_options(${name}_tests PRIVATE -O0 -g1)
+    if(WIN32)
+        # Unoptimised templates need more sections than an object file has by default.
+        target_compile_options(${name}_tests PRIVATE -Wa,-mbig-obj)
+    endif()
     if(arg_ONE_PROCESS_EACH)
         gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60)
     else()
