@@ -3,49 +3,18 @@
 #include <boost/endian/conversion.hpp>
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 
 namespace orbelantine::phone {
 
 namespace {
 
-namespace endian = boost::endian;
-
-constexpr std::size_t kCodeSize = 4;
-constexpr std::uint32_t kWrite = 0;
-constexpr std::size_t kConnectInput = 10;
-constexpr std::uint32_t kRelativeMouse = 2;
-
-// The system's own error numbers, as DeviceIoControl would give them.
-constexpr std::uint32_t kErrorInvalidFunction = 1;
-constexpr std::uint32_t kErrorInvalidParameter = 87;
-constexpr std::uint32_t kErrorNotFound = 1168;
-constexpr std::uint32_t kErrorConnectionRefused = 1225;
-
-template <typename T>
-Driver::Reply littleEndian(T value) {
-    Driver::Reply bytes(sizeof(T));
-    endian::endian_store<T, sizeof(T), endian::order::little>(bytes.data(), value);
-    return bytes;
-}
-
-/// Input of the connect request.
-//  0 .. 5                     6 7  8 9
-//  address, last byte first   psm  channel: 2 for interrupt, 1 for any other
-struct ConnectInput {
-    Address address;
-    std::uint16_t psm;
-    std::uint16_t channel;
-
-    explicit ConnectInput(Driver::Bytes bytes)
-        : psm(endian::load_little_u16(&bytes[6]))
-        , channel(endian::load_little_u16(&bytes[8])) {
-        std::reverse_copy(bytes.begin(), bytes.begin() + 6, address.bytes.begin());
-    }
-
-    [[nodiscard]] bool channelFitsPsm() const { return channel == (psm == kInterruptPsm ? 2 : 1); }
-};
+using device::ConnectInput;
+using device::kErrorConnectionRefused;
+using device::kErrorInvalidFunction;
+using device::kErrorInvalidParameter;
+using device::kErrorNotFound;
+using device::littleEndian;
 
 } // namespace
 
@@ -57,11 +26,11 @@ struct Driver::Request {
 };
 
 const Driver::Request Driver::kRequests[] = {
-    {0x220000, "connect", kConnectInput,
+    {0x220000, "connect", ConnectInput::kSize,
      [](Driver& driver, Handle& handle, Bytes input) { return driver.connect(handle, input); }},
     {0x220004, "get_type", 0,
      [](Driver&, Handle&, Bytes) {
-         return Answer{0, littleEndian(kRelativeMouse)};
+         return Answer{0, littleEndian(device::kRelativeMouse)};
      }},
     {0x220008, "get_version", 0,
      [](Driver& driver, Handle&, Bytes) {
@@ -96,13 +65,13 @@ void Driver::close(HandleId id) {
 }
 
 std::optional<Driver::Reply> Driver::packet(HandleId id, Bytes bytes) {
-    if (bytes.size() < kCodeSize) {
+    if (bytes.size() < device::kCodeSize) {
         mPhone.error("a packet has no code", {}, bytes);
         return std::nullopt;
     }
-    const std::uint32_t code = endian::load_little_u32(bytes.data());
-    const Bytes payload = bytes.subspan(kCodeSize);
-    if (code != kWrite)
+    const std::uint32_t code = boost::endian::load_little_u32(bytes.data());
+    const Bytes payload = bytes.subspan(device::kCodeSize);
+    if (code != device::kWrite)
         return encode(answer(id, code, payload));
     write(mHandles[id], payload);
     return std::nullopt;
@@ -191,12 +160,9 @@ Driver::Reply Driver::encode(const Answer& answer) {
     constexpr std::size_t kShortReply = 3;
     constexpr std::size_t kExcess = 64;
     constexpr std::uint8_t kExcessByte = 0xEE;
-    constexpr std::size_t kHeader = 4;
-    Reply reply(kHeader + answer.output.size());
-    endian::store_little_u32(reply.data(), answer.error);
-    std::ranges::copy(answer.output, reply.begin() + kHeader);
+    Reply reply = device::makeReply(answer.error, answer.output);
     if (mFaults.garbage) {
-        const std::size_t sizes[] = {kShortReply, kHeader, reply.size() + kExcess};
+        const std::size_t sizes[] = {kShortReply, sizeof(answer.error), reply.size() + kExcess};
         reply.resize(sizes[mGarbageSent++ % std::size(sizes)], kExcessByte);
     }
     return reply;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/device_socket/Protocol.h"
 #include "tools/virtual_phone/Channel.h"
 #include "tools/virtual_phone/EventLog.h"
 #include "tools/virtual_phone/Options.h"
@@ -8,9 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string_view>
-#include <vector>
 
 namespace orbelantine::phone {
 
@@ -20,11 +19,10 @@ namespace orbelantine::phone {
 class Driver {
   public:
     using HandleId = unsigned;
-    using Bytes = std::span<const std::uint8_t>;
-    using Reply = std::vector<std::uint8_t>;
+    using Bytes = device::Bytes;
+    using Reply = device::Reply;
 
-    /// The longest packet that makes sense, with much room to spare.
-    static constexpr std::size_t kMaxPacket = 1024;
+    static constexpr std::size_t kMaxPacket = device::kMaxPacket;
 
     /// `phone` and `log` outlive the driver.
     Driver(const Address& address, const Faults& faults, Phone& phone, EventLog& log);

@@ -1,11 +1,11 @@
 #include "tools/virtual_phone/linux/DeviceServer.h"
 
+#include "tools/device_socket/linux/PacketReader.h"
 #include "tools/virtual_phone/linux/ControlPipe.h"
 
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <climits>
 #include <filesystem>
@@ -119,23 +119,17 @@ void DeviceServer::serve(const std::vector<pollfd>& polled) {
 }
 
 void DeviceServer::readPackets(Connection& connection, bool hungUp) {
-    std::array<std::uint8_t, Driver::kMaxPacket> buffer;
+    using Result = device::PacketReader::Result;
+    device::PacketReader reader;
     for (int i = 0; i < kPacketsPerTurn && !mVanishes; ++i) {
-        const ssize_t size =
-            ::recv(connection.socket.get(), buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_TRUNC);
-        if (size < 0 && errno == EINTR)
-            continue;
-        if (size < 0 && errno == EAGAIN)
+        const Result result = reader.read(connection.socket.get(), hungUp);
+        connection.gone = result == Result::End;
+        if (result == Result::Nothing || result == Result::End)
             return;
-        // An empty packet reads as the end does, but its sender is still there.
-        if (size < 0 || (size == 0 && hungUp)) {
-            connection.gone = true;
-            return;
-        }
-        if (std::cmp_greater(size, buffer.size()))
+        if (result == Result::TooLong)
             mParts.driver.unreadable("a packet is too long");
         else
-            take(connection, Driver::Bytes(buffer).first(static_cast<std::size_t>(size)));
+            take(connection, reader.packet());
     }
 }
 

@@ -1,0 +1,146 @@
+#pragma once
+
+#include "tools/l2cap_bridge/linux/L2capApi.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace orbelantine::bridge {
+
+/// A radio with one phone in reach: each channel is a pair of local sockets, the other end of which
+/// is the phone's. Any thread may call.
+class FakeL2cap final : public L2capApi {
+  public:
+    using Bytes = std::vector<std::uint8_t>;
+
+    void simulateRadio(Error error) { set(mRadio, error); }
+
+    /// How connects end from here on.
+    void simulateConnect(Error error) { set(mConnect, error); }
+
+    /// Every packet fails to go out, with this error.
+    void simulateSend(Error error) { set(mSend, error); }
+
+    /// Connects go on until finishConnect().
+    void simulateSlowConnect() { set(mConnect, EINPROGRESS); }
+
+    void finishConnect(std::uint16_t psm, Error error) {
+        set(mOutcome, error);
+        drain(phoneEnd(psm));
+    }
+
+    void hangUp(std::uint16_t psm) {
+        const std::lock_guard lock(mMutex);
+        mPhone.erase(psm);
+    }
+
+    void sendFromPhone(std::uint16_t psm, const Bytes& packet) {
+        static_cast<void>(::send(phoneEnd(psm), packet.data(), packet.size(), MSG_NOSIGNAL));
+    }
+
+    /// What the phone got next on a channel; waits for it. Nothing once the channel is closed.
+    std::optional<Bytes> received(std::uint16_t psm) {
+        Bytes bytes(1024);
+        const ssize_t size = ::recv(phoneEnd(psm), bytes.data(), bytes.size(), 0);
+        if (size <= 0)
+            return std::nullopt;
+        bytes.resize(static_cast<std::size_t>(size));
+        return bytes;
+    }
+
+    /// So that nothing more fits: returns how many packets of this size were sent.
+    static int fill(int socket, std::size_t size) {
+        const Bytes filler(size, 0xFF);
+        int count = 0;
+        while (::send(socket, filler.data(), filler.size(), MSG_DONTWAIT | MSG_NOSIGNAL) > 0)
+            ++count;
+        return count;
+    }
+
+    /// The bridge's end of a channel.
+    int bridgeEnd(std::uint16_t psm) {
+        const std::lock_guard lock(mMutex);
+        return mBridge.at(psm);
+    }
+
+    static void drain(int socket) {
+        std::uint8_t byte = 0;
+        while (::recv(socket, &byte, 1, MSG_DONTWAIT | MSG_TRUNC) > 0) {
+        }
+    }
+
+    int phoneEnd(std::uint16_t psm) {
+        const std::lock_guard lock(mMutex);
+        return mPhone.at(psm).get();
+    }
+
+    [[nodiscard]] phone::Address peer() const { return mPeer; }
+
+    Error radio() override { return get(mRadio); }
+
+    Error socket(phone::FileDescriptor& socket) override {
+        int ends[2];
+        if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0)
+            return errno;
+        socket = phone::FileDescriptor(ends[0]);
+        const std::lock_guard lock(mMutex);
+        mNewEnd = phone::FileDescriptor(ends[1]);
+        return 0;
+    }
+
+    Error connect(int socket, const phone::Address& peer, std::uint16_t psm) override {
+        const std::lock_guard lock(mMutex);
+        mPeer = peer;
+        mBridge[psm] = socket;
+        mPhone[psm] = std::move(mNewEnd);
+        if (mConnect == EINPROGRESS)
+            fill(socket, 1);
+        return mConnect;
+    }
+
+    Error error(int) override { return get(mOutcome); }
+
+    Error send(int socket, std::span<const std::uint8_t> packet) override {
+        if (const Error error = get(mSend))
+            return error;
+        return ::send(socket, packet.data(), packet.size(), MSG_DONTWAIT | MSG_NOSIGNAL) < 0 ? errno
+                                                                                             : 0;
+    }
+
+    Error receive(int socket, std::span<std::uint8_t> buffer, std::size_t& size) override {
+        const ssize_t received = ::recv(socket, buffer.data(), buffer.size(), MSG_DONTWAIT);
+        size = received < 0 ? 0 : static_cast<std::size_t>(received);
+        return received < 0 ? errno : 0;
+    }
+
+  private:
+    void set(Error& target, Error value) {
+        const std::lock_guard lock(mMutex);
+        target = value;
+    }
+
+    Error get(const Error& source) {
+        const std::lock_guard lock(mMutex);
+        return source;
+    }
+
+    std::mutex mMutex;
+    Error mRadio = 0;
+    Error mConnect = 0;
+    Error mOutcome = 0;
+    Error mSend = 0;
+    phone::Address mPeer;
+    phone::FileDescriptor mNewEnd;
+    std::map<std::uint16_t, phone::FileDescriptor> mPhone;
+    std::map<std::uint16_t, int> mBridge;
+};
+
+} // namespace orbelantine::bridge

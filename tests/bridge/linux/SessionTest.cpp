@@ -1,0 +1,140 @@
+#include "bluetooth/DriverApi.h"
+#include "core/common/ErrorAreas.h"
+#include "hid/HIDDeviceClient.h"
+#include "tests/bridge/linux/FakeL2cap.h"
+#include "tests/phone/linux/TestHost.h"
+#include "tests/support/HandClock.h"
+#include "tools/l2cap_bridge/linux/Bridge.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <string>
+#include <thread>
+
+namespace orbelantine::bridge {
+
+namespace {
+
+using Bytes = FakeL2cap::Bytes;
+
+constexpr const char* kAddress = "00:11:22:33:44:55";
+const Bytes kGreeting = {0xA1, 0x13, 0x03};
+const Bytes kReport = {0xA1, 0x02, 0x02, 0, 4, 0, 0, 0, 0, 0};
+
+/// The library's client before a bridge that runs on a thread of its own.
+class SessionTest : public testing::Test {
+  protected:
+    SessionTest() {
+        int ends[2];
+        EXPECT_EQ(::pipe(ends), 0);
+        mStopReader = phone::FileDescriptor(ends[0]);
+        mStopWriter = phone::FileDescriptor(ends[1]);
+        mOptions.devices = mFolder / "devices";
+        mOptions.address = {{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
+        ::setenv("ORBELANTINE_DEVICE_DIR", mOptions.devices.c_str(), 1);
+        mBridge.emplace(Parts{mL2cap, mLog, [] { return std::chrono::milliseconds(0); }}, mOptions,
+                        mStopReader.get());
+        mThread = std::thread([this] {
+            while (mBridge->step() == Bridge::Outcome::GoesOn) {
+            }
+        });
+        mClient.onDisconnected.connect([this](error_code) { mDisconnected = true; });
+    }
+
+    ~SessionTest() override {
+        mStopWriter = phone::FileDescriptor();
+        mThread.join();
+        ::unsetenv("ORBELANTINE_DEVICE_DIR");
+    }
+
+    void connect() {
+        ASSERT_EQ(mClient.connect(kAddress), error_code());
+        EXPECT_EQ(mL2cap.received(17), kGreeting);
+        EXPECT_EQ(mL2cap.received(17), kGreeting);
+    }
+
+    void sendReport() { mClient.sendReport(kReport.data(), kReport.size()); }
+
+    /// Sends until the client notices that nothing gets through; false if it never does.
+    bool noticesTheLoss() {
+        const auto latest = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!mDisconnected && std::chrono::steady_clock::now() < latest) {
+            sendReport();
+            std::this_thread::yield();
+        }
+        return mDisconnected;
+    }
+
+    phone::TemporaryFolder mFolder;
+    phone::FileDescriptor mStopReader;
+    phone::FileDescriptor mStopWriter;
+    phone::EventLog mLog{nullptr, nullptr};
+    FakeL2cap mL2cap;
+    Options mOptions;
+    std::optional<Bridge> mBridge;
+    std::thread mThread;
+    std::atomic<bool> mDisconnected = false;
+    test::HandClock mClock;
+    HIDDeviceClient mClient{DriverApi::system(), mClock};
+};
+
+} // namespace
+
+TEST_F(SessionTest, ReportsArriveByteForByteInTheirOrder) {
+    connect();
+    for (std::uint8_t key = 0; key < 100; ++key) {
+        Bytes report = kReport;
+        report[4] = key;
+        mClient.sendReport(report.data(), report.size());
+    }
+    for (std::uint8_t key = 0; key < 100; ++key) {
+        Bytes report = kReport;
+        report[4] = key;
+        EXPECT_EQ(mL2cap.received(19), report);
+    }
+}
+
+TEST_F(SessionTest, ConnectFailsWhileThePhoneRefusesAndWorksLater) {
+    mL2cap.simulateConnect(ECONNREFUSED);
+    EXPECT_NE(mClient.connect(kAddress), error_code());
+    mL2cap.simulateConnect(0);
+    connect();
+}
+
+TEST_F(SessionTest, UnplugIsDoneWhenThePhoneHangsUp) {
+    connect();
+    mClock.onPause([this] {
+        if (mClock.pauses().size() != 2)
+            return;
+        EXPECT_EQ(mL2cap.received(17), Bytes{0x15});
+        mL2cap.hangUp(19);
+        mL2cap.hangUp(17);
+    });
+    EXPECT_EQ(mClient.virtualCableUnplug(), error_code());
+    EXPECT_FALSE(mClient.isConnected());
+    EXPECT_EQ(mClock.pauses().size(), 2u);
+}
+
+TEST_F(SessionTest, PhoneThatKeepsItsChannelsLetsTheUnplugTimeOut) {
+    connect();
+    EXPECT_EQ(mClient.virtualCableUnplug(), HidErrors::getErrorCode(HidErrors::TimeoutReached));
+}
+
+TEST_F(SessionTest, PhoneThatWalksAwayIsNoticedByTheReports) {
+    connect();
+    mL2cap.hangUp(19);
+    EXPECT_TRUE(noticesTheLoss());
+}
+
+TEST_F(SessionTest, LostRadioIsNoticedByTheReports) {
+    connect();
+    mL2cap.simulateRadio(ENODEV);
+    mL2cap.hangUp(17);
+    EXPECT_TRUE(noticesTheLoss());
+}
+
+} // namespace orbelantine::bridge

@@ -1,0 +1,235 @@
+#include "core/common/ErrorCode.h"
+#include "hid/HIDDeviceClient.h"
+#include "hid/WindowsBluetoothHIDDeviceClient.h"
+#include "tests/bluetooth/FakeDriverApi.h"
+#include "tests/hid/FakeLocalRadioApi.h"
+#include "tests/support/HandClock.h"
+#include "tests/system/linux/Session.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace orbelantine {
+namespace {
+
+using namespace std::chrono_literals;
+using test::FakeDriverApi;
+using test::Names;
+
+constexpr DriverApi::Error kAccessDenied = 5;
+
+/// What a failing call makes of a connect or reconnect.
+enum Effect { kNone = 0, kSocketFailure = -1, kWrongVersion = 136 };
+
+struct Call {
+    const char* name;
+    Effect effect;
+};
+
+/// Looking for the local device's type, which counts as 2 whatever becomes of it.
+constexpr Call kTypeCalls[] = {
+    {"SetupDiGetClassDevs", kNone},
+    {"SetupDiEnumDeviceInterfaces", kNone},
+    {"SetupDiGetDeviceInterfaceDetail", kNone},
+    {"LocalAlloc", kNone},
+    {"SetupDiGetDeviceInterfaceDetail", kNone},
+    {"CreateFile", kNone},
+    {"CM_Register_Notification", kNone},
+    {"DeviceIoControl", kNone},
+};
+
+/// Each of the two channels.
+constexpr Call kChannelCalls[] = {
+    {"SetupDiGetClassDevs", kSocketFailure},
+    {"SetupDiEnumDeviceInterfaces", kSocketFailure},
+    {"SetupDiGetDeviceInterfaceDetail", kSocketFailure},
+    {"LocalAlloc", kSocketFailure},
+    {"SetupDiGetDeviceInterfaceDetail", kSocketFailure},
+    {"CreateFile", kSocketFailure},
+    {"CM_Register_Notification", kNone},
+    {"DeviceIoControl", kWrongVersion},
+    {"DeviceIoControl", kSocketFailure},
+};
+
+constexpr Call kGreetingCalls[] = {{"WriteFile", kNone}, {"WriteFile", kSocketFailure}};
+constexpr Call kReportCalls[] = {{"WriteFile", kNone}};
+
+template <class... Parts>
+std::vector<Call> join(const Parts&... parts) {
+    std::vector<Call> calls;
+    (calls.insert(calls.end(), std::begin(parts), std::end(parts)), ...);
+    return calls;
+}
+
+const std::vector<Call> kLinkCalls = join(kChannelCalls, kChannelCalls, kGreetingCalls);
+const std::vector<Call> kConnectCalls = join(kTypeCalls, kTypeCalls, kLinkCalls);
+
+/// Every call of a session that connects, sends a report, sleeps, wakes by a report and ends.
+const std::vector<Call> kSessionCalls = join(kConnectCalls, kReportCalls, kLinkCalls, kReportCalls);
+const std::size_t kFirstReportCall = kConnectCalls.size();
+const std::size_t kReconnectCall = kFirstReportCall + 1;
+const std::size_t kSecondReportCall = kReconnectCall + kLinkCalls.size();
+
+/// A device that tells when it has been given a report, sent or not.
+class NotingDevice final : public HIDDeviceClient {
+  public:
+    NotingDevice(DriverApi& api, IClock& clock, test::Journal& journal)
+        : HIDDeviceClient(api, clock)
+        , mJournal(journal) {}
+
+    void sendReport(const std::uint8_t* data, std::size_t size) override {
+        HIDDeviceClient::sendReport(data, size);
+        mJournal.note("report");
+    }
+
+  private:
+    test::Journal& mJournal;
+};
+
+/// The whole road on a fake of the platform, one call of which fails.
+class FaultySession {
+  public:
+    explicit FaultySession(std::size_t failing) {
+        mApi.simulateHidDriver();
+        mApi.simulateFailure(failing, kAccessDenied);
+        mSession.client->onConnected.connect([this] { mJournal.note("connected"); });
+        mSession.client->onDisconnected.connect(
+            [this](error_code ec) { mJournal.note("lost " + std::to_string(ec.value())); });
+    }
+
+    ~FaultySession() {
+        mSession.client.reset();
+        EXPECT_EQ(mApi.held(), 0U);
+    }
+
+    /// The result of a connect, and what it raised.
+    Names connect() {
+        const error_code ec = mSession.connect();
+        return notesBehind(ec);
+    }
+
+    error_code disconnect() {
+        mDown = false;
+        return mSession.disconnect();
+    }
+
+    /// What one event raises, up to `last`.
+    Names press(const std::string& last) {
+        mSession.key(mDown = !mDown, test::kScanA);
+        mJournal.await(last);
+        mSession.settle();
+        Names notes = mJournal.take();
+        // They come from two threads.
+        std::ranges::sort(notes);
+        return notes;
+    }
+
+    void pause() {
+        mSession.client->pauseConnection();
+        mSession.settle();
+    }
+
+    [[nodiscard]] std::size_t reportsArrived() const {
+        std::size_t count = 0;
+        for (const auto& write : mApi.writes())
+            count += write.psm == driver::kInterruptPsm ? 1 : 0;
+        return count;
+    }
+
+    [[nodiscard]] std::size_t openFiles() const { return mApi.openFiles(); }
+
+    /// Of the platform's handles and memory.
+    [[nodiscard]] std::size_t held() const { return mApi.held(); }
+
+    [[nodiscard]] Names calls() const { return mApi.calls(); }
+
+  private:
+    Names notesBehind(error_code result) {
+        mSession.settle();
+        Names notes = mJournal.take();
+        notes.insert(notes.begin(), std::to_string(result.value()));
+        return notes;
+    }
+
+    FakeDriverApi mApi;
+    test::FakeLocalRadioApi mRadio;
+    test::HandClock mClock;
+    test::Journal mJournal;
+    bool mDown = false;
+    test::FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient", [this](const KVStore&) {
+                                                         return boost::make_shared<NotingDevice>(
+                                                             mApi, mClock, mJournal);
+                                                     }};
+    test::FactoryOverride<IBluetoothHIDDeviceClient> mStacks{
+        "WindowsBluetoothHIDDeviceClient", [this](const KVStore&) {
+            return boost::make_shared<WindowsBluetoothHIDDeviceClient>(mApi, mRadio);
+        }};
+    test::Session mSession{mClock};
+};
+
+std::string lost(Effect effect) {
+    return "lost " + std::to_string(effect);
+}
+
+const Names kConnected = {"0", "connected"};
+const Names kSent = {"report"};
+const Names kWokenAndSent = {"connected", "report"};
+
+Effect effectWithin(std::size_t call, std::size_t first, const std::vector<Call>& calls) {
+    return call >= first && call < first + calls.size() ? calls[call - first].effect : kNone;
+}
+
+/// Plays a session in which the call at this place of kSessionCalls fails, and another after it.
+void playWithFailure(std::size_t failing) {
+    FaultySession session(failing + 1);
+    const Effect connecting = effectWithin(failing, 0, kConnectCalls);
+    const Effect waking = effectWithin(failing, kReconnectCall, kLinkCalls);
+    const bool loses = failing == kFirstReportCall || failing == kSecondReportCall;
+
+    // The chain stands after a failure too: the next event tries again.
+    EXPECT_EQ(session.connect(),
+              connecting ? (Names{std::to_string(connecting), lost(connecting)}) : kConnected);
+    EXPECT_EQ(session.press("report"), connecting ? kWokenAndSent : kSent);
+    session.pause();
+    EXPECT_EQ(session.openFiles(), 0U);
+    if (waking) {
+        EXPECT_EQ(session.press(lost(waking)), Names{lost(waking)}) << "the event is lost";
+    }
+    EXPECT_EQ(session.press("report"), kWokenAndSent);
+    EXPECT_EQ(session.reportsArrived(), loses ? 1U : 2U);
+
+    EXPECT_EQ(session.disconnect(), error_code());
+    EXPECT_EQ(session.held(), 0U);
+    EXPECT_EQ(session.connect(), kConnected);
+    EXPECT_EQ(session.press("report"), kSent);
+    EXPECT_EQ(session.disconnect(), error_code());
+    EXPECT_EQ(session.held(), 0U);
+}
+
+TEST(Faults, SessionMakesJustTheseCalls) {
+    FaultySession session(0);
+    EXPECT_EQ(session.connect(), kConnected);
+    EXPECT_EQ(session.press("report"), kSent);
+    session.pause();
+    EXPECT_EQ(session.press("report"), kWokenAndSent);
+    Names expected;
+    for (const Call& call : kSessionCalls)
+        expected.emplace_back(call.name);
+    EXPECT_EQ(session.calls(), expected);
+}
+
+TEST(Faults, AnyOneCallMayFailAndTheNextSessionWorks) {
+    test::Watchdog watchdog(20s);
+    for (std::size_t failing = 0; failing < kSessionCalls.size(); ++failing) {
+        const std::string name =
+            "call " + std::to_string(failing) + ", " + kSessionCalls[failing].name;
+        const testing::ScopedTrace trace(__FILE__, __LINE__, name);
+        watchdog.begin(name);
+        playWithFailure(failing);
+    }
+}
+
+} // namespace
+} // namespace orbelantine

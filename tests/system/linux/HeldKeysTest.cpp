@@ -1,0 +1,79 @@
+#include "tests/system/linux/Session.h"
+#include "tools/soak/PhoneThread.h"
+
+#include <gtest/gtest.h>
+
+namespace orbelantine {
+namespace {
+
+using phone::PhoneThread;
+using test::kScanA;
+using test::kScanShift;
+using Seen = PhoneThread::Seen;
+
+constexpr const char* kNothingHeld = R"("held_keys":[],"modifiers":0,"buttons":0)";
+constexpr const char* kAllHeld = R"("held_keys":[225,4],"modifiers":2,"buttons":3)";
+
+auto shows(const char* text) {
+    return [text](const Seen& seen) { return seen.summary.find(text) != std::string::npos; };
+}
+
+/// A session with a letter, Shift and both buttons held.
+class HeldKeys : public testing::Test {
+  protected:
+    HeldKeys() {
+        EXPECT_EQ(mSession.connect(), error_code());
+        wakeMouse();
+        mSession.key(true, kScanShift);
+        mSession.key(true, kScanA);
+        mSession.surface->onMouseClickDown(IInputContext::MouseButtonLeft, 1, 1);
+        mSession.surface->onMouseClickDown(IInputContext::MouseButtonRight, 1, 1);
+        EXPECT_TRUE(mPhone.await(shows(kAllHeld))) << mPhone.seen().summary;
+        mReports = mPhone.seen().tally.reports;
+    }
+
+    ~HeldKeys() override { EXPECT_EQ(mSession.disconnect(), error_code()); }
+
+    /// The mouse listens for its screen some time after the link is up, and begins by parking.
+    void wakeMouse() {
+        const auto parks = [](const Seen& seen) { return seen.tally.moves > 0; };
+        do
+            mSession.surface->onLogicalDimensionsChanged(1080, 2340, 1.0, 0);
+        while (!mPhone.await(parks, std::chrono::milliseconds(100)));
+    }
+
+    [[nodiscard]] std::uint64_t reportsSince() const {
+        return mPhone.seen().tally.reports - mReports;
+    }
+
+    PhoneThread mPhone{{}, PhoneThread::Detail::Summary};
+    test::Session mSession;
+    std::uint64_t mReports = 0;
+};
+
+TEST_F(HeldKeys, DisconnectLetsGoByTheChannelsEndWithoutAReport) {
+    EXPECT_EQ(mSession.disconnect(), error_code());
+    EXPECT_TRUE(mPhone.await(shows(kNothingHeld)));
+    EXPECT_TRUE(mPhone.awaitAllClosed());
+    EXPECT_EQ(reportsSince(), 0U);
+}
+
+TEST_F(HeldKeys, LostFocusLetsAllButTheRightButtonGoByReports) {
+    mSession.surface->onInputSurfaceLostFocus();
+    EXPECT_TRUE(mPhone.await(shows(R"("held_keys":[],"modifiers":0,"buttons":2)")));
+    EXPECT_GT(reportsSince(), 2U);
+}
+
+TEST_F(HeldKeys, SleepingLinkForgetsThemUntilTheyArePressedAnew) {
+    mSession.client->pauseConnection();
+    mSession.settle();
+    EXPECT_TRUE(mPhone.await(shows(kNothingHeld)));
+    // To the keyboard source Shift is still down: a repeat of it sends nothing.
+    mSession.key(true, kScanShift);
+    mSession.type(test::kScanB);
+    EXPECT_TRUE(mPhone.await([](const Seen& seen) { return seen.text == "Ab"; }))
+        << mPhone.seen().text;
+}
+
+} // namespace
+} // namespace orbelantine
