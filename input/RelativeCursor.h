@@ -23,7 +23,7 @@ struct CursorDelta {
     std::int32_t dy = 0;
 };
 
-struct CursorExtent {
+struct alignas(std::int64_t) CursorExtent {
     std::int32_t width = 0;
     std::int32_t height = 0;
 };
