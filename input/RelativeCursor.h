@@ -23,6 +23,7 @@ struct CursorDelta {
     std::int32_t dy = 0;
 };
 
+/// Aligned so that an atomic one is a plain word for every compiler.
 struct alignas(std::int64_t) CursorExtent {
     std::int32_t width = 0;
     std::int32_t height = 0;

@@ -7,12 +7,12 @@
 #include "tools/virtual_phone/linux/ControlPipe.h"
 #include "tools/virtual_phone/linux/DeviceServer.h"
 
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
 #include <condition_variable>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
