@@ -1,6 +1,7 @@
 #include "tools/virtual_phone/Cursor.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace orbelantine::phone {
 
@@ -28,11 +29,12 @@ Way turned(const Way& way, int rotation) {
 
 } // namespace
 
+// In the middle of the screen, on a whole pixel.
 Cursor::Cursor(const Screen& screen, Acceleration acceleration, IClock& clock)
     : mScreen(screen)
     , mAccelerator(acceleration, clock)
-    , mX(screen.width / 2)
-    , mY(screen.height / 2) {}
+    , mX(std::floor(screen.width / 2.0))
+    , mY(std::floor(screen.height / 2.0)) {}
 
 Point Cursor::position() const {
     return {static_cast<int>(mX), static_cast<int>(mY)};
