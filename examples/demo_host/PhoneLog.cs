@@ -65,7 +65,7 @@ namespace Orbelantine.DemoHost
             switch ((string)line["event"])
             {
                 case "press": CountButton(line); break;
-                case "mouse": Received.Wheel += (int)line["wheel"]; break;
+                case "mouse": Received.Turn((int)line["wheel"]); break;
                 case "keyboard": CountKeyboard(line); break;
                 case "consumer": CountPress((int)line["usage"]); break;
                 case "system": CountPress((int)line["code"]); break;
@@ -76,7 +76,7 @@ namespace Orbelantine.DemoHost
         private bool HasAll(Tally sent)
         {
             return Received.KeyPresses >= sent.KeyPresses && Received.Clicks >= sent.Clicks &&
-                   Math.Abs(Received.Wheel) >= Math.Abs(sent.Wheel);
+                   Received.WheelUp >= sent.WheelUp && Received.WheelDown >= sent.WheelDown;
         }
 
         private void CountButton(Dictionary<string, object> line)

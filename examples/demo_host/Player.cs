@@ -103,7 +103,7 @@ namespace Orbelantine.DemoHost
         {
             Note("wheel");
             link.Surface.Turn(amount, x, y);
-            Sent.Wheel += Math.Max(-MaxWheel, Math.Min(MaxWheel, amount));
+            Sent.Turn(Math.Max(-MaxWheel, Math.Min(MaxWheel, amount)));
         }
 
         public void Wait(int pauseMs)

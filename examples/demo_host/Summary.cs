@@ -16,7 +16,8 @@ namespace Orbelantine.DemoHost
             Add("text", Quote(sent.Text.ToString()), Quote(received.Text.ToString()), sent.Text.Equals(received.Text));
             Add("key presses", sent.KeyPresses, received.KeyPresses);
             Add("clicks", sent.Clicks, received.Clicks);
-            Add("wheel steps", sent.Wheel, received.Wheel);
+            Add("wheel steps up", sent.WheelUp, received.WheelUp);
+            Add("wheel steps down", sent.WheelDown, received.WheelDown);
             Add("faulty reports", sent.Errors, received.Errors);
         }
 

@@ -1,3 +1,4 @@
+using System;
 using System.Text;
 
 namespace Orbelantine.DemoHost
@@ -10,8 +11,16 @@ namespace Orbelantine.DemoHost
         public int KeyPresses { get; set; }
         /// <summary>Presses of the left button.</summary>
         public int Clicks { get; set; }
-        /// <summary>The sum of what the reports' wheels carry.</summary>
-        public int Wheel { get; set; }
+        /// <summary>What the reports' wheels carry, each direction on its own, so that turns that cancel
+        /// out still count.</summary>
+        public int WheelUp { get; private set; }
+        public int WheelDown { get; private set; }
         public int Errors { get; set; }
+
+        public void Turn(int steps)
+        {
+            WheelUp += Math.Max(0, steps);
+            WheelDown += Math.Max(0, -steps);
+        }
     }
 }
