@@ -23,8 +23,8 @@ class DelayTimer : public ::testing::TestWithParam<const char*> {
         return std::string(GetParam()) == "System" ? IClock::system() : mHandClock;
     }
 
-    boost::shared_ptr<IDelayTimer> makeTimer(IClock::Duration fromNow) {
-        return clock().makeTimer(*mIoService, clock().now() + fromNow);
+    boost::shared_ptr<IDelayTimer> makeTimer(IClock::Duration fromStart) {
+        return clock().makeTimer(*mIoService, mStart + fromStart);
     }
 
     IDelayTimer::Handler note(const std::string& name) {
@@ -35,6 +35,7 @@ class DelayTimer : public ::testing::TestWithParam<const char*> {
     }
 
     test::HandClock mHandClock;
+    const IClock::TimePoint mStart = clock().now();
     std::optional<boost::asio::io_context> mIoService;
     std::vector<std::string> mEnded;
 };
