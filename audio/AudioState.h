@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
+
 namespace orbelantine {
 
 /// Which directions of sound the computer has no device for.
-enum AudioState {
+enum AudioState : std::int32_t {
     AudioAvailable = 0,
     NoAudioOut = 1,
     NoAudioIn = 2,

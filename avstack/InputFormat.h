@@ -9,7 +9,7 @@ class KVStore;
 /// Which devices an input source serves.
 struct InputFormat {
     /// The kinds of device that have a descriptor of their own.
-    enum DeviceType { Mouse = 0, Keyboard = 1, Touch = 2 };
+    enum DeviceType : std::int32_t { Mouse = 0, Keyboard = 1, Touch = 2 };
 
     InputFormat() = default;
     explicit InputFormat(std::uint32_t mouse, std::uint32_t keyboard = 2, std::uint32_t touch = 0,

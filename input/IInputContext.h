@@ -9,12 +9,13 @@ namespace orbelantine {
 
 /// One input surface: a place on the computer where the user's keys, mouse and pointers arrive. It
 /// raises what happens there as signals, on its own thread, and answers questions about the
-/// surface. All its coordinates are pixels relative to the surface, unless screen is said.
+/// surface. Coordinates are pixels: of clicks and moves relative to the surface, of the wheel and
+/// of pointers on the screen.
 class IInputContext {
   public:
-    enum eMouseButton { MouseButtonLeft = 0, MouseButtonRight = 1 };
+    enum eMouseButton : std::int32_t { MouseButtonLeft = 0, MouseButtonRight = 1 };
 
-    enum ePointerType { PointerPen = 0, PointerTouch = 1, PointerOther = 2 };
+    enum ePointerType : std::int32_t { PointerPen = 0, PointerTouch = 1, PointerOther = 2 };
 
     struct Point {
         std::int32_t x;
@@ -69,11 +70,11 @@ class IInputContext {
     Signal<void(eMouseButton, std::int32_t, std::int32_t)> onMouseClickDown;
     Signal<void(eMouseButton, std::int32_t, std::int32_t)> onMouseClickUp;
     Signal<void(std::int32_t, std::int32_t)> onAbsoluteMouseMove;
-    /// Delta (-3 to 3), then the cursor's place.
+    /// Delta (-3 to 3), then the cursor's place on the screen.
     Signal<void(std::int32_t, std::int32_t, std::int32_t)> onRelativeMouseWheel;
     /// Deltas of the hardware, before the system's acceleration.
     Signal<void(std::int32_t, std::int32_t)> onRelativeMouseMove;
-    /// Type, id, place, whether it is the primary pointer.
+    /// Type, id, place on the screen, whether it is the primary pointer.
     Signal<void(ePointerType, std::uint32_t, std::int32_t, std::int32_t, bool)> onPointerDown;
     Signal<void(ePointerType, std::uint32_t, std::int32_t, std::int32_t, bool)> onPointerUp;
     Signal<void(ePointerType, std::uint32_t, std::int32_t, std::int32_t, bool)> onPointerUpdate;
