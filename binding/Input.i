@@ -45,4 +45,12 @@ ORB_SHARED(orbelantine::HIDReportProvider)
 %include "binding/inputcontexts.i"
 %include "binding/hidclient.i"
 
+// Its keys leave as a list that hosts know.
+%typemap(cstype) std::vector< orbelantine::InputFormat::DeviceType > * "IntVector"
+%typemap(out) std::vector< orbelantine::InputFormat::DeviceType > *
+%{ $result = new std::vector< int >($1->begin(), $1->end()); delete $1; %}
+%typemap(csout, excode=SWIGEXCODE) std::vector< orbelantine::InputFormat::DeviceType > * {
+    IntVector keys = new IntVector($imcall, $owner);$excode
+    return keys;
+  }
 %template(HIDDescriptorsMap) std::map< orbelantine::InputFormat::DeviceType, boost::shared_ptr< orbelantine::IMediaBuffer > >;

@@ -27,4 +27,13 @@ write_out(functionStringErrorCode "boost::function< void (std::string,boost::sys
 write_out(sharedPeer "boost::shared_ptr< orbelantine::BluetoothPeer >")
 write_out(vectorPeer "std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > >")
 
+if(text MATCHES "[^A-Za-z0-9_](vectorUint8|function(Int|ErrorCode|String|StringErrorCode)|sharedPeer|vectorPeer)[^A-Za-z0-9_]")
+    message(FATAL_ERROR "${WRAPPER}: ${CMAKE_MATCH_1} stands in a text")
+endif()
+
+# A list may be put into itself, and a count may be as large as it likes.
+string(REGEX REPLACE "self->insert\\(([^;]*), values\\.begin\\(\\), values\\.end\\(\\)\\);"
+    "{ const auto given(values); self->insert(\\1, given.begin(), given.end()); }" text "${text}")
+string(REPLACE "index+count > (int)self->size()" "count > (int)self->size()-index" text "${text}")
+
 file(WRITE "${WRAPPER}" "${text}")

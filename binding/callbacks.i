@@ -5,8 +5,6 @@
 #include "binding/CallbackFamilies.h"
 %}
 
-#ifndef ORB_CALLBACKS_DECLARED
-#define ORB_CALLBACKS_DECLARED
 namespace boost {
 template <class S> class function;
 namespace signals2 {
@@ -23,7 +21,6 @@ public:
 template <class S> class signal;
 }
 }
-#endif
 
 typedef std::wstring wstring_director;
 typedef std::map< std::string, std::string > stdMapStringString;
