@@ -6,9 +6,6 @@
 
 namespace orbelantine {
 
-/// Under this key a source's settings hold a share in the surface that it serves.
-inline constexpr const char* kInputContextKey = "input";
-
 /// The element at which a chain of input begins.
 class IInputSource : public IMediaElement {
   public:

@@ -10,12 +10,15 @@
 
 namespace orbelantine {
 
-/// An element of a chain whose work is a function: every buffer goes to it, on the caller's
-/// thread. An empty function throws boost::bad_function_call at the first buffer.
+/// An element of a chain whose work is a function: every buffer goes to it, with the element's name
+/// and target, on the caller's thread. The target is registered before the first buffer. An empty
+/// function throws boost::bad_function_call at the first buffer.
 template <class Base>
 class IMediaElement::TemplateProxySimplified : public Base {
   public:
-    using Handler = boost::function<void(const boost::shared_ptr<IMediaBuffer>&)>;
+    using Handler =
+        boost::function<void(const boost::shared_ptr<IMediaBuffer>& buffer, const std::string& name,
+                             const boost::shared_ptr<IMediaElement>& target)>;
 
     TemplateProxySimplified(Handler handler, std::string name)
         : mHandler(std::move(handler))
@@ -28,11 +31,13 @@ class IMediaElement::TemplateProxySimplified : public Base {
         mTarget = target;
     }
 
-    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override { mHandler(buffer); }
+    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override {
+        mHandler(buffer, mName, mTarget);
+    }
 
     [[nodiscard]] std::string getName() override { return mName; }
 
-    /// The next element, for the function's use; empty until registered.
+    /// The next element; empty until registered.
     [[nodiscard]] virtual boost::shared_ptr<IMediaElement> getTarget() { return mTarget; }
 
   private:

@@ -1,7 +1,7 @@
 #include "bluetooth/linux/FileDescriptor.h"
+#include "core/common/IoThread.h"
 #include "hid/BluetoothHIDClientManager.h"
 #include "hid/IHIDDeviceClient.h"
-#include "hid/IoThread.h"
 #include "tests/hid/HidChainFixture.h"
 
 #include <benchmark/benchmark.h>

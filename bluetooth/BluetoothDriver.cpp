@@ -2,9 +2,9 @@
 
 #include "bluetooth/DevicePath.h"
 #include "bluetooth/DriverHandles.h"
-#include "bluetooth/MonitoringThread.h"
 #include "core/common/ApiCategory.h"
 #include "core/common/ErrorAreas.h"
+#include "core/common/IoThread.h"
 #include "core/common/Log.h"
 
 #include <algorithm>
@@ -46,7 +46,7 @@ error_code noSuitableDevice() {
 
 BluetoothDriver::BluetoothDriver(bool exclusivePath, DriverApi& api)
     : mApi(api)
-    , mMonitoringThread(std::make_unique<MonitoringThread>("BluetoothDriverMonitoringThread"))
+    , mMonitoringThread(std::make_unique<IoThread>("BluetoothDriverMonitoringThread"))
     , mExclusivePath(exclusivePath) {}
 
 BluetoothDriver::~BluetoothDriver() {

@@ -13,7 +13,7 @@
 
 namespace orbelantine {
 
-class MonitoringThread;
+class IoThread;
 
 /// One opened device interface of the private driver, watched for its removal. Any thread may
 /// call; the removal callback runs on this object's own thread, "BluetoothDriverMonitoringThread",
@@ -63,7 +63,7 @@ class BluetoothDriver {
     std::atomic<DriverApi::Handle> mHandle = DriverApi::kInvalidHandle;
     DriverApi::Handle mNotification = kNoNotification;
     RemovalCallback mRemovalCallback;
-    std::unique_ptr<MonitoringThread> mMonitoringThread;
+    std::unique_ptr<IoThread> mMonitoringThread;
     const bool mExclusivePath;
 };
 

@@ -90,8 +90,8 @@ bool BluetoothPeer::isStale() const {
 }
 
 bool BluetoothPeer::operator==(const BluetoothPeer& other) const {
-    return mAddress.getStdStringAddress() == other.mAddress.getStdStringAddress() &&
-           mName == other.mName && mDeviceClass == other.mDeviceClass && mPaired == other.mPaired;
+    return mAddress == other.mAddress && mName == other.mName &&
+           mDeviceClass == other.mDeviceClass && mPaired == other.mPaired;
 }
 
 std::int64_t BluetoothPeer::ticks() const {

@@ -4,7 +4,6 @@ namespace orbelantine {
 
 void IBluetoothService::forceDisconnect(Completion completion) {
     complete(completion, error_code());
-    completion.clear();
 }
 
 void IBluetoothService::dispatchOnDisconnected(error_code ec) {

@@ -1,14 +1,15 @@
 #include "hid/BluetoothHIDClientManager.h"
 
 #include "avstack/IInputSource.h"
+#include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
+#include "avstack/TemplateProxySimplified.h"
 #include "core/common/ErrorAreas.h"
 #include "core/common/Log.h"
 #include "core/common/OSAL.h"
 #include "hid/IBluetoothHIDClient.h"
 #include "hid/IBluetoothSDPController.h"
 #include "hid/InputGate.h"
-#include "hid/InputProxy.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 
@@ -127,14 +128,14 @@ void BluetoothHIDClientManager::createClient(const KVStore& store) {
 }
 
 void BluetoothHIDClientManager::buildChain(KVStore& store) {
-    store.setSharedContextAt(kInputContextKey, mInputContext.load());
+    orbelantine::setInputContext(store, mInputContext.load());
     mInputGate = boost::make_shared<InputGate>(mWorker.ioService(), mInputWait);
     mInputSource = osalCreate<IInputSource, InputFormat>(
         OSALFactory::instance(), "IInputSource", store, "",
         InputFormat(kMouseType, kKeyboardType, kTouchType, kTypeFlags));
-    const auto proxy = boost::make_shared<InputProxy>(
-        [this, gate = mInputGate](const Buffer& buffer, const Element& target) {
-            handleInputProxy(this, gate, buffer, target);
+    const auto proxy = boost::make_shared<IMediaElement::TemplateProxySimplified<IMediaElement>>(
+        [this, gate = mInputGate](const Buffer& buffer, const std::string&, const Element& target) {
+            handleInputProxy(this, *gate, buffer, target);
         },
         kProxyName);
     mInputSource->registerTarget(proxy);
@@ -259,9 +260,10 @@ void BluetoothHIDClientManager::setInputContext(const boost::shared_ptr<IInputCo
 }
 
 void BluetoothHIDClientManager::handleInputProxy(BluetoothHIDClientManager* manager,
-                                                 const Gate& gate, const Buffer& buffer,
+                                                 InputGate& gate, const Buffer& buffer,
                                                  const Element& target) {
-    switch (gate->pass([=] { manager->handleInputProxy(gate, buffer, target); })) {
+    switch (gate.pass(
+        [=](const InputGate& passed) { manager->handleInputProxy(passed, buffer, target); })) {
     case InputGate::Outcome::TimedOut:
         ORB_LOG(kLogError, "%s() waited too much, returning");
         break;
@@ -273,10 +275,10 @@ void BluetoothHIDClientManager::handleInputProxy(BluetoothHIDClientManager* mana
     }
 }
 
-void BluetoothHIDClientManager::handleInputProxy(const Gate& gate, const Buffer& buffer,
+void BluetoothHIDClientManager::handleInputProxy(const InputGate& gate, const Buffer& buffer,
                                                  const Element& target) {
     // A late event of a chain that was taken down has nowhere to go either.
-    if (mStopping || gate != mInputGate) {
+    if (mStopping || &gate != mInputGate.get()) {
         ORB_LOG(kLogWarning, kDiscardText);
         return;
     }

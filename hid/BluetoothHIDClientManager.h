@@ -3,9 +3,9 @@
 #include "bluetooth/Completion.h"
 #include "core/common/Clock.h"
 #include "core/common/ErrorCode.h"
+#include "core/common/IoThread.h"
 #include "hid/HIDServiceRecord.h"
 #include "hid/IdleTimer.h"
-#include "hid/IoThread.h"
 
 #include <boost/signals2/signal.hpp>
 #include <boost/smart_ptr/atomic_shared_ptr.hpp>
@@ -68,7 +68,8 @@ class BluetoothHIDClientManager final {
     /// Puts the link to sleep until the next input or resumeConnection.
     void pauseConnection();
     void resumeConnection(Completion completion);
-    /// Breaks the link on the calling thread, without waiting for the worker.
+    /// Breaks the link on the calling thread, without waiting for the worker; a device client that
+    /// is in the middle of a call lets it end first.
     void forceDisconnect();
     /// The surface that the next start's input comes from.
     void setInputContext(const boost::shared_ptr<IInputContext>& context);
@@ -84,7 +85,6 @@ class BluetoothHIDClientManager final {
 
     using Buffer = boost::shared_ptr<IMediaBuffer>;
     using Element = boost::shared_ptr<IMediaElement>;
-    using Gate = boost::shared_ptr<InputGate>;
 
     // The worker's halves share the names of the operations, which their log lines carry.
     [[nodiscard]] error_code init();
@@ -103,9 +103,9 @@ class BluetoothHIDClientManager final {
     void restartIdleTimer();
 
     /// On the input thread. Only an open gate vouches for `manager`: a source may outlive it.
-    static void handleInputProxy(BluetoothHIDClientManager* manager, const Gate& gate,
+    static void handleInputProxy(BluetoothHIDClientManager* manager, InputGate& gate,
                                  const Buffer& buffer, const Element& target);
-    void handleInputProxy(const Gate& gate, const Buffer& buffer, const Element& target);
+    void handleInputProxy(const InputGate& gate, const Buffer& buffer, const Element& target);
 
     const HIDServiceRecord mRecord;
     boost::shared_ptr<IBluetoothSDPController> mSdpController;
@@ -118,7 +118,7 @@ class BluetoothHIDClientManager final {
     std::string mAddress;
     const std::chrono::milliseconds mInputWait;
     // Of the present chain.
-    Gate mInputGate;
+    boost::shared_ptr<InputGate> mInputGate;
     IoThread mWorker;
     std::chrono::milliseconds mIdleTimeout{0};
     IdleTimer mIdleTimer;

@@ -123,7 +123,6 @@ void HidInputClient::forceDisconnect(Completion completion) {
     if (mManager)
         mManager->forceDisconnect();
     complete(completion, error_code());
-    completion.clear();
 }
 
 void HidInputClient::setIdleTimeout(std::uint64_t milliseconds) {

@@ -2,7 +2,7 @@
 
 #include "bluetooth/IBluetoothService.h"
 #include "core/common/Clock.h"
-#include "hid/IoThread.h"
+#include "core/common/IoThread.h"
 
 #include <boost/smart_ptr/shared_ptr.hpp>
 
@@ -38,7 +38,8 @@ class HidInputClient : public IBluetoothService {
     /// seconds after the link was tried.
     void connect(const BluetoothPeer& peer, Completion completion) override;
     void disconnect(Completion completion) override;
-    /// At once, on the calling thread, with success: breaks the link under a connect that hangs.
+    /// On the calling thread, with success: breaks the link without waiting for this object's
+    /// worker. A device client that is in the middle of a call lets it end first.
     void forceDisconnect(Completion completion) override;
 
     /// The link sleeps after that time without input; 0 keeps it up.

@@ -23,8 +23,8 @@ class InputGate : public boost::enable_shared_from_this<InputGate> {
     /// `ioService` has one worker, and lives until the gate is closed.
     InputGate(boost::asio::io_service& ioService, std::chrono::milliseconds bound);
 
-    /// Runs `event` on the worker and waits for its end or the closing of the gate, up to the
-    /// bound; it stays posted after that. A closed gate doesn't take it.
+    /// Runs `event` on the worker, with this gate, and waits for its end or the closing of the
+    /// gate, up to the bound; it stays posted after that. A closed gate doesn't take it.
     template <class Event>
     Outcome pass(Event event);
     /// For good. Whoever waits goes on at once.
@@ -63,7 +63,7 @@ InputGate::Outcome InputGate::pass(Event event) {
     boost::asio::post(mIoService,
                       [self = shared_from_this(), ticket, event = std::move(event)]() mutable {
                           const End end{*self, ticket};
-                          event();
+                          event(*self);
                       });
     return wait(lock, ticket);
 }

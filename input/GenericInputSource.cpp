@@ -1,11 +1,11 @@
 #include "input/GenericInputSource.h"
 
+#include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
 #include "core/common/Log.h"
 #include "core/common/OSAL.h"
 #include "hid/IBluetoothHIDDeviceClient.h"
 #include "input/IMouseSource.h"
-#include "input/InputContextKey.h"
 #include "input/InputTypeFlags.h"
 #include "input/KeyboardSource.h"
 

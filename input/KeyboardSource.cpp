@@ -2,16 +2,14 @@
 
 #include "avstack/IInputMediaBufferKeyboard.h"
 #include "avstack/IMediaElement.h"
+#include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
 #include "core/common/Log.h"
 #include "core/common/OSAL.h"
-#include "core/common/SafeIoService.h"
-#include "core/common/ThreadName.h"
 #include "input/IInputContext.h"
-#include "input/InputContextKey.h"
 #include "input/InputTypeFlags.h"
 
-#include <boost/asio/post.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
 
 #include <stdexcept>
 #include <string>
@@ -45,8 +43,7 @@ std::uint32_t packed(std::uint32_t vk, std::uint32_t scanCode) {
 } // namespace
 
 KeyboardSource::KeyboardSource(const KVStore& settings, const InputFormat& format)
-    : mFormat(boost::make_shared<InputFormat>(format))
-    , mWork(mIoService.get_executor()) {
+    : mFormat(boost::make_shared<InputFormat>(format)) {
     mInputContext = inputContextOf(settings);
     KVStore values(settings);
     const bool apple = values.getBoolAt("apple");
@@ -54,18 +51,11 @@ KeyboardSource::KeyboardSource(const KVStore& settings, const InputFormat& forma
     if (!osVersion.empty() && !apple)
         mCtrlSpaceFix = majorVersion(osVersion) >= kFirstAndroidWithWinSpace;
     ORB_LOG(kLogDebug, "%s() osVersion=%s", osVersion.c_str());
-    mThread = std::thread([this] { run(); });
 }
 
 KeyboardSource::~KeyboardSource() {
     ORB_TRACED();
-    mIoService.stop();
-    mThread.join();
-}
-
-void KeyboardSource::run() {
-    setThreadName("KeyboardSource");
-    safeIoServiceRunWithPtr(&mIoService);
+    mWorker.stop();
 }
 
 void KeyboardSource::registerTarget(const boost::shared_ptr<IMediaElement>& target) {
@@ -74,17 +64,15 @@ void KeyboardSource::registerTarget(const boost::shared_ptr<IMediaElement>& targ
 }
 
 void KeyboardSource::keyDown(std::uint32_t vk, std::uint32_t scanCode, std::int32_t repeatCount) {
-    boost::asio::post(mIoService, [this, vk, scanCode, repeatCount] {
-        keyDownInternal(vk, scanCode, repeatCount);
-    });
+    mWorker.post([this, vk, scanCode, repeatCount] { keyDownInternal(vk, scanCode, repeatCount); });
 }
 
 void KeyboardSource::keyUp(std::uint32_t vk, std::uint32_t scanCode) {
-    boost::asio::post(mIoService, [this, vk, scanCode] { keyUpInternal(vk, scanCode); });
+    mWorker.post([this, vk, scanCode] { keyUpInternal(vk, scanCode); });
 }
 
 void KeyboardSource::releaseAllKeys() {
-    boost::asio::post(mIoService, [this] { releaseAllKeysInternal(); });
+    mWorker.post([this] { releaseAllKeysInternal(); });
 }
 
 bool KeyboardSource::handleUnicode(std::uint32_t vk, bool down) {

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
+#include "core/common/IoThread.h"
+
 #include <boost/smart_ptr/atomic_shared_ptr.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 
 #include <cstdint>
 #include <map>
-#include <thread>
 
 namespace orbelantine {
 
@@ -42,7 +41,6 @@ class KeyboardSource {
     void releaseAllKeys();
 
   private:
-    void run();
     [[nodiscard]] bool handleUnicode(std::uint32_t vk, bool down);
     void keyDownInternal(std::uint32_t vk, std::uint32_t scanCode, std::int32_t repeatCount);
     void keyUpInternal(std::uint32_t vk, std::uint32_t scanCode);
@@ -62,9 +60,7 @@ class KeyboardSource {
     std::map<std::int32_t, std::uint32_t> mPressed;
     bool mCtrlSpaceFix = false;
     bool mWinSubstituted = false;
-    boost::asio::io_context mIoService;
-    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> mWork;
-    std::thread mThread;
+    IoThread mWorker{"KeyboardSource"};
 };
 
 } // namespace orbelantine

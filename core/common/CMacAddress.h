@@ -33,6 +33,8 @@ class CMacAddress {
 
     [[nodiscard]] bool isEmpty() const { return mText[0] == 0; }
 
+    [[nodiscard]] bool operator==(const CMacAddress&) const = default;
+
   private:
     void parse(const wchar_t* text, std::size_t length);
     void buildText();

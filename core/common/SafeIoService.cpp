@@ -13,7 +13,9 @@ namespace orbelantine {
 void safeIoServiceRunWithPtr(boost::asio::io_context* ioService) {
     std::string diagnostics;
     try {
-        ioService->run();
+        // A queue of Windows hands out what was posted ahead of the stop: here it is left alone.
+        while (!ioService->stopped())
+            ioService->run_one();
         return;
     } catch (const Exception& e) {
         diagnostics = boost::diagnostic_information(e);

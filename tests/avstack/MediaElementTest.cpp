@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace orbelantine {
@@ -105,15 +106,16 @@ TEST(MediaElement, PassThroughWithoutTargetDropsTheBuffer) {
 }
 
 TEST(MediaElement, ProxyCallsItsFunctionAndLeavesTheTargetToIt) {
-    std::vector<boost::shared_ptr<IMediaBuffer>> handled;
+    using Handled =
+        std::tuple<boost::shared_ptr<IMediaBuffer>, std::string, boost::shared_ptr<IMediaElement>>;
+    std::vector<Handled> handled;
     const auto target = boost::make_shared<Recorder>();
     const auto buffer = makeBuffer();
-    Proxy proxy([&](const boost::shared_ptr<IMediaBuffer>& frame) { handled.push_back(frame); },
-                "proxy");
+    Proxy proxy([&](const auto&... handed) { handled.emplace_back(handed...); }, "proxy");
     proxy.registerTarget(target);
     proxy.onFrame(buffer);
 
-    EXPECT_EQ(handled, (std::vector<boost::shared_ptr<IMediaBuffer>>{buffer}));
+    EXPECT_EQ(handled, (std::vector<Handled>{{buffer, "proxy", target}}));
     EXPECT_TRUE(target->frames.empty());
     EXPECT_EQ(proxy.getTarget(), target);
     EXPECT_EQ(proxy.getName(), "proxy");

@@ -2,6 +2,7 @@
 
 #include "avstack/IInputMediaBufferMouse.h"
 #include "avstack/IInputSource.h"
+#include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
 #include "bluetooth/Completion.h"
 #include "core/common/OSAL.h"
@@ -216,7 +217,7 @@ struct FakeChain {
         }};
     FactoryOverride<IInputSource, InputFormat> sources{
         "GenericInputSource", [this](const KVStore& store, InputFormat format) {
-            script.context = store.getSharedContextAt(kInputContextKey);
+            script.context = inputContextOf(store);
             script.journal.note("source " + std::to_string(format.mouseType) + ' ' +
                                 std::to_string(format.keyboardType) + ' ' +
                                 std::to_string(format.touchType) + ' ' +

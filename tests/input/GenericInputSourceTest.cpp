@@ -1,8 +1,8 @@
 #include "input/GenericInputSource.h"
 
+#include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
 #include "input/InputContextComposite.h"
-#include "input/InputContextKey.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
 #include "tests/input/Standins.h"

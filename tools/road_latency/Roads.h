@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/common/IoThread.h"
 #include "hid/HidInputClient.h"
-#include "hid/IoThread.h"
 #include "tools/aim_report/Surface.h"
 #include "tools/road_latency/Receiver.h"
 

@@ -1,4 +1,4 @@
-#include "hid/IoThread.h"
+#include "core/common/IoThread.h"
 
 #include "core/common/SafeIoService.h"
 #include "core/common/ThreadName.h"

@@ -1,10 +1,14 @@
-#include "input/InputContextKey.h"
+#include "avstack/InputContextKey.h"
 
-#include "avstack/IInputSource.h"
 #include "core/common/KVStore.h"
-#include "input/IInputContext.h"
 
 namespace orbelantine {
+
+namespace {
+
+constexpr const char* kInputContextKey = "input";
+
+} // namespace
 
 void setInputContext(KVStore& settings, const boost::shared_ptr<IInputContext>& context) {
     settings.setSharedContextAt(kInputContextKey, context);
