@@ -16,7 +16,8 @@ if(CCACHE_PROGRAM)
 endif()
 
 if(ORBELANTINE_SANITIZE)
-    add_compile_options(-fsanitize=${ORBELANTINE_SANITIZE} -fno-omit-frame-pointer -O1 -g1)
+    add_compile_options(-fsanitize=${ORBELANTINE_SANITIZE} -fno-omit-frame-pointer -O1 -g1
+        -UNDEBUG)
     add_link_options(-fsanitize=${ORBELANTINE_SANITIZE})
     # The standalone fences of Boost's smart pointers are all paired with atomics that the thread
     # sanitiser sees.

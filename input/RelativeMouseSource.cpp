@@ -28,23 +28,6 @@ static_assert(std::atomic<CursorExtent>::is_always_lock_free);
 
 } // namespace
 
-template <class Work>
-void RelativeMouseSource::enqueue(Work work) {
-    post([this, work = std::move(work)](const boost::shared_ptr<State>& current) {
-        if (!mEnding)
-            work(current);
-    });
-}
-
-template <class... Parameters>
-void RelativeMouseSource::raise(void (RelativeMouseState::*event)(Parameters...),
-                                std::type_identity_t<Parameters>... arguments) {
-    enqueue([event, arguments...](const boost::shared_ptr<State>& current) {
-        if (current)
-            (current.get()->*event)(arguments...);
-    });
-}
-
 template <class... Parameters>
 auto RelativeMouseSource::slot(void (RelativeMouseSource::*event)(Parameters...)) {
     return [this, event, gate = mGate](Parameters... arguments) {
@@ -65,9 +48,9 @@ RelativeMouseSource::RelativeMouseSource(const KVStore& store, MouseSettingsApi&
 
 RelativeMouseSource::~RelativeMouseSource() {
     // The base ends the process if this is the worker.
-    if (std::this_thread::get_id() == thread.get_id())
+    if (onWorker())
         return;
-    mEnding = true;
+    dropEvents();
     if (!mGate->shut(kStopBound))
         ORB_LOG(kLogError, "%s() a slot is still being called");
     postAndWait([this](const auto&) { finish(); });
@@ -108,45 +91,45 @@ bool RelativeMouseSource::isAbsolute() {
 }
 
 void RelativeMouseSource::killFocus() {
-    raise(&RelativeMouseState::killFocus);
+    postEvent(&RelativeMouseState::killFocus);
 }
 
 void RelativeMouseSource::mouseMove(std::int32_t x, std::int32_t y, std::int32_t id) {
-    raise(&RelativeMouseState::mouseMove, x, y, id);
+    postEvent(&RelativeMouseState::mouseMove, x, y, id);
 }
 
 void RelativeMouseSource::mouseLButton(bool down, std::int32_t x, std::int32_t y, std::int32_t id,
                                        bool reconnect) {
-    raise(&RelativeMouseState::mouseLButton, down, x, y, id, reconnect);
+    postEvent(&RelativeMouseState::mouseLButton, down, x, y, id, reconnect);
 }
 
 void RelativeMouseSource::mouseRButton(bool down, std::int32_t x, std::int32_t y, bool reconnect) {
-    raise(&RelativeMouseState::mouseRButton, down, x, y, reconnect);
+    postEvent(&RelativeMouseState::mouseRButton, down, x, y, reconnect);
 }
 
 void RelativeMouseSource::touchMove(std::int32_t x, std::int32_t y, std::int32_t id) {
-    raise(&RelativeMouseState::touchMove, x, y, id);
+    postEvent(&RelativeMouseState::touchMove, x, y, id);
 }
 
 void RelativeMouseSource::touch(bool down, std::int32_t x, std::int32_t y, std::int32_t id,
                                 bool reconnect) {
-    raise(&RelativeMouseState::touch, down, x, y, id, reconnect);
+    postEvent(&RelativeMouseState::touch, down, x, y, id, reconnect);
 }
 
 void RelativeMouseSource::rawMouseMove(std::int32_t dx, std::int32_t dy) {
-    raise(&RelativeMouseState::rawMouseMove, dx, dy);
+    postEvent(&RelativeMouseState::rawMouseMove, dx, dy);
 }
 
 void RelativeMouseSource::mouseWheel(bool up, std::int32_t x, std::int32_t y, std::int32_t amount) {
-    raise(&RelativeMouseState::mouseWheel, up, x, y, amount);
+    postEvent(&RelativeMouseState::mouseWheel, up, x, y, amount);
 }
 
 void RelativeMouseSource::rmiServerStarted(error_code ec) {
-    raise(&RelativeMouseState::rmiServerStarted, ec);
+    postEvent(&RelativeMouseState::rmiServerStarted, ec);
 }
 
 void RelativeMouseSource::rmiMousePosition(std::int32_t x, std::int32_t y) {
-    raise(&RelativeMouseState::rmiMousePosition, x, y);
+    postEvent(&RelativeMouseState::rmiMousePosition, x, y);
 }
 
 void RelativeMouseSource::rmiMouseViewport(std::int32_t width, std::int32_t height) {
@@ -163,7 +146,7 @@ void RelativeMouseSource::rmiLogicalDimensions(std::int32_t width, std::int32_t 
         ORB_LOG(kLogDebug, "%s() new dimensions %dx%d, scale=%lf, inset=%d, logical %dx%d", width,
                 height, scale, inset, mLogical.width, mLogical.height);
     });
-    raise(&RelativeMouseState::rmiLogicalDimensions, width, height, scale, inset);
+    postEvent(&RelativeMouseState::rmiLogicalDimensions, width, height, scale, inset);
 }
 
 void RelativeMouseSource::rotationChanged(std::int32_t rotation) {
@@ -171,7 +154,7 @@ void RelativeMouseSource::rotationChanged(std::int32_t rotation) {
         mRotation = rotation;
         ORB_LOG(kLogDebug, "%s() new rotation=%d", rotation);
     });
-    raise(&RelativeMouseState::rotationChanged, rotation);
+    postEvent(&RelativeMouseState::rotationChanged, rotation);
 }
 
 void RelativeMouseSource::updateLogicalDimensions(std::uint32_t width, std::uint32_t height) {

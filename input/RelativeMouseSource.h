@@ -10,7 +10,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <type_traits>
 
 namespace orbelantine {
 
@@ -107,13 +106,6 @@ class RelativeMouseSource final : public StateMachine<RelativeMouseSource, Relat
     /// @}
 
   private:
-    /// Queues work that the destructor may still drop.
-    template <class Work>
-    void enqueue(Work work);
-    /// Posts an event to the state.
-    template <class... Parameters>
-    void raise(void (RelativeMouseState::*event)(Parameters...),
-               std::type_identity_t<Parameters>... arguments);
     /// A slot that raises an event as long as this object lives.
     template <class... Parameters>
     [[nodiscard]] auto slot(void (RelativeMouseSource::*event)(Parameters...));
@@ -157,8 +149,6 @@ class RelativeMouseSource final : public StateMachine<RelativeMouseSource, Relat
     bool mScaledViewport = false;
 
     MouseSettingsApi& mSettings;
-    /// Any thread.
-    std::atomic<bool> mEnding = false;
     /// Any thread: guards against the slots that outlive this object.
     const boost::shared_ptr<CallGate> mGate;
 };

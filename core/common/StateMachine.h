@@ -33,9 +33,10 @@ void runStateMachine(boost::asio::io_context& ioService) noexcept;
 /// A queued event reaches the state that is current when its turn comes. No event is deferred, and
 /// a transition neither drops nor reorders any.
 ///
-/// Any thread may call post, postEvent and postAndWait, up to the end of the destructor; everything
-/// else, and all that the states own, belongs to the worker. An Owner is brought to a state of rest
-/// before it is destroyed, since the worker runs until this class's destructor.
+/// Any thread may call post, postEvent, enqueue and postAndWait, until the destructor has joined
+/// the worker; everything else, and all that the states own, belongs to the worker. An Owner is
+/// brought to a state of rest before it is destroyed, since the worker runs until this class's
+/// destructor.
 template <class Owner, class StateT, class DelayUnit = std::chrono::milliseconds>
 class StateMachine : public StateT {
   public:
@@ -91,6 +92,14 @@ class StateMachine : public StateT {
     template <class Result, class Declaring, class... Arguments>
     void postEvent(Result (Declaring::*event)(Arguments...),
                    std::type_identity_t<Arguments>... arguments);
+    /// Queues work that dropEvents takes back, as it does with postEvent's.
+    template <class Work>
+    void enqueue(Work work);
+
+    /// Any thread: what enqueue and postEvent have queued, and will queue, no longer runs.
+    void dropEvents() { mDropping = true; }
+
+    [[nodiscard]] bool onWorker() const { return std::this_thread::get_id() == mWorker; }
 
     boost::asio::io_service ioService;
     boost::shared_ptr<State> state;
@@ -109,9 +118,10 @@ class StateMachine : public StateT {
             event(state);
     }
 
-    [[nodiscard]] bool onWorker() const { return std::this_thread::get_id() == thread.get_id(); }
-
     IClock& mClock;
+    // Set before the first event.
+    std::thread::id mWorker;
+    std::atomic<bool> mDropping = false;
     std::atomic<bool> mStopping = false;
 };
 
@@ -120,6 +130,7 @@ StateMachine<Owner, StateT, DelayUnit>::StateMachine(IClock& clock)
     : mClock(clock) {
     ORB_TRACED();
     thread = std::thread([this] { runStateMachine(ioService); });
+    mWorker = thread.get_id();
 }
 
 template <class Owner, class StateT, class DelayUnit>
@@ -144,10 +155,19 @@ template <class Result, class Declaring, class... Arguments>
 void StateMachine<Owner, StateT, DelayUnit>::postEvent(
     Result (Declaring::*event)(Arguments...), std::type_identity_t<Arguments>... arguments) {
     static_assert(std::is_base_of_v<Declaring, StateT>);
-    post([event, ... copies =
-                     std::forward<Arguments>(arguments)](const boost::shared_ptr<State>& current) {
+    enqueue([event, ... copies = std::forward<Arguments>(arguments)](
+                const boost::shared_ptr<State>& current) {
         if (current)
             (current.get()->*event)(copies...);
+    });
+}
+
+template <class Owner, class StateT, class DelayUnit>
+template <class Work>
+void StateMachine<Owner, StateT, DelayUnit>::enqueue(Work work) {
+    post([this, work = std::move(work)](const boost::shared_ptr<State>& current) {
+        if (!mDropping)
+            work(current);
     });
 }
 
