@@ -11,9 +11,9 @@
 namespace orbelantine::bridge {
 
 Channel::Error Channel::connect(const phone::Address& peer, std::uint16_t psm, Milliseconds now) {
+    mPsm = psm;
     if (const Error error = mApi.socket(mSocket))
         return keepResult(error);
-    mPsm = psm;
     mDeadline = now + kLongestConnect;
     return keepResult(mApi.connect(mSocket.get(), peer, psm));
 }

@@ -44,7 +44,7 @@ const Handle::Request Handle::kRequests[] = {
      }},
     {driver::kIsConnected, "is_connected", 0,
      [](Handle& handle, device::Bytes) {
-         const bool stands = handle.mChannel.state() == Channel::State::Standing;
+         const bool stands = handle.channelStands();
          return std::optional(Answer{0, device::littleEndian(std::uint32_t{stands ? 1U : 0U})});
      }},
 };
@@ -100,6 +100,14 @@ void Handle::serveChannel(short events) {
         readChannel((events & kHangUp) != 0);
 }
 
+// The phone may have left since this turn began.
+bool Handle::channelStands() {
+    pollfd place{mChannel.descriptor(), mChannel.events(), 0};
+    if (mChannel.state() == Channel::State::Standing && ::poll(&place, 1, 0) > 0)
+        serveChannel(place.revents);
+    return mChannel.state() == Channel::State::Standing;
+}
+
 void Handle::readChannel(bool hungUp) {
     for (int i = 0; i < kPacketsPerTurn; ++i) {
         std::optional<device::Bytes> packet;
@@ -145,7 +153,7 @@ void Handle::take(device::Bytes packet) {
 void Handle::write(device::Bytes payload) {
     using State = Channel::State;
     if (mChannel.state() == State::Closed)
-        return logError("a write on a handle without a channel", payload);
+        return logError("a write on a handle without a channel", {});
     if (mChannel.state() == State::Standing)
         if (const Channel::Error error = mChannel.write(payload))
             loseChannel(error);

@@ -56,6 +56,7 @@ class Handle {
     static const Request kRequests[];
 
     void serveChannel(short events);
+    [[nodiscard]] bool channelStands();
     void readChannel(bool hungUp);
     void readPackets(bool hungUp);
     [[nodiscard]] bool readsPackets() const;

@@ -17,6 +17,8 @@ using Variants = std::map<std::string, sdbus::Variant>;
 
 constexpr const char* kHidUuid = "00001124-0000-1000-8000-00805f9b34fb";
 constexpr const char* kProfilePath = "/orbelantine/hid";
+constexpr const char* kBus = "org.freedesktop.DBus";
+constexpr const char* kBlueZ = "org.bluez";
 constexpr const char* kProfile = "org.bluez.Profile1";
 constexpr const char* kManager = "org.bluez.ProfileManager1";
 constexpr std::chrono::seconds kLongestCall{5};
@@ -34,6 +36,7 @@ ServiceProfile::ServiceProfile(const std::string& bus, const std::string& record
         mConnection = connectTo(bus);
         mConnection->setMethodCallTimeout(kLongestCall);
         implementProfile();
+        watchBlueZ();
         registerProfile(recordXml);
     } catch (const sdbus::Error& error) {
         throw RecordError(recordAdvice(error.getName(), error.getMessage()));
@@ -93,8 +96,20 @@ void ServiceProfile::implementProfile() {
     mProfile->finishRegistration();
 }
 
+// One that crashes doesn't release what it has.
+void ServiceProfile::watchBlueZ() {
+    mBus = sdbus::createProxy(*mConnection, kBus, "/org/freedesktop/DBus");
+    mBus->uponSignal("NameOwnerChanged")
+        .onInterface(kBus)
+        .call([this](const std::string& name, const std::string&, const std::string& owner) {
+            if (name == kBlueZ && owner.empty() && mPublished)
+                released();
+        });
+    mBus->finishRegistration();
+}
+
 void ServiceProfile::registerProfile(const std::string& recordXml) {
-    mManager = sdbus::createProxy(*mConnection, "org.bluez", "/org/bluez");
+    mManager = sdbus::createProxy(*mConnection, kBlueZ, "/org/bluez");
     const Variants options = {
         {"Name", sdbus::Variant(std::string("Orbelantine HID"))},
         {"Role", sdbus::Variant(std::string("server"))},

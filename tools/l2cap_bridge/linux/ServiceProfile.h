@@ -41,12 +41,14 @@ class ServiceProfile final : public PollSource {
 
   private:
     void implementProfile();
+    void watchBlueZ();
     void registerProfile(const std::string& recordXml);
     void released();
 
     Say mSay;
     std::unique_ptr<sdbus::IConnection> mConnection;
     std::unique_ptr<sdbus::IObject> mProfile;
+    std::unique_ptr<sdbus::IProxy> mBus;
     std::unique_ptr<sdbus::IProxy> mManager;
     bool mPublished = false;
     bool mBusLost = false;
