@@ -1,6 +1,7 @@
 #include "avstack/AVConfiguration.h"
 
 #include <map>
+#include <mutex>
 #include <set>
 
 namespace orbelantine {
@@ -55,8 +56,10 @@ std::string AVConfiguration::PipelineTypeToString(AudioPipelineType type) {
 }
 
 void AVConfiguration::replaceText(const char*& text, const char* value) {
-    // Every value that was ever set, once.
-    static std::set<std::string> values;
+    // Every value that was ever set, once; read until the process ends.
+    static std::mutex mutex;
+    static auto& values = *new std::set<std::string>;
+    const std::lock_guard lock(mutex);
     text = values.emplace(value ? value : "").first->c_str();
 }
 

@@ -38,7 +38,7 @@ class AVConfiguration {
 
     /// Gives one of the texts below another value; null counts as the empty text. What was read
     /// before stays valid until the process ends. Not for use while another thread reads or
-    /// replaces one.
+    /// replaces the same text.
     static void replaceText(const char*& text, const char* value);
 
     AudioPipelineType audioPipelineType;

@@ -1,7 +1,11 @@
-#include "avstack/IMediaElement.h"
+#include "avstack/IInputMediaBufferMouse.h"
+#include "avstack/IInputSource.h"
+#include "avstack/InputContextKey.h"
+#include "avstack/InputFormat.h"
+#include "core/common/KVStore.h"
+#include "core/common/OSAL.h"
 #include "input/IInputContext.h"
-#include "input/MouseSettingsApi.h"
-#include "input/RelativeMouseSource.h"
+#include "input/InputTypeFlags.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/asio/executor_work_guard.hpp>
@@ -10,9 +14,10 @@
 #include <boost/smart_ptr/make_shared_object.hpp>
 
 #include <atomic>
+#include <future>
 #include <thread>
 
-// One relative move from the surface's thread to its frame on the source's worker and the news of
+// One relative move from the surface's signal to its frame on the source's worker and the news of
 // it back, beside two bare posts between two threads.
 
 namespace orbelantine {
@@ -85,37 +90,62 @@ class News {
     unsigned mSeen = 0;
 };
 
-/// Posts the news of each frame on, as the manager's proxy does.
+/// Posts the news of each frame on, as the manager's proxy does, once the button is down.
 class Target final : public IMediaElement {
   public:
     Target(Poster& poster, News& news)
         : mPoster(poster)
         , mNews(news) {}
 
-    void onFrame(const boost::shared_ptr<IMediaBuffer>&) override {
-        mPoster.post([this] { mNews.tell(); });
+    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override {
+        if (mPressed)
+            mPoster.post([this] { mNews.tell(); });
+        else if (eventOf(*buffer).type == IInputMediaBufferMouse::LeftDown)
+            press();
     }
 
+    void awaitPress() { mPressing.get_future().wait(); }
+
   private:
+    static const IInputMediaBufferMouse::EventData& eventOf(IMediaBuffer& buffer) {
+        return *static_cast<const IInputMediaBufferMouse::EventData*>(buffer.map(0));
+    }
+
+    void press() {
+        mPressed = true;
+        mPressing.set_value();
+    }
+
     Poster& mPoster;
     News& mNews;
+    bool mPressed = false;
+    std::promise<void> mPressing;
 };
 
 void moveOurs(benchmark::State& state) {
     News news;
     Poster poster;
-    RelativeMouseSource source{KVStore()};
     const auto surface = boost::make_shared<Surface>();
-    source.start(surface);
-    // Parks twice; a drag begins with a press.
-    source.rmiLogicalDimensions(kSide, kSide, 1.0, 0);
-    source.mouseLButton(true, kSide / 2, kSide / 2, 0, false);
-    source.postAndWait([](const auto&) {});
-    source.registerTarget(boost::make_shared<Target>(poster, news));
+    const auto target = boost::make_shared<Target>(poster, news);
+    KVStore store;
+    store.setStringAt("hint", "android");
+    setInputContext(store, surface);
+    const auto source = osalCreate<IInputSource, InputFormat>(
+        OSALFactory::instance(), "IInputSource", store, "", InputFormat(3, 2, 1, kRelativeInput));
+    source->registerTarget(target);
+    source->start();
+    // The source listens to the screen's size from a moment after its start.
+    while (surface->onLogicalDimensionsChanged.empty())
+        std::this_thread::yield();
+    surface->onLogicalDimensionsChanged(kSide, kSide, 1.0, 0);
+    // A move counts in a drag alone.
+    surface->onMouseClickDown(IInputContext::MouseButtonLeft, kSide / 2, kSide / 2);
+    target->awaitPress();
     for (auto _ : state) {
-        source.rawMouseMove(6, 0);
+        surface->onRelativeMouseMove(6, 0);
         news.await();
     }
+    source->stop();
 }
 
 void moveBare(benchmark::State& state) {

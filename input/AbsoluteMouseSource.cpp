@@ -6,6 +6,7 @@
 #include "core/common/Log.h"
 #include "core/common/OSAL.h"
 #include "input/IInputContext.h"
+#include "input/RelativeCursor.h"
 
 #include <boost/endian/conversion.hpp>
 #include <boost/smart_ptr/make_shared_object.hpp>
@@ -121,11 +122,12 @@ void AbsoluteMouseSource::countPress(bool down) {
 void AbsoluteMouseSource::normalizeMouseCoordinates(std::int32_t& x, std::int32_t& y) {
     IInputContext::Rect rect{};
     mContext->getInputSurfaceRectWithinScreen(rect);
-    const std::int32_t width = std::max(rect.right - rect.left, 0);
-    const std::int32_t height = std::max(rect.bottom - rect.top, 0);
+    const CursorExtent extent = extentOf(rect);
+    const std::int32_t width = std::max(extent.width, 0);
+    const std::int32_t height = std::max(extent.height, 0);
     x = std::clamp(x, 0, width);
     y = std::clamp(y, 0, height);
-    // A surface without area has no scale: the position goes out as it is.
+    // A surface without area has no scale: the position goes out only clamped.
     if (width == 0 || height == 0)
         return;
     const std::int32_t nx = scaled(x, width);

@@ -25,14 +25,14 @@ void InputContextComposite::setMainInputContext(const boost::shared_ptr<IInputCo
     if (mMainContext)
         unregisterEvents(kMainId);
     mMainContext = context;
-    registerEvents(kMainId, *context);
+    registerEvents(kMainId, context.get());
 }
 
 void InputContextComposite::addSecondaryContext(const std::string& id,
                                                 const boost::shared_ptr<IInputContext>& context) {
     ORB_LOG(kLogTrace, "%s() id=%s", id.c_str());
     mSecondaries[id] = context;
-    registerEvents(id, *context);
+    registerEvents(id, context.get());
 }
 
 void InputContextComposite::removeSecondaryContext(const std::string& id) {
@@ -41,12 +41,14 @@ void InputContextComposite::removeSecondaryContext(const std::string& id) {
     unregisterEvents(id);
 }
 
-void InputContextComposite::registerEvents(const std::string& id, IInputContext& context) {
+void InputContextComposite::registerEvents(const std::string& id, IInputContext* context) {
+    if (context == nullptr)
+        return;
     ORB_LOG(kLogTrace, "%s() connecting id=%s", id.c_str());
     auto& connections = mConnections[id];
     // A signal connected to a signal also outlasts an event under way on a surface's thread.
     const auto relay = [&](auto signal) {
-        connections.emplace_back((context.*signal).connect(this->*signal));
+        connections.emplace_back((context->*signal).connect(this->*signal));
     };
     std::apply([&](auto... signals) { (relay(signals), ...); }, kSignals);
 }

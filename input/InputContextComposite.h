@@ -37,7 +37,7 @@ class InputContextComposite final : public IInputContext {
     void releaseCaptureMouseExclusively() override;
 
   private:
-    void registerEvents(const std::string& id, IInputContext& context);
+    void registerEvents(const std::string& id, IInputContext* context);
     void unregisterEvents(const std::string& id);
 
     boost::shared_ptr<IInputContext> mMainContext;

@@ -52,6 +52,11 @@ std::int32_t saturated(std::int64_t value) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, kLeast, kGreatest));
 }
 
+CursorExtent extentOf(const IInputContext::Rect& rect) {
+    return {.width = saturated(std::int64_t{rect.right} - rect.left),
+            .height = saturated(std::int64_t{rect.bottom} - rect.top)};
+}
+
 CursorDelta difference(const CursorPoint& to, const CursorPoint& from) {
     return {.dx = saturated(std::int64_t{to.x} - from.x),
             .dy = saturated(std::int64_t{to.y} - from.y)};

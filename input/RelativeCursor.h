@@ -1,5 +1,7 @@
 #pragma once
 
+#include "input/IInputContext.h"
+
 #include <cstdint>
 
 namespace orbelantine {
@@ -30,6 +32,8 @@ struct alignas(std::int64_t) CursorExtent {
 };
 
 [[nodiscard]] std::int32_t saturated(std::int64_t value);
+
+[[nodiscard]] CursorExtent extentOf(const IInputContext::Rect& rect);
 
 /// `to` seen from `from`.
 [[nodiscard]] CursorDelta difference(const CursorPoint& to, const CursorPoint& from);

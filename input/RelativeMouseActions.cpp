@@ -164,8 +164,7 @@ CursorPoint RelativeMouseSource::logicalUnderCursor(std::int32_t x, std::int32_t
 CursorExtent RelativeMouseSource::surfaceExtent() {
     IInputContext::Rect rect{};
     mContext->getInputSurfaceRectWithinScreen(rect);
-    return {.width = saturated(std::int64_t{rect.right} - rect.left),
-            .height = saturated(std::int64_t{rect.bottom} - rect.top)};
+    return extentOf(rect);
 }
 
 IInputContext::Point RelativeMouseSource::surfaceOrigin() {

@@ -128,6 +128,8 @@ std::size_t StreamPipe::copyOut(std::uint8_t* target, std::size_t size, std::siz
         std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(skipped), count, target + copied);
         offset -= skipped;
         copied += count;
+        if (copied == size)
+            break;
     }
     return copied;
 }

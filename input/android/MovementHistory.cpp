@@ -14,6 +14,7 @@ void MovementHistory::clear() {
 }
 
 void MovementHistory::clearPointers(IdBits ids) {
+    // Positions are found by their rank among the ids: those that stay close up.
     Movement& movement = mMovements[mIndex];
     const IdBits before = movement.idBits;
     std::uint32_t kept = 0;
