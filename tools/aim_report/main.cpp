@@ -2,10 +2,9 @@
 #include "tools/aim_report/Report.h"
 #include "tools/aim_report/Table.h"
 #include "tools/virtual_phone/Picture.h"
+#include "tools/virtual_phone/ProgramMain.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <exception>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
@@ -62,23 +61,8 @@ void report(const Options& options) {
         writeFile(options.picture, draw(options.drawn, options.grid));
 }
 
-int run(std::span<const char* const> arguments) {
-    const auto parsed = parseOptions(arguments);
-    if (const auto* error = std::get_if<phone::UsageError>(&parsed)) {
-        std::cerr << error->message << '\n';
-        return 2;
-    }
-    if (std::holds_alternative<phone::HelpWanted>(parsed)) {
-        std::cout << helpText();
-        return 0;
-    }
-    try {
-        report(std::get<Options>(parsed));
-        return 0;
-    } catch (const std::exception& failure) {
-        std::cerr << "aim_report: " << failure.what() << '\n';
-        return 1;
-    }
+int run(const Options& options) {
+    return phone::statusOf("aim_report", [&] { report(options); });
 }
 
 } // namespace
@@ -86,6 +70,7 @@ int run(std::span<const char* const> arguments) {
 } // namespace orbelantine::aim
 
 int main(int argc, char** argv) {
-    const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
-    return orbelantine::aim::run(arguments.subspan(1));
+    using namespace orbelantine;
+    return phone::runParsed(aim::parseOptions(phone::argumentsOf(argc, argv)), aim::helpText(),
+                            aim::run);
 }

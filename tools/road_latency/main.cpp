@@ -1,23 +1,20 @@
 #include "tools/aim_report/Table.h"
 #include "tools/road_latency/Receiver.h"
 #include "tools/road_latency/Roads.h"
-#include "tools/virtual_phone/CommandLine.h"
 #include "tools/virtual_phone/Parse.h"
+#include "tools/virtual_phone/ProgramMain.h"
 
 #include <sched.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <exception>
 #include <iomanip>
 #include <iostream>
-#include <span>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace orbelantine::latency {
@@ -146,26 +143,12 @@ bool report(const Options& options) {
     return percentile(ofRoad, 50) <= options.limit * percentile(ofFloor, 50);
 }
 
-int run(std::span<const char* const> arguments) {
-    const auto parsed = commandLine().parse(arguments);
-    if (const auto* error = std::get_if<phone::UsageError>(&parsed)) {
-        std::cerr << error->message << '\n';
-        return 2;
-    }
-    if (std::holds_alternative<phone::HelpWanted>(parsed)) {
-        std::cout << helpText();
-        return 0;
-    }
-    const Options& options = std::get<Options>(parsed);
-    try {
-        if (report(options))
-            return 0;
-        std::cerr << "road_latency: the median is above " << text(options.limit, 2)
-                  << " times the floor's\n";
-    } catch (const std::exception& failure) {
-        std::cerr << "road_latency: " << failure.what() << '\n';
-    }
-    return 1;
+int run(const Options& options) {
+    return phone::statusOf("road_latency", [&] {
+        if (!report(options))
+            throw std::runtime_error("the median is above " + text(options.limit, 2) +
+                                     " times the floor's");
+    });
 }
 
 } // namespace
@@ -173,6 +156,7 @@ int run(std::span<const char* const> arguments) {
 } // namespace orbelantine::latency
 
 int main(int argc, char** argv) {
-    const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
-    return orbelantine::latency::run(arguments.subspan(1));
+    using namespace orbelantine;
+    return phone::runParsed(latency::commandLine().parse(phone::argumentsOf(argc, argv)),
+                            latency::helpText(), latency::run);
 }

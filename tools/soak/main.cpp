@@ -1,17 +1,16 @@
 #include "tools/aim_report/Table.h"
 #include "tools/soak/ProcessUse.h"
 #include "tools/soak/Session.h"
-#include "tools/virtual_phone/CommandLine.h"
 #include "tools/virtual_phone/Parse.h"
+#include "tools/virtual_phone/ProgramMain.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <iostream>
-#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
-#include <variant>
 
 namespace orbelantine::soak {
 
@@ -151,24 +150,11 @@ bool soak(const Options& options) {
            seen.text == expectedText(session) && seen.tally.interruptConnects == session.linksUp();
 }
 
-int run(std::span<const char* const> arguments) {
-    const auto parsed = commandLine().parse(arguments);
-    if (const auto* error = std::get_if<phone::UsageError>(&parsed)) {
-        std::cerr << error->message << '\n';
-        return 2;
-    }
-    if (std::holds_alternative<phone::HelpWanted>(parsed)) {
-        std::cout << helpText();
-        return 0;
-    }
-    try {
-        if (soak(std::get<Options>(parsed)))
-            return 0;
-        std::cerr << "soak: the process has grown, or the phone saw something else\n";
-    } catch (const std::exception& failure) {
-        std::cerr << "soak: " << failure.what() << '\n';
-    }
-    return 1;
+int run(const Options& options) {
+    return phone::statusOf("soak", [&] {
+        if (!soak(options))
+            throw std::runtime_error("the process has grown, or the phone saw something else");
+    });
 }
 
 } // namespace
@@ -176,6 +162,7 @@ int run(std::span<const char* const> arguments) {
 } // namespace orbelantine::soak
 
 int main(int argc, char** argv) {
-    const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
-    return orbelantine::soak::run(arguments.subspan(1));
+    using namespace orbelantine;
+    return phone::runParsed(soak::commandLine().parse(phone::argumentsOf(argc, argv)),
+                            soak::helpText(), soak::run);
 }
