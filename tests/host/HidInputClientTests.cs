@@ -1,5 +1,4 @@
 using System;
-using System.Collections.Generic;
 using System.Linq;
 using System.Threading;
 using Orbelantine.Swig.bluetooth;
@@ -18,7 +17,9 @@ namespace Orbelantine.HostTests
         private readonly FakeSurface surface = new FakeSurface();
         private readonly BluetoothPeer peer;
         private readonly HidInputClient client;
-        private readonly Dictionary<string, int> heard = new Dictionary<string, int>();
+        private readonly HostCallback connected = new HostCallback(arguments => false);
+        private readonly Recorder disconnected = new Recorder();
+        private readonly Recorder refreshed = new Recorder();
 
         public HidInputClientTests()
         {
@@ -26,10 +27,10 @@ namespace Orbelantine.HostTests
                 peer = new BluetoothPeer(address);
             client = new HidInputClient(configuration);
             client.setInputContext(surface);
-            Family.Of(typeof(VoidCallback)).Connect(client.onConnected, new HostCallback(() => Hear("connected"))).Dispose();
-            Family codes = Family.Of(typeof(ErrorCodeCallback));
-            codes.Connect(client.onDisconnected, Counting("disconnected")).Dispose();
-            codes.Connect(client.onHidSdpRefresh, Counting("refreshed")).Dispose();
+            Family family = Family.Of(typeof(VoidCallback));
+            family.Connect(client.onConnected, connected).Dispose();
+            disconnected.ConnectTo(client.onDisconnected).Dispose();
+            refreshed.ConnectTo(client.onHidSdpRefresh).Dispose();
         }
 
         public void Dispose()
@@ -38,6 +39,21 @@ namespace Orbelantine.HostTests
             surface.Dispose();
             peer.Dispose();
             configuration.Dispose();
+        }
+
+        private sealed class FakeService : IBluetoothService
+        {
+            public string Connected { get; private set; }
+
+            public override void connect(BluetoothPeer to, ErrorCodeCallback completion)
+            {
+                using (CMacAddress address = to.address())
+                    Connected = address.getStdStringAddress();
+                using (error_code code = HidErrors.getErrorCode(AlreadyStarted))
+                    completion.call(code);
+            }
+
+            public override void disconnect(ErrorCodeCallback completion) { }
         }
 
         [Test]
@@ -50,9 +66,9 @@ namespace Orbelantine.HostTests
                 surface.onKeyDown.call(0x41, 30, 1);
                 surface.onKeyUp.call(0x41, 30);
                 phone.WaitForLine("\"typed\":\"a\"");
-                Assert.Equal(0, Code((_, done) => client.disconnect(done)));
+                Disconnect();
                 phone.WaitForLine("\"control\"", "\"disconnected\"");
-                Assert.Equal(1, Times("connected"));
+                Assert.Equal(1, connected.Calls);
             }
         }
 
@@ -69,8 +85,8 @@ namespace Orbelantine.HostTests
                 phone.WaitForLine("\"typed\":\"b\"");
                 client.pauseConnection();
                 client.resumeConnection();
-                Await("connected", 3);
-                Assert.Equal(0, Code((_, done) => client.disconnect(done)));
+                Await("connected three times", () => connected.Calls == 3);
+                Disconnect();
             }
         }
 
@@ -81,12 +97,12 @@ namespace Orbelantine.HostTests
             {
                 VirtualPhone.SetDevices(folder.Path);
                 Assert.Equal(-1, Code(client.connect));
-                Assert.Equal(0, Code((_, done) => client.disconnect(done)));
+                Disconnect();
                 client.setHidRemoteSdpRefresh(true);
                 Assert.Equal(0, Code(client.connect));
-                Assert.Equal(1, Times("refreshed"));
-                Await("disconnected", 2);
-                Assert.Equal(0, Code((_, done) => client.disconnect(done)));
+                Assert.Equal(1, refreshed.Codes.Length);
+                Await("disconnected twice", () => disconnected.Codes.Length == 2);
+                Disconnect();
             }
         }
 
@@ -96,119 +112,47 @@ namespace Orbelantine.HostTests
             client.forceDisconnect(null);
             Assert.Equal(0, Code((_, done) => client.forceDisconnect(done)));
             client.disconnect(null);
-            Assert.Equal(0, Code((_, done) => client.disconnect(done)));
+            Disconnect();
             Assert.NullArgument("orbelantine::BluetoothPeer const & reference is null", () => client.connect(null, null));
         }
 
         [Test]
-        public void AHostsServiceIsCalledThroughItsBase()
+        public void NativeCodeCallsAServiceOfTheHost()
         {
             using (var service = new FakeService())
             {
-                int disconnected = 0;
-                Family.Of(typeof(ErrorCodeCallback)).Connect(service.onDisconnected, Counting("lost", () => ++disconnected)).Dispose();
-                service.connect(peer, null);
+                var lost = new Recorder();
+                lost.ConnectTo(service.onDisconnected).Dispose();
+                IntPtr handle = Raw.Handle<IBluetoothService>(service);
+                Raw.Call("bluetooth", "IBluetoothService_connect", handle, Raw.Handle(peer), IntPtr.Zero);
                 Assert.Equal(VirtualPhone.Address, service.Connected);
+                Assert.Equal(AlreadyStarted, Code((to, done) =>
+                    Raw.Call("bluetooth", "IBluetoothService_connect", handle, Raw.Handle(to), Raw.Handle(done))));
                 Assert.Equal(0, Code((_, done) => service.forceDisconnect(done)));
                 using (error_code code = HidErrors.getErrorCode(AlreadyStarted))
                     service.dispatchOnDisconnected(code);
-                Assert.Equal(1, disconnected, "signals");
-                service.onDisconnected.disconnect_all_slots();
+                Assert.Sequence(new[] { AlreadyStarted }, lost.Values);
             }
         }
 
-        [Test]
-        public void APeerTellsWhatItIs()
+        private void Disconnect()
         {
-            using (var address = new CMacAddress(0xA1B2C3D4E5F6))
-            using (var phone = new BluetoothPeer(address, "Mein Telefon \U0001F4F1", 0x5A020C, false))
-            {
-                Assert.Equal("A1:B2:C3:D4:E5:F6", phone.address().getStdStringAddress());
-                Assert.Equal(3, phone.deviceType());
-                phone.update("anders", 0x100, true);
-                Assert.Equal("anders 256 True 2", phone.name() + " " + phone.deviceClass() + " " + phone.isPaired() + " " + phone.deviceType());
-                Assert.Equal(false, phone.isStale());
-                phone.markStale();
-                Assert.Equal(true, phone.isStale());
-                phone.touch();
-                Assert.Equal(false, phone.isStale());
-            }
-            Assert.Equal("nur ein Name", new BluetoothPeer("nur ein Name").name());
-        }
-
-        [Test]
-        public void AVectorOfPeersSharesThem()
-        {
-            using (var peers = new BluetoothPeerVector(new[] { peer, new BluetoothPeer("zwei") }))
-            {
-                peers[0].update("eins", 0, true);
-                Assert.Equal("eins", peer.name());
-                peers.Reverse();
-                Assert.Sequence(new[] { "zwei", "eins" }, peers.Select(each => each.name()));
-                Assert.OutOfRange("index", () => peers[2].name());
-                Assert.NullArgument("std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > > const & type is null", () => peers.AddRange(null));
-            }
+            Assert.Equal(0, Code((_, done) => client.disconnect(done)));
         }
 
         // The code with which an operation completes.
         private int Code(Action<BluetoothPeer, ErrorCodeCallback> operation)
         {
-            int? code = null;
-            using (var done = new ManualResetEvent(false))
-            {
-                var callback = new HostCallback(arguments =>
-                {
-                    using (var given = (error_code)arguments[0])
-                        code = given.value();
-                    done.Set();
-                    return false;
-                });
-                using (IDisposable function = Family.Of(typeof(ErrorCodeCallback)).NewFunction(callback))
-                    operation(peer, (ErrorCodeCallback)function);
-                Assert.True(done.WaitOne(PatienceMs), "no completion");
-            }
-            return code.Value;
+            var completed = new Recorder();
+            using (var done = new ErrorCodeCallback(completed))
+                operation(peer, done);
+            Await("a completion", () => completed.Codes.Length == 1);
+            return completed.Values.Single();
         }
 
-        private HostCallback Counting(string what, Action also = null)
+        private static void Await(string what, Func<bool> condition)
         {
-            return new HostCallback(arguments =>
-            {
-                ((error_code)arguments[0]).Dispose();
-                Hear(what);
-                also?.Invoke();
-                return false;
-            });
-        }
-
-        private void Hear(string what)
-        {
-            lock (heard)
-                heard[what] = Times(what) + 1;
-        }
-
-        private void Await(string what, int times)
-        {
-            Assert.True(SpinWait.SpinUntil(() => Times(what) == times, PatienceMs), "not " + times + " times " + what);
-        }
-
-        private int Times(string what)
-        {
-            lock (heard)
-                return heard.TryGetValue(what, out int times) ? times : 0;
-        }
-
-        private sealed class FakeService : IBluetoothService
-        {
-            public string Connected { get; private set; }
-
-            public override void connect(BluetoothPeer to, ErrorCodeCallback completion)
-            {
-                using (CMacAddress address = to.address())
-                    Connected = address.getStdStringAddress();
-            }
-
-            public override void disconnect(ErrorCodeCallback completion) { }
+            Assert.True(SpinWait.SpinUntil(condition, PatienceMs), "waited in vain for " + what);
         }
     }
 }

@@ -16,68 +16,51 @@ namespace Orbelantine.HostTests
         private const long BoundKb = 4096;
 
         [Test]
-        public void ErrorCodes()
-        {
-            LeavesNothing(() => HidErrors.getErrorCode(21120).Dispose());
-        }
-
-        [Test]
         public void ErrorCodesLeftToTheCollector()
         {
             LeavesNothing(() => HidErrors.getErrorCode(21120));
         }
 
         [Test]
-        public void Stores()
+        public void StoresWithTheirTexts()
         {
             LeavesNothing(() =>
             {
                 using (var store = new KVStore())
-                    store.setIntAt("key", 1);
-            });
-        }
-
-        [Test]
-        public void TextInAndOut()
-        {
-            using (var store = new KVStore())
-                LeavesNothing(() =>
                 {
                     store.setStringAt("key", "a text that is longer than a small one");
                     store.getStringAt("key");
                     store.getWStringAt("key", "another");
-                });
-        }
-
-        [Test]
-        public void BuffersWithTheirBase()
-        {
-            LeavesNothing(() =>
-            {
-                using (var buffer = new IInputMediaBufferMouse(1, 2, 0))
-                using (buffer.copy()) { }
+                }
             });
         }
 
         [Test]
-        public void CallbackFunctions()
+        public void BuffersOnTheirWayToAnElementOfTheHost()
         {
-            var recorder = new ForgettingRecorder();
-            using (error_code code = HidErrors.getErrorCode(21120))
+            using (var configuration = new KVStore())
+            using (var target = new Dropping())
+            using (var packer = new HIDEventsPacker(configuration))
+            {
+                packer.registerTarget(target);
                 LeavesNothing(() =>
                 {
-                    using (var function = new ErrorCodeCallback(recorder))
-                        function.call(code);
-                });
+                    using (var buffer = new IInputMediaBufferMouse(1, 2, 0))
+                    using (IMediaBuffer copy = buffer.copy())
+                        packer.onFrame(copy);
+                }, 4);
+            }
         }
 
         [Test]
-        public void CallbackObjects()
+        public void CallbackObjectsWithTheirFunctionsAndCodes()
         {
             LeavesNothing(() =>
             {
+                using (error_code code = HidErrors.getErrorCode(21120))
                 using (var recorder = new ForgettingRecorder())
-                using (new ErrorCodeCallback(recorder)) { }
+                using (var function = new ErrorCodeCallback(recorder))
+                    function.call(code);
             }, 20);
         }
 
@@ -93,19 +76,6 @@ namespace Orbelantine.HostTests
                     using (connection slot = signal.connect(function))
                         slot.disconnect();
                 });
-            }
-        }
-
-        [Test]
-        public void BuffersOnTheirWayToAnElementOfTheHost()
-        {
-            using (var configuration = new KVStore())
-            using (var target = new Dropping())
-            using (var packer = new HIDEventsPacker(configuration))
-            using (var buffer = new IInputMediaBufferMouse(1, 2, 0))
-            {
-                packer.registerTarget(target);
-                LeavesNothing(() => packer.onFrame(buffer), 4);
             }
         }
 

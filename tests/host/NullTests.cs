@@ -2,134 +2,115 @@ using System;
 using System.Collections.Generic;
 using System.Linq;
 using System.Reflection;
+using Orbelantine.Swig.bluetooth;
 using Orbelantine.Swig.common;
+using Orbelantine.Swig.input;
 
 namespace Orbelantine.HostTests
 {
-    /// <summary>Null handles where the proxies can't give them.</summary>
+    /// <summary>No object where one is wanted, and no delegate.</summary>
     public sealed class NullTests
     {
-        private static readonly string[] SharedClasses =
-        {
-            "IInputMediaBufferTouch", "IInputMediaBufferMouse", "IInputMediaBufferKeyboard", "IInputSource", "IInputTarget",
-            "HIDDeviceClient", "HIDEventsPacker", "HIDReportProvider"
-        };
-
         [Test]
-        public void DeletingNothingDoesNothing()
+        public void DeletingUpcastingAndSettingFieldsOfNothingDoesNothing()
         {
-            string[] deleted = Named("delete_").Select(name => name.Substring("delete_".Length)).ToArray();
-            foreach (string wanted in new[] { "KVStore", "error_code", "connection", "SignalErrorCodeCallback", "IMediaBuffer" }.Concat(SharedClasses))
-                Assert.True(deleted.Contains(wanted), "no delete_" + wanted);
-            ForEach(name => name.StartsWith("delete_"), (module, name) => Raw.Call(module, name, IntPtr.Zero));
+            var called = new List<string>();
+            foreach (string module in Raw.Modules)
+                foreach (MethodInfo function in Raw.FunctionsOf(module).GetMethods().Where(TakesOneObject))
+                {
+                    object[] nothing = function.GetParameters().Select(parameter => Nothing(parameter.ParameterType)).ToArray();
+                    object result = Raw.Call(module, function.Name, nothing);
+                    Assert.Equal(IntPtr.Zero, result ?? IntPtr.Zero, function.Name);
+                    called.Add(function.Name);
+                }
+            foreach (string name in new[] { "delete_IMediaBuffer", "HIDDeviceClient_SWIGSmartPtrUpcast", "InputFormat_mouseType_set" })
+                Assert.True(called.Contains(name), "no " + name);
         }
 
         [Test]
-        public void AnUpcastOfNothingIsNothing()
+        public void NoObjectWhereAReferenceIsWantedIsNamedByItsType()
         {
-            string[] upcast = Named("_SWIGSmartPtrUpcast").ToArray();
-            foreach (string wanted in SharedClasses)
-                Assert.True(upcast.Contains(wanted + "_SWIGSmartPtrUpcast"), "no upcast of " + wanted);
-            ForEach(name => name.EndsWith("Upcast"),
-                    (module, name) => Assert.Equal(IntPtr.Zero, Raw.CallHandle(module, name, IntPtr.Zero), name));
-        }
-
-        [Test]
-        public void SettingAFieldOfNothingDoesNothing()
-        {
-            string[] set = Named("_set").ToArray();
-            foreach (string wanted in new[] { "IInputMediaBufferMouse_EventData_x_set", "IInputMediaBufferKeyboard_EventData_ch_set",
-                                              "IInputMediaBufferTouch_EventData_id_set", "InputFormat_mouseType_set" })
-                Assert.True(set.Contains(wanted), "no " + wanted);
-            ForEach(name => name.EndsWith("_set"), (module, name) =>
-            {
-                // The texts of a configuration are nobody's fields.
-                if (Function(module, name).GetParameters().Length == 2)
-                    Raw.Call(module, name, IntPtr.Zero, FieldValue(module, name));
-            });
-        }
-
-        [Test]
-        public void ACopyOfNothingIsReportedAndIsNothing()
-        {
-            var copies = new Dictionary<string, string>
-            {
-                { "new_error_code__SWIG_2", "boost::system::error_code const & type is null" },
-                { "new_KVStore__SWIG_1", "orbelantine::KVStore const & type is null" },
-                { "new_ByteVector__SWIG_1", "std::vector< unsigned char > const & type is null" },
-                { "new_StringVector__SWIG_1", "std::vector< std::string > const & type is null" },
-                { "new_ErrorCodeCallback__SWIG_0", "boost::function< void (boost::system::error_code) > const & type is null" }
-            };
-            foreach (KeyValuePair<string, string> copy in copies)
-            {
-                Raw.Outcome outcome = Raw.Try("common", copy.Key, IntPtr.Zero);
-                Assert.Equal(copy.Value, outcome.Error?.Message, copy.Key);
-                Assert.Equal(IntPtr.Zero, outcome.Result, copy.Key);
-            }
-        }
-
-        [Test]
-        public void AConstructorWithoutItsStoreIsReportedAndMakesNothing()
-        {
-            foreach (string constructor in new[] { "new_HIDEventsPacker__SWIG_1", "new_HIDReportProvider", "new_InputFormat__SWIG_5" })
-            {
-                Raw.Outcome outcome = Raw.Try("input", constructor, IntPtr.Zero);
-                Assert.Equal("orbelantine::KVStore const & type is null", outcome.Error?.Message, constructor);
-                Assert.Equal(IntPtr.Zero, outcome.Result, constructor);
-            }
-        }
-
-        [Test]
-        public void ReferencesAreTestedBeforeTheStoreIsTouched()
-        {
-            foreach (string method in new[] { "KVStore_getDataAt__SWIG_0", "KVStore_setDataAt", "KVStore_getKVStoreAt__SWIG_0", "KVStore_setKVStoreAt" })
-            {
-                Raw.Outcome outcome = Raw.Try("common", method, IntPtr.Zero, "key", IntPtr.Zero);
-                Assert.True(outcome.Error is ArgumentNullException, method);
-            }
-        }
-
-        [Test]
-        public void NullTextsAreEmptyTexts()
-        {
+            const string noStore = "orbelantine::KVStore const & type is null";
+            const string noData = "std::vector< uint8_t > const & type is null";
+            const string noBytes = "std::vector< unsigned char > const & type is null";
+            const string noValue = "std::map< std::string,orbelantine::KVStore >::mapped_type const & type is null";
             using (var store = new KVStore())
             {
-                IntPtr handle = Raw.Handle(store);
-                Assert.Equal("", Raw.CallText("common", "KVStore_getStringAt__SWIG_0", handle, null, null));
-                Assert.Equal("", Raw.CallText("common", "KVStore_getWStringAt__SWIG_0", handle, null, null));
+                Assert.NullArgument(noStore, () => store.getKVStoreAt("key", null));
+                Assert.NullArgument(noStore, () => store.setKVStoreAt("key", null));
+                Assert.NullArgument(noData, () => store.getDataAt("key", null));
+                Assert.NullArgument(noData, () => store.setDataAt("key", null));
+                Assert.NullArgument(noValue, () => store.getKVStoreMap().Add("key", null));
+                Assert.NullArgument(noValue, () => store.getKVStoreMap()["key"] = null);
+                Assert.True(store.getKVStoreMap().empty(), "the key was inserted");
+            }
+            Assert.NullArgument(noStore, () => new HIDEventsPacker(null));
+            Assert.NullArgument(noBytes, () => new ByteVector().AddRange(null));
+            Assert.NullArgument("std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > > const & type is null",
+                                () => new BluetoothPeerVector().AddRange(null));
+            Assert.NullArgument("boost::system::error_category const & type is null", () => new error_code(5, null));
+            using (var composite = new InputContextComposite())
+            {
+                Assert.NullArgument("orbelantine::IInputContext::Point & type is null", () => composite.screenToInputSurface(null));
+                Assert.NullArgument("orbelantine::IInputContext::Rect & type is null", () => composite.getInputSurfaceRectWithinScreen(null));
             }
         }
 
         [Test]
-        public void ConnectingDelegatesToWhatTakesNoneChangesNothing()
+        public void ACopyOfNothingIsNamedByItsTypeAndIsNothing()
         {
-            IntPtr mouse = Raw.CallHandle("input", "new_IInputMediaBufferMouse__SWIG_4", 1, 2, (byte)0);
-            IntPtr buffer = Raw.CallHandle("input", "IInputMediaBufferMouse_SWIGSmartPtrUpcast", mouse);
-            MethodInfo connect = Function("avstack_base", "IMediaBuffer_director_connect");
-            object[] arguments = new object[connect.GetParameters().Length];
-            arguments[0] = buffer;
-            for (int i = 1; i < arguments.Length; ++i)
-                arguments[i] = Answering99(connect.GetParameters()[i].ParameterType);
-            Raw.Call("avstack_base", connect.Name, arguments);
-            Assert.Equal((byte)10, Raw.Call("avstack_base", "IMediaBuffer_getType", buffer));
+            ExpectNoCopy("error_code__SWIG_2", "boost::system::error_code");
+            ExpectNoCopy("KVStore__SWIG_1", "orbelantine::KVStore");
+            ExpectNoCopy("ByteVector__SWIG_1", "std::vector< unsigned char >");
+            ExpectNoCopy("StringVector__SWIG_1", "std::vector< std::string >");
+            ExpectNoCopy("KVStoreMap__SWIG_1", "std::map< std::string,orbelantine::KVStore,std::less< std::string > >");
+            ExpectNoCopy("CMacAddress__SWIG_2", "orbelantine::CMacAddress");
+        }
+
+        [Test]
+        public void OnlyAGivenDelegateOfAClassThatTakesThemReplacesItsBehaviour()
+        {
+            IntPtr buffer = Raw.CallHandle("avstack_base", "new_IMediaBuffer");
+            Assert.Equal((byte)99, TypeOnceConnected(buffer, Answering99));
+            Assert.Equal((byte)0, TypeOnceConnected(buffer, type => null));
             Raw.Call("avstack_base", "delete_IMediaBuffer", buffer);
+
+            IntPtr mouse = Raw.CallHandle("input", "new_IInputMediaBufferMouse__SWIG_4", 1, 2, (byte)0);
+            IntPtr upcast = Raw.CallHandle("input", "IInputMediaBufferMouse_SWIGSmartPtrUpcast", mouse);
+            Assert.Equal((byte)10, TypeOnceConnected(upcast, Answering99));
+            Raw.Call("avstack_base", "delete_IMediaBuffer", upcast);
             Raw.Call("input", "delete_IInputMediaBufferMouse", mouse);
         }
 
-        [Test]
-        public void AnEmptyDelegateLeavesTheBaseBehaviour()
+        private static bool TakesOneObject(MethodInfo function)
         {
-            IntPtr buffer = Raw.CallHandle("avstack_base", "new_IMediaBuffer");
-            MethodInfo connect = Function("avstack_base", "IMediaBuffer_director_connect");
-            object[] arguments = new object[connect.GetParameters().Length];
-            arguments[0] = buffer;
-            object[] filled = arguments.Select((argument, i) => argument ?? Answering99(connect.GetParameters()[i].ParameterType)).ToArray();
-            Raw.Call("avstack_base", connect.Name, filled);
-            Assert.Equal((byte)99, Raw.Call("avstack_base", "IMediaBuffer_getType", buffer));
-            Raw.Call("avstack_base", connect.Name, arguments);
-            Assert.Equal((byte)0, Raw.Call("avstack_base", "IMediaBuffer_getType", buffer));
-            GC.KeepAlive(filled);
-            Raw.Call("avstack_base", "delete_IMediaBuffer", buffer);
+            // The texts of a configuration are nobody's fields.
+            bool setsField = function.Name.EndsWith("_set") && function.GetParameters().Length == 2;
+            return setsField || function.Name.StartsWith("delete_") || function.Name.EndsWith("Upcast");
+        }
+
+        // No object, or a field's value.
+        private static object Nothing(Type type)
+        {
+            return type.IsPrimitive && type != typeof(IntPtr) ? Convert.ChangeType(5, type) : IntPtr.Zero;
+        }
+
+        private static void ExpectNoCopy(string constructor, string type)
+        {
+            Raw.Outcome outcome = Raw.Try("common", "new_" + constructor, IntPtr.Zero);
+            Assert.True(outcome.Error is ArgumentNullException, constructor);
+            Assert.Equal(type + " const & type is null", outcome.Error.Message);
+            Assert.Equal(IntPtr.Zero, outcome.Result, constructor);
+        }
+
+        private static object TypeOnceConnected(IntPtr buffer, Func<Type, Delegate> delegateOf)
+        {
+            MethodInfo connect = Raw.FunctionsOf("avstack_base").GetMethod("IMediaBuffer_director_connect");
+            Delegate[] delegates = connect.GetParameters().Skip(1).Select(parameter => delegateOf(parameter.ParameterType)).ToArray();
+            Raw.Call("avstack_base", connect.Name, new object[] { buffer }.Concat(delegates).ToArray());
+            object type = Raw.Call("avstack_base", "IMediaBuffer_getType", buffer);
+            GC.KeepAlive(delegates);
+            return type;
         }
 
         private static byte Ninetynine()
@@ -140,32 +121,10 @@ namespace Orbelantine.HostTests
         // A delegate of the wanted type if it is one for a byte, else none.
         private static Delegate Answering99(Type type)
         {
-            MethodInfo answer = typeof(NullTests).GetMethod("Ninetynine", BindingFlags.Static | BindingFlags.NonPublic);
             MethodInfo wanted = type.GetMethod("Invoke");
-            bool fits = wanted != null && wanted.ReturnType == typeof(byte) && wanted.GetParameters().Length == 0;
+            bool fits = wanted.ReturnType == typeof(byte) && wanted.GetParameters().Length == 0;
+            MethodInfo answer = typeof(NullTests).GetMethod("Ninetynine", BindingFlags.Static | BindingFlags.NonPublic);
             return fits ? Delegate.CreateDelegate(type, answer) : null;
-        }
-
-        private static object FieldValue(string module, string function)
-        {
-            return Convert.ChangeType(5, Function(module, function).GetParameters()[1].ParameterType);
-        }
-
-        private static MethodInfo Function(string module, string name)
-        {
-            return Raw.FunctionsOf(module).GetMethod(name);
-        }
-
-        private static IEnumerable<string> Named(string part)
-        {
-            return Raw.Modules.SelectMany(Raw.Names).Where(name => name.Contains(part));
-        }
-
-        private static void ForEach(Func<string, bool> wanted, Action<string, string> call)
-        {
-            foreach (string module in Raw.Modules)
-                foreach (string name in Raw.Names(module).Where(wanted))
-                    call(module, name);
         }
     }
 }

@@ -1,5 +1,4 @@
 using System;
-using System.Collections.Generic;
 using System.Linq;
 using System.Reflection;
 using System.Runtime.InteropServices;
@@ -30,21 +29,12 @@ namespace Orbelantine.HostTests
                 type => type.Namespace == "Orbelantine.Swig." + module && type.Name.EndsWith("PINVOKE"));
         }
 
-        /// <summary>The names of a module's functions, as in the export table.</summary>
-        public static IEnumerable<string> Names(string module)
-        {
-            return FunctionsOf(module).GetMethods(AnyStatic | BindingFlags.DeclaredOnly)
-                .Where(method => (method.Attributes & MethodAttributes.PinvokeImpl) != 0)
-                .Select(method => method.Name);
-        }
-
         /// <summary>Calls a function; handles are given as IntPtr, null is the null handle.</summary>
         public static Outcome Try(string module, string name, params object[] arguments)
         {
             Type functions = FunctionsOf(module);
             MethodInfo function = functions.GetMethod(name, AnyStatic);
-            if (function == null)
-                throw new AssertionException("no function " + name + " in " + module);
+            Assert.True(function != null, "no function " + name + " in " + module);
             object result = function.Invoke(null, function.GetParameters().Zip(arguments, Fit).ToArray());
             return new Outcome { Result = result, Error = Pending(functions) };
         }
@@ -73,6 +63,12 @@ namespace Orbelantine.HostTests
         {
             MethodInfo getHandle = typeof(T).GetMethod("getCPtr", AnyStatic | BindingFlags.DeclaredOnly);
             return ((HandleRef)getHandle.Invoke(null, new object[] { proxy })).Handle;
+        }
+
+        /// <summary>A proxy for a native object, which it owns.</summary>
+        public static object Wrap(Type type, IntPtr handle)
+        {
+            return Activator.CreateInstance(type, BindingFlags.Instance | BindingFlags.NonPublic, null, new object[] { handle, true }, null);
         }
 
         private static object Fit(ParameterInfo parameter, object argument)

@@ -12,8 +12,6 @@ namespace Orbelantine.HostTests
     public sealed class TestLog : IDisposable
     {
         public const string Tag = "HostTests";
-        public const string Prefix = "host-";
-        public const string Suffix = "-tests";
         public const uint Info = 2;
         public const uint Off = 6;
 
@@ -24,10 +22,9 @@ namespace Orbelantine.HostTests
         {
             folder = new TestFolder("\U0001F4F1");
             Common.set_log_folder(folder.Path);
-            Common.set_log_name_prefix(Prefix);
-            Common.set_log_name_suffix(Suffix);
+            Common.set_log_name_prefix("host-");
+            Common.set_log_name_suffix("-tests");
             Common.set_log_level(Info);
-            Common.lumiport_log(Info, Tag, "first message");
             Push();
             Common.set_log_level(Off);
         }
@@ -47,33 +44,25 @@ namespace Orbelantine.HostTests
             folder.Dispose();
         }
 
-        /// <summary>The lines that an action adds to the log at a level.</summary>
-        public static IList<string> Record(Action action, uint level = Info)
+        /// <summary>The lines that an action adds to the log, without line ends.</summary>
+        public static IEnumerable<string> Record(Action action)
         {
-            Common.set_log_level(level);
+            Common.set_log_level(Info);
             Push();
             long before = new FileInfo(FilePath).Length;
             try
             {
                 action();
                 Push();
-                return Lines(before);
             }
             finally
             {
-                Common.set_log_enable_private(false);
                 Common.set_log_level(Off);
             }
-        }
-
-        /// <summary>The log's lines from a place in the file on, without line ends.</summary>
-        public static IList<string> Lines(long from = 0)
-        {
             using (var file = new FileStream(FilePath, FileMode.Open, FileAccess.Read, FileShare.ReadWrite))
             {
-                file.Seek(from, SeekOrigin.Begin);
-                string text = new StreamReader(file, Encoding.UTF8).ReadToEnd();
-                string[] lines = text.Split(new[] { "\r\n" }, StringSplitOptions.None);
+                file.Seek(before, SeekOrigin.Begin);
+                string[] lines = new StreamReader(file, Encoding.UTF8).ReadToEnd().Split(new[] { "\r\n" }, StringSplitOptions.None);
                 return lines.Where(line => line != "" && !line.Contains(Filler)).ToList();
             }
         }

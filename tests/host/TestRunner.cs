@@ -57,27 +57,16 @@ namespace Orbelantine.HostTests
                     ((Action)Delegate.CreateDelegate(typeof(Action), fixture, test))();
                 ++passed;
             }
+            catch (SkippedException skipped)
+            {
+                Console.WriteLine("skipped " + NameOf(test) + ": " + skipped.Message);
+            }
             catch (Exception thrown)
             {
-                Judge(test, thrown is TargetInvocationException ? thrown.InnerException : thrown);
+                ++failed;
+                string reason = thrown is AssertionException ? thrown.Message : thrown.ToString();
+                Console.WriteLine("FAILED " + NameOf(test) + ": " + reason.Replace("\r", "").Replace("\n", " |"));
             }
-        }
-
-        private void Judge(MethodInfo test, Exception thrown)
-        {
-            if (thrown is SkippedException)
-            {
-                Console.WriteLine("skipped " + NameOf(test) + ": " + thrown.Message);
-                return;
-            }
-            ++failed;
-            bool foreseen = thrown is AssertionException;
-            Console.WriteLine("FAILED " + NameOf(test) + ": " + (foreseen ? thrown.Message : OnOneLine(thrown)));
-        }
-
-        private static string OnOneLine(Exception thrown)
-        {
-            return thrown.ToString().Replace("\r", "").Replace("\n", " |");
         }
     }
 }

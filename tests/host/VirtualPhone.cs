@@ -60,12 +60,6 @@ namespace Orbelantine.HostTests
             process.WaitForExit();
         }
 
-        /// <summary>Waits for the phone to end by itself.</summary>
-        public void WaitForExit()
-        {
-            Wait("the phone to end", () => process.HasExited);
-        }
-
         public void Dispose()
         {
             if (!process.HasExited)
