@@ -19,8 +19,7 @@ using test::FakeDriverApi;
 const Guid& kClass = driver::kHandsfreeInterface;
 constexpr const wchar_t* kPath = L"{a1}_LOCALMFG";
 constexpr std::uint32_t kFlags = 0xA0000000;
-constexpr std::uint32_t kVersionRequest = 0x222018;
-constexpr DriverApi::Error kSomeError = 1450;
+const std::string kLogName = "orbelantine::BluetoothDriver::";
 
 error_code driverCode(int value) {
     return DriverErrors::getErrorCode(value);
@@ -33,6 +32,19 @@ error_code apiCode(int value, const char* api) {
 error_code noDevice() {
     return {19, boost::system::generic_category()};
 }
+
+/// A driver that shares its path, and a device for it.
+class BluetoothDriverTest : public testing::Test {
+  protected:
+    BluetoothDriverTest() { mApi.simulateDevice(kClass, kPath); }
+
+    error_code open(const BluetoothDriver::RemovalCallback& onRemoval = {}) {
+        return mDriver.open(kClass, kFlags, onRemoval);
+    }
+
+    FakeDriverApi mApi;
+    BluetoothDriver mDriver{false, mApi};
+};
 
 TEST(BluetoothDriver, OpensFirstPathWithTheMarkInOneOfItsTwoSpellings) {
     const struct {
@@ -48,48 +60,55 @@ TEST(BluetoothDriver, OpensFirstPathWithTheMarkInOneOfItsTwoSpellings) {
         FakeDriverApi api;
         for (const auto& path : paths)
             api.simulateDevice(kClass, path);
-        BluetoothDriver driver(false, api);
-        EXPECT_EQ(driver.open(kClass, kFlags), error_code());
+        EXPECT_EQ(BluetoothDriver(false, api).open(kClass, kFlags), error_code());
         const FakeDriverApi::Opening expected{opened, 0xC0000000, 3, 3, kFlags};
         EXPECT_EQ(api.openings(), std::vector{expected});
     }
 }
 
-TEST(BluetoothDriver, WatchesTheOpenedHandleForRemoval) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
-    BluetoothDriver driver(false, api);
-    ASSERT_FALSE(driver.open(kClass, kFlags));
-    ASSERT_EQ(api.filters().size(), 1u);
-    const auto filter = api.filters()[0];
-    EXPECT_EQ(filter.size, 416u);
-    EXPECT_EQ(filter.flags, 0u);
-    EXPECT_EQ(filter.type, 1u);
-    EXPECT_NE(filter.target, 0);
-    EXPECT_EQ(filter.unused, decltype(filter.unused){});
-}
+TEST(BluetoothDriver, EachFailingCallGivesItsOwnCodeAndTellsWhyAndLeavesNothingHeld) {
+    const std::string noPath = "open() getUnboundDevicePath error 7";
+    const std::string noDetail =
+        "getUnboundDevicePath() SetupDiGetDeviceInterfaceDetail() failed, error 7";
 
-TEST(BluetoothDriver, EachFailingCallGivesItsOwnCodeAndLeavesNothingHeld) {
-    const error_code cases[] = {
-        apiCode(kSomeError, "Driver:SetupDiGetClassDevs"),
-        apiCode(kSomeError, "Driver:SetupDiEnumDeviceInterfaces"),
-        apiCode(kSomeError, "Driver:SetupDiGetDeviceInterfaceDetail"),
-        apiCode(kSomeError, "Driver:LocalAlloc"),
-        apiCode(kSomeError, "Driver:SetupDiGetDeviceInterfaceDetail"),
-        apiCode(kSomeError, "Driver:CreateFile"),
-        error_code(), // the notification is not vital
-        apiCode(kSomeError, "Driver:DeviceIoControl"),
+    const struct {
+        error_code expected;
+        std::vector<std::string> lines;
+    } calls[] = {
+        {apiCode(7, "Driver:SetupDiGetClassDevs"),
+         {"getUnboundDevicePath() SetupDiGetClassDevs() failed, error 7", noPath}},
+        {apiCode(7, "Driver:SetupDiEnumDeviceInterfaces"),
+         {"getUnboundDevicePath() SetupDiEnumDeviceInterfaces() failed, error 7", noPath}},
+        {apiCode(7, "Driver:SetupDiGetDeviceInterfaceDetail"), {noDetail, noPath}},
+        {apiCode(7, "Driver:LocalAlloc"),
+         {"getUnboundDevicePath() device interface data allocation error 7", noPath}},
+        {apiCode(7, "Driver:SetupDiGetDeviceInterfaceDetail"), {noDetail, noPath}},
+        {apiCode(7, "Driver:CreateFile"),
+         {"openLocked() unable to open I/O device handle, device path: {a1}_LOCALMFG, error 7"}},
+        {error_code(), // the notification is not vital
+         {"startDeviceRemovalMonitoring() Unable to register device notification for device path "
+          "{a1}_LOCALMFG. Error 0x7",
+          "open() unable to start device removal monitoring, non-fatal error"}},
+        {apiCode(7, "Driver:DeviceIoControl"),
+         {"getVersion() DeviceIoControl failed with error 7, device path: {a1}_LOCALMFG"}},
     };
-    for (std::size_t number = 1; number <= std::size(cases); ++number) {
+
+    for (std::size_t number = 1; number <= std::size(calls); ++number) {
+        const auto& [expected, lines] = calls[number - 1];
         FakeDriverApi api;
         api.simulateDevice(kClass, kPath);
-        api.simulateFailure(number, kSomeError);
+        api.simulateFailure(number, 7);
         BluetoothDriver driver(true, api);
+        CapturedLog log(kLogError);
         std::int16_t version = 0;
         error_code ec = driver.open(kClass, kFlags);
-        if (!ec && number == std::size(cases))
-            ec = driver.getVersion(kVersionRequest, version);
-        EXPECT_EQ(ec, cases[number - 1]) << "call " << number;
+        if (!ec)
+            ec = driver.getVersion(driver::kGetVersion, version);
+        EXPECT_EQ(ec, expected) << "call " << number;
+        std::vector<CapturedLog::Line> expectedLines;
+        for (const auto& line : lines)
+            expectedLines.push_back({kLogError, kLogName + line});
+        EXPECT_EQ(log.take(), expectedLines) << "call " << number;
         driver.close();
         EXPECT_EQ(api.held(), 0u) << "call " << number;
     }
@@ -100,12 +119,15 @@ TEST(BluetoothDriver, SearchWithoutHitTellsWhy) {
         const char* what;
         bool presentUnsuitable;
         bool installed;
+        std::size_t failingCall;
         error_code expected;
     } cases[] = {
-        {"nothing at all", false, false, driverCode(DriverErrors::DriverNotInstalled)},
-        {"installed and not running", false, true, driverCode(DriverErrors::DriverFailedToLoad)},
-        {"only devices of others", true, false, noDevice()},
-        {"another's is present", true, true, noDevice()},
+        {"nothing at all", false, false, 0, driverCode(DriverErrors::DriverNotInstalled)},
+        {"installed and not running", false, true, 0, driverCode(DriverErrors::DriverFailedToLoad)},
+        {"only devices of others", true, false, 0, noDevice()},
+        {"another's is present", true, true, 0, noDevice()},
+        {"the second search fails otherwise", false, false, 3,
+         apiCode(259, "Driver:SetupDiEnumDeviceInterfaces")},
     };
 
     for (const auto& testCase : cases) {
@@ -114,183 +136,108 @@ TEST(BluetoothDriver, SearchWithoutHitTellsWhy) {
             api.simulateDevice(kClass, L"somebody else's device");
         if (testCase.installed)
             api.simulateDevice(kClass, kPath, false);
-        BluetoothDriver driver(false, api);
-        EXPECT_EQ(driver.open(kClass, kFlags), testCase.expected) << testCase.what;
+        api.simulateFailure(testCase.failingCall, 1450);
+        EXPECT_EQ(BluetoothDriver(false, api).open(kClass, kFlags), testCase.expected)
+            << testCase.what;
         EXPECT_TRUE(api.openings().empty()) << testCase.what;
     }
 }
 
-TEST(BluetoothDriver, SecondSearchThatFailsOtherwiseGivesTheFirstFailure) {
-    FakeDriverApi api;
-    api.simulateFailure(3, kSomeError);
-    BluetoothDriver driver(false, api);
-    EXPECT_EQ(driver.open(kClass, kFlags), apiCode(259, "Driver:SetupDiEnumDeviceInterfaces"));
+TEST_F(BluetoothDriverTest, MissingFileAtOpeningMeansNotInstalled) {
+    mApi.simulateFailureOf("CreateFile", 2);
+    EXPECT_EQ(open(), driverCode(DriverErrors::DriverNotInstalled));
 }
 
-TEST(BluetoothDriver, MissingFileAtOpeningMeansNotInstalled) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
-    api.simulateFailureOf("CreateFile", 2);
-    BluetoothDriver driver(false, api);
-    EXPECT_EQ(driver.open(kClass, kFlags), driverCode(DriverErrors::DriverNotInstalled));
+TEST_F(BluetoothDriverTest, OpenWhileOpenIsRefusedAndStaysOpen) {
+    ASSERT_FALSE(open());
+    EXPECT_EQ(open(), driverCode(DriverErrors::AlreadyOpen));
+    EXPECT_EQ(mApi.openFiles(), 1u);
 }
 
-TEST(BluetoothDriver, OpenWhileOpenIsRefusedAndStaysOpen) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
-    BluetoothDriver driver(false, api);
-    ASSERT_FALSE(driver.open(kClass, kFlags));
-    EXPECT_EQ(driver.open(kClass, kFlags), driverCode(DriverErrors::AlreadyOpen));
-    EXPECT_EQ(api.openFiles(), 1u);
-}
-
-TEST(BluetoothDriver, ExclusivePathIsHeldUntilClosed) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
-    BluetoothDriver first(true, api);
-    BluetoothDriver second(true, api);
-    BluetoothDriver sharing(false, api);
+TEST_F(BluetoothDriverTest, ExclusivePathIsHeldUntilClosed) {
+    BluetoothDriver first(true, mApi);
+    BluetoothDriver second(true, mApi);
     ASSERT_FALSE(first.open(kClass, kFlags));
     EXPECT_EQ(second.open(kClass, kFlags), driverCode(DriverErrors::AlreadyOpen));
-    EXPECT_EQ(sharing.open(kClass, kFlags), error_code());
+    EXPECT_EQ(open(), error_code()) << "shares it";
     first.close();
     EXPECT_EQ(second.open(kClass, kFlags), error_code());
 }
 
-TEST(BluetoothDriver, RemovalCallbackRunsOnAnotherThreadAndMayClose) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
-    BluetoothDriver driver(false, api);
+TEST_F(BluetoothDriverTest, RemovalCallbackRunsOnAnotherThreadAndMayClose) {
     std::promise<std::pair<error_code, std::thread::id>> removed;
-    const auto onRemoval = [&](error_code ec) {
-        driver.close();
+    ASSERT_FALSE(open([&](error_code ec) {
+        mDriver.close();
         removed.set_value({ec, std::this_thread::get_id()});
-    };
-    ASSERT_FALSE(driver.open(kClass, kFlags, onRemoval));
-    api.simulateRemoval();
+    }));
+    ASSERT_EQ(mApi.held(), 2u) << "a file and the watch on it";
+    mApi.simulateRemoval();
     const auto [ec, thread] = removed.get_future().get();
     EXPECT_EQ(ec, noDevice());
     EXPECT_NE(thread, std::this_thread::get_id());
-    EXPECT_EQ(api.held(), 0u);
+    EXPECT_EQ(mApi.held(), 0u);
 }
 
-TEST(BluetoothDriver, OtherNotificationsAreNoRemoval) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
+TEST_F(BluetoothDriverTest, OtherNotificationsAreNoRemoval) {
     std::atomic<int> removals = 0;
     std::promise<void> removed;
     {
-        BluetoothDriver driver(false, api);
-        const auto onRemoval = [&](error_code) {
+        BluetoothDriver driver(false, mApi);
+        ASSERT_FALSE(driver.open(kClass, kFlags, [&](error_code) {
             if (++removals == 1)
                 removed.set_value();
-        };
-        ASSERT_FALSE(driver.open(kClass, kFlags, onRemoval));
+        }));
         for (const std::uint32_t action : {0u, 1u, 3u, 4u, 5u, 6u})
-            api.simulateRemoval(action);
-        api.simulateRemoval();
+            mApi.simulateRemoval(action);
+        mApi.simulateRemoval();
         removed.get_future().wait();
     }
     EXPECT_EQ(removals, 1);
 }
 
-TEST(BluetoothDriver, CloseDropsTheCallbackEvenWhenNothingIsOpen) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
-    BluetoothDriver driver(false, api);
+TEST_F(BluetoothDriverTest, CloseDropsTheCallbackEvenWhenNothingIsOpen) {
     const auto token = boost::make_shared<int>();
-    ASSERT_FALSE(driver.open(kClass, kFlags, [token](error_code) {}));
+    ASSERT_FALSE(open([token](error_code) {}));
     EXPECT_EQ(token.use_count(), 2);
-    driver.close();
+    mDriver.close();
     EXPECT_EQ(token.use_count(), 1);
-    driver.close();
-    EXPECT_EQ(api.held(), 0u);
+    mDriver.close();
+    EXPECT_EQ(mApi.held(), 0u);
 }
 
-TEST(BluetoothDriver, VersionOfAClosedDriverIsAnInvalidHandle) {
-    FakeDriverApi api;
-    BluetoothDriver driver(false, api);
+TEST_F(BluetoothDriverTest, VersionIsAskedOfAnOpenDriverWithoutInput) {
     std::int16_t version = 77;
-    EXPECT_EQ(driver.getVersion(kVersionRequest, version), apiCode(6, "Driver:NotOpen"));
+    EXPECT_EQ(mDriver.getVersion(driver::kGetVersion, version), apiCode(6, "Driver:NotOpen"));
     EXPECT_EQ(version, 77);
-    EXPECT_TRUE(api.requests().empty());
-}
-
-TEST(BluetoothDriver, VersionIsAskedWithoutInput) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
-    api.simulateVersion(-2);
-    BluetoothDriver driver(false, api);
-    ASSERT_FALSE(driver.open(kClass, kFlags));
-    std::int16_t version = 0;
-    EXPECT_EQ(driver.getVersion(driver::kGetVersion, version), error_code());
+    EXPECT_TRUE(mApi.requests().empty());
+    mApi.simulateVersion(-2);
+    ASSERT_FALSE(open());
+    EXPECT_EQ(mDriver.getVersion(driver::kGetVersion, version), error_code());
     EXPECT_EQ(version, -2);
     const FakeDriverApi::Request expected{driver::kGetVersion, {}};
-    EXPECT_EQ(api.requests(), std::vector{expected});
+    EXPECT_EQ(mApi.requests(), std::vector{expected});
 }
 
-TEST(BluetoothDriver, LogsAWholeLifeInItsOwnWords) {
-    FakeDriverApi api;
-    api.simulateDevice(kClass, kPath);
+TEST_F(BluetoothDriverTest, LogsAWholeLifeInItsOwnWords) {
     CapturedLog log(kLogDebug);
-    BluetoothDriver driver(true, api);
+    BluetoothDriver driver(true, mApi);
     ASSERT_FALSE(driver.open(kClass, kFlags));
     (void)driver.open(kClass, kFlags);
     std::int16_t version = 0;
-    (void)driver.getVersion(kVersionRequest, version);
+    (void)driver.getVersion(0x222018, version);
     driver.close();
-    const std::string name = "orbelantine::BluetoothDriver::";
     const std::vector<CapturedLog::Line> expected = {
-        {kLogDebug, name + "open() Opening {a1}_LOCALMFG"},
-        {kLogDebug, name + "openExclusively() Adding {a1}_LOCALMFG to map"},
-        {kLogWarning, name + "open() Already open"},
-        {kLogError, name + "getVersion() DeviceIoControl failed with error 1, device path: "
-                           "{a1}_LOCALMFG"},
-        {kLogError, name + "getVersion() Old driver. Version not supported"},
-        {kLogDebug, name + "close() Closing {a1}_LOCALMFG device"},
-        {kLogDebug, name + "close() Closed {a1}_LOCALMFG device"},
-        {kLogDebug, name + "close() Removing {a1}_LOCALMFG from map"},
+        {kLogDebug, kLogName + "open() Opening {a1}_LOCALMFG"},
+        {kLogDebug, kLogName + "openExclusively() Adding {a1}_LOCALMFG to map"},
+        {kLogWarning, kLogName + "open() Already open"},
+        {kLogError, kLogName + "getVersion() DeviceIoControl failed with error 1, device path: "
+                               "{a1}_LOCALMFG"},
+        {kLogError, kLogName + "getVersion() Old driver. Version not supported"},
+        {kLogDebug, kLogName + "close() Closing {a1}_LOCALMFG device"},
+        {kLogDebug, kLogName + "close() Closed {a1}_LOCALMFG device"},
+        {kLogDebug, kLogName + "close() Removing {a1}_LOCALMFG from map"},
     };
     EXPECT_EQ(log.take(), expected);
-}
-
-TEST(BluetoothDriver, LogsWhyOpeningFailed) {
-    const struct {
-        const char* call;
-        std::vector<std::string> lines;
-    } cases[] = {
-        {"SetupDiGetClassDevs",
-         {"getUnboundDevicePath() SetupDiGetClassDevs() failed, error 7",
-          "open() getUnboundDevicePath error 7"}},
-        {"SetupDiEnumDeviceInterfaces",
-         {"getUnboundDevicePath() SetupDiEnumDeviceInterfaces() failed, error 7",
-          "open() getUnboundDevicePath error 7"}},
-        {"SetupDiGetDeviceInterfaceDetail",
-         {"getUnboundDevicePath() SetupDiGetDeviceInterfaceDetail() failed, error 7",
-          "open() getUnboundDevicePath error 7"}},
-        {"LocalAlloc",
-         {"getUnboundDevicePath() device interface data allocation error 7",
-          "open() getUnboundDevicePath error 7"}},
-        {"CreateFile",
-         {"openLocked() unable to open I/O device handle, device path: {a1}_LOCALMFG, error 7"}},
-        {"CM_Register_Notification",
-         {"startDeviceRemovalMonitoring() Unable to register device notification for device path "
-          "{a1}_LOCALMFG. Error 0x7",
-          "open() unable to start device removal monitoring, non-fatal error"}},
-    };
-
-    for (const auto& [call, lines] : cases) {
-        FakeDriverApi api;
-        api.simulateDevice(kClass, kPath);
-        api.simulateFailureOf(call, 7);
-        BluetoothDriver driver(false, api);
-        CapturedLog log(kLogError);
-        (void)driver.open(kClass, kFlags);
-        std::vector<CapturedLog::Line> expected;
-        for (const auto& line : lines)
-            expected.push_back({kLogError, "orbelantine::BluetoothDriver::" + line});
-        EXPECT_EQ(log.take(), expected);
-    }
 }
 
 } // namespace

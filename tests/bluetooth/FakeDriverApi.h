@@ -94,8 +94,6 @@ class FakeDriverApi : public DriverApi {
 
     std::vector<Write> writes() const { return locked(mWrites); }
 
-    std::vector<NotifyFilter> filters() const { return locked(mFilters); }
-
     /// Handles, lists, memory blocks and notifications that were not given back.
     std::size_t held() const {
         const std::scoped_lock lock(mMutex, mNotificationMutex);
@@ -108,44 +106,39 @@ class FakeDriverApi : public DriverApi {
     }
 
     Error setupDiGetClassDevs(const Guid& classGuid, std::uint32_t flags, Handle& list) override {
-        const std::lock_guard lock(mMutex);
-        if (const Error error = enter("SetupDiGetClassDevs"))
-            return error;
-        std::vector<std::wstring> paths;
-        for (const Device& device : mDevices)
-            if (device.interfaceClass == classGuid && (device.present || !(flags & kDigcfPresent)))
-                paths.push_back(device.path);
-        list = ++mLastHandle;
-        mLists[list] = paths;
-        return win32::kErrorSuccess;
+        return call("SetupDiGetClassDevs", [&] {
+            std::vector<std::wstring> paths;
+            for (const auto& [guid, path, present] : mDevices)
+                if (guid == classGuid && (present || !(flags & kDigcfPresent)))
+                    paths.push_back(path);
+            list = ++mLastHandle;
+            mLists[list] = paths;
+            return win32::kErrorSuccess;
+        });
     }
 
     Error setupDiEnumDeviceInterfaces(Handle list, const Guid& classGuid, std::uint32_t index,
                                       InterfaceData& data) override {
-        const std::lock_guard lock(mMutex);
-        if (const Error error = enter("SetupDiEnumDeviceInterfaces"))
-            return error;
-        if (index >= mLists.at(list).size())
-            return win32::kErrorNoMoreItems;
-        data.classGuid = classGuid;
-        data.reserved = index;
-        return win32::kErrorSuccess;
+        return call("SetupDiEnumDeviceInterfaces", [&] {
+            data.classGuid = classGuid;
+            data.reserved = index;
+            return index < mLists.at(list).size() ? win32::kErrorSuccess : win32::kErrorNoMoreItems;
+        });
     }
 
     Error setupDiGetDeviceInterfaceDetail(Handle list, const InterfaceData& data,
                                           InterfaceDetail* detail, std::uint32_t size,
                                           std::uint32_t& required) override {
-        const std::lock_guard lock(mMutex);
-        if (const Error error = enter("SetupDiGetDeviceInterfaceDetail"))
-            return error;
-        const std::wstring& path = mLists.at(list).at(data.reserved);
-        required = static_cast<std::uint32_t>(4 + (path.size() + 1) * sizeof(wchar_t));
-        if (!detail || size < required)
-            return win32::kErrorInsufficientBuffer;
-        if (detail->size != 8)
-            return kErrorInvalidUserBuffer;
-        std::wmemcpy(detail->devicePath, path.c_str(), path.size() + 1);
-        return win32::kErrorSuccess;
+        return call("SetupDiGetDeviceInterfaceDetail", [&]() -> Error {
+            const std::wstring& path = mLists.at(list).at(data.reserved);
+            required = static_cast<std::uint32_t>(4 + (path.size() + 1) * sizeof(wchar_t));
+            if (!detail || size < required)
+                return win32::kErrorInsufficientBuffer;
+            if (detail->size != 8)
+                return kErrorInvalidUserBuffer;
+            std::wmemcpy(detail->devicePath, path.c_str(), path.size() + 1);
+            return win32::kErrorSuccess;
+        });
     }
 
     void setupDiDestroyDeviceInfoList(Handle list) override {
@@ -154,12 +147,11 @@ class FakeDriverApi : public DriverApi {
     }
 
     Error localAlloc(std::size_t size, void*& memory) override {
-        const std::lock_guard lock(mMutex);
-        if (const Error error = enter("LocalAlloc"))
-            return error;
-        memory = std::malloc(size);
-        ++mMemoryBlocks;
-        return win32::kErrorSuccess;
+        return call("LocalAlloc", [&] {
+            memory = std::malloc(size);
+            ++mMemoryBlocks;
+            return win32::kErrorSuccess;
+        });
     }
 
     void localFree(void* memory) override {
@@ -170,13 +162,12 @@ class FakeDriverApi : public DriverApi {
 
     Error createFile(const std::wstring& path, std::uint32_t access, std::uint32_t share,
                      std::uint32_t disposition, std::uint32_t flags, Handle& file) override {
-        const std::lock_guard lock(mMutex);
-        mOpenings.push_back({path, access, share, disposition, flags});
-        if (const Error error = enter("CreateFile"))
-            return error;
-        file = ++mLastHandle;
-        mFiles[file] = {};
-        return win32::kErrorSuccess;
+        return call("CreateFile", [&] {
+            mOpenings.push_back({path, access, share, disposition, flags});
+            file = ++mLastHandle;
+            mFiles[file] = {};
+            return win32::kErrorSuccess;
+        });
     }
 
     void closeHandle(Handle file) override {
@@ -187,51 +178,47 @@ class FakeDriverApi : public DriverApi {
     Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
                           std::uint32_t inputSize, void* output, std::uint32_t outputSize,
                           std::uint32_t& returned) override {
-        const std::lock_guard lock(mMutex);
-        const auto* bytes = static_cast<const std::uint8_t*>(input);
-        mRequests.push_back({code, Bytes(bytes, bytes + inputSize)});
-        if (const Error error = enter("DeviceIoControl"))
-            return error;
-        const auto open = mFiles.find(file);
-        if (open == mFiles.end())
-            return win32::kErrorInvalidHandle;
-        Bytes answered;
-        if (const Error error = answer(open->second, code, mRequests.back().input, answered))
-            return error;
-        returned = static_cast<std::uint32_t>(answered.size());
-        if (returned > outputSize)
-            return win32::kErrorInsufficientBuffer;
-        if (returned > 0)
-            std::memcpy(output, answered.data(), returned);
-        return win32::kErrorSuccess;
+        return call("DeviceIoControl", [&]() -> Error {
+            const auto* bytes = static_cast<const std::uint8_t*>(input);
+            mRequests.push_back({code, Bytes(bytes, bytes + inputSize)});
+            std::uint32_t answered = 0;
+            if (mFiles.count(file) == 0)
+                return win32::kErrorInvalidHandle;
+            if (const Error error = answer(mFiles[file], mRequests.back(), answered, returned))
+                return error;
+            if (returned > outputSize)
+                return win32::kErrorInsufficientBuffer;
+            if (returned > 0)
+                std::memcpy(output, &answered, returned);
+            return win32::kErrorSuccess;
+        });
     }
 
     Error writeFile(Handle file, const void* data, std::uint32_t size,
                     std::uint32_t& written) override {
-        const std::lock_guard lock(mMutex);
-        if (mOnWrite)
-            mOnWrite();
-        if (const Error error = enter("WriteFile"))
-            return error;
-        const auto open = mFiles.find(file);
-        if (open == mFiles.end())
-            return win32::kErrorInvalidHandle;
-        const auto* bytes = static_cast<const std::uint8_t*>(data);
-        mWrites.push_back({open->second.psm, Bytes(bytes, bytes + size)});
-        written = size;
-        return win32::kErrorSuccess;
+        return call("WriteFile", [&] {
+            if (mOnWrite)
+                mOnWrite();
+            if (mFiles.count(file) == 0)
+                return win32::kErrorInvalidHandle;
+            const auto* bytes = static_cast<const std::uint8_t*>(data);
+            mWrites.push_back({mFiles[file].psm, Bytes(bytes, bytes + size)});
+            written = size;
+            return win32::kErrorSuccess;
+        });
     }
 
     Error registerNotification(const NotifyFilter& filter, void* context, NotifyCallback callback,
                                Handle& notification) override {
-        const std::lock_guard lock(mMutex);
-        mFilters.push_back(filter);
-        if (const Error error = enter("CM_Register_Notification"))
-            return error;
-        notification = ++mLastHandle;
-        const std::lock_guard notificationLock(mNotificationMutex);
-        mNotifications[notification] = {callback, context};
-        return win32::kErrorSuccess;
+        return call("CM_Register_Notification", [&]() -> Error {
+            const NotifyFilter ofFile{416, 0, 1, 0, filter.target, {}};
+            if (mFiles.count(filter.target) == 0 || std::memcmp(&filter, &ofFile, 416) != 0)
+                return kCrInvalidData;
+            const std::lock_guard lock(mNotificationMutex);
+            notification = ++mLastHandle;
+            mNotifications[notification] = {callback, context};
+            return win32::kErrorSuccess;
+        });
     }
 
     void unregisterNotification(Handle notification) override {
@@ -242,6 +229,9 @@ class FakeDriverApi : public DriverApi {
   private:
     static constexpr Error kErrorInvalidUserBuffer = 1784;
     static constexpr Error kErrorConnectionRefused = 1225;
+    static constexpr Error kCrInvalidData = 31;
+    // Of the driver of the radio's USB device.
+    static constexpr std::uint32_t kReloadLocalName = 0x411008;
 
     struct Device {
         Guid interfaceClass;
@@ -265,39 +255,44 @@ class FakeDriverApi : public DriverApi {
         return recorded;
     }
 
-    Error enter(const char* call) {
-        mCalls.push_back(call);
+    /// Records the call, and fails it or makes it.
+    template <class Action>
+    Error call(const char* name, Action action) {
+        const std::lock_guard lock(mMutex);
+        mCalls.push_back(name);
         if (mCalls.size() == mFailingCall.first)
             return mFailingCall.second;
-        const auto found = mFailures.find(call);
-        return found == mFailures.end() ? win32::kErrorSuccess : found->second;
+        const auto found = mFailures.find(name);
+        if (found != mFailures.end() && found->second)
+            return found->second;
+        return static_cast<Error>(action());
     }
 
-    Error answer(OpenFile& file, std::uint32_t code, const Bytes& input, Bytes& output) const {
-        switch (code) {
+    Error answer(OpenFile& file, const Request& request, std::uint32_t& output,
+                 std::uint32_t& size) const {
+        size = 4;
+        switch (request.code) {
         case driver::kConnect:
-            file.psm = static_cast<std::uint16_t>(input.at(6) | input.at(7) << 8);
+            size = 0;
+            file.psm = static_cast<std::uint16_t>(request.input.at(6) | request.input.at(7) << 8);
             file.stands = file.psm != mRefusedPsm;
             return file.stands ? win32::kErrorSuccess : kErrorConnectionRefused;
         case driver::kGetVersion:
-            output = littleEndian(static_cast<std::uint16_t>(mVersion), 2);
+            size = 2;
+            output = static_cast<std::uint16_t>(mVersion);
             return win32::kErrorSuccess;
         case driver::kGetType:
-            output = littleEndian(mType, 4);
+            output = mType;
             return win32::kErrorSuccess;
         case driver::kIsConnected:
-            output = littleEndian(file.stands, 4);
+            output = file.stands;
+            return win32::kErrorSuccess;
+        case kReloadLocalName:
+            size = 0;
             return win32::kErrorSuccess;
         default:
             return win32::kErrorInvalidFunction;
         }
-    }
-
-    static Bytes littleEndian(std::uint32_t value, std::size_t size) {
-        Bytes bytes;
-        for (std::size_t i = 0; i < size; ++i)
-            bytes.push_back(static_cast<std::uint8_t>(value >> 8 * i));
-        return bytes;
     }
 
     mutable std::mutex mMutex;
@@ -321,7 +316,6 @@ class FakeDriverApi : public DriverApi {
     std::vector<Opening> mOpenings;
     std::vector<Request> mRequests;
     std::vector<Write> mWrites;
-    std::vector<NotifyFilter> mFilters;
 };
 
 } // namespace orbelantine::test

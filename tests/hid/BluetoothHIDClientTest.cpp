@@ -1,7 +1,6 @@
 #include "hid/BluetoothHIDClient.h"
 
 #include "hid/IBluetoothHIDClientDummy.h"
-#include "hid/IHIDDeviceClient.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 
@@ -11,38 +10,10 @@ namespace orbelantine {
 namespace {
 
 using Mouse = IInputMediaBufferMouse;
-using Bytes = std::vector<std::uint8_t>;
+using Bytes = test::FakeHidDevice::Bytes;
 using test::CapturedLog;
 
 constexpr const char* kAddress = "01:23:45:67:89:AB";
-
-/// Notes what it is asked.
-class RecordingDevice final : public IHIDDeviceClient {
-  public:
-    error_code connect(const std::string& address) override {
-        calls.push_back("connect " + address);
-        return result;
-    }
-
-    void disconnect() override { calls.emplace_back("disconnect"); }
-
-    void forceDisconnect() override { calls.emplace_back("force"); }
-
-    bool isConnected() override { return true; }
-
-    void sendReport(const std::uint8_t* data, std::size_t size) override {
-        reports.emplace_back(data, data + size);
-    }
-
-    error_code virtualCableUnplug() override {
-        calls.emplace_back("unplug");
-        return result;
-    }
-
-    error_code result{7, boost::system::generic_category()};
-    test::Names calls;
-    std::vector<Bytes> reports;
-};
 
 boost::shared_ptr<IMediaBuffer> mouseBuffer(std::uint8_t type, std::int32_t x = 0) {
     return boost::make_shared<Mouse>(x, 0, type, false);
@@ -50,7 +21,9 @@ boost::shared_ptr<IMediaBuffer> mouseBuffer(std::uint8_t type, std::int32_t x = 
 
 class BluetoothHidClient : public testing::Test {
   protected:
-    boost::shared_ptr<RecordingDevice> mDevice = boost::make_shared<RecordingDevice>();
+    test::ChainScript mScript;
+    boost::shared_ptr<test::FakeHidDevice> mDevice =
+        boost::make_shared<test::FakeHidDevice>(mScript);
     test::FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient",
                                                      [this](const KVStore&) { return mDevice; }};
     BluetoothHIDClient mClient{KVStore()};
@@ -74,17 +47,23 @@ TEST_F(BluetoothHidClient, FrameThatIsNoInputIsLoggedAndNotSent) {
 }
 
 TEST_F(BluetoothHidClient, ForwardsToTheDeviceAndRelaysItsDisconnection) {
-    EXPECT_EQ(mClient.connect(kAddress), mDevice->result);
-    EXPECT_EQ(mClient.virtualCableUnplug(), mDevice->result);
+    const error_code failure(7, boost::system::generic_category());
+    EXPECT_EQ(mClient.connect(kAddress), error_code());
+    EXPECT_TRUE(mClient.isConnected());
+    mScript.onConnect = [&] { return failure; };
+    EXPECT_EQ(mClient.connect(kAddress), failure);
+    EXPECT_FALSE(mClient.isConnected());
+    mScript.unplugResult = failure;
+    EXPECT_EQ(mClient.virtualCableUnplug(), failure);
     mClient.forceDisconnect();
     mClient.disconnect();
-    EXPECT_TRUE(mClient.isConnected());
-    EXPECT_EQ(mDevice->calls,
-              (test::Names{std::string("connect ") + kAddress, "unplug", "force", "disconnect"}));
+    const std::string connect = std::string("connect ") + kAddress;
+    EXPECT_EQ(mScript.journal.take(),
+              (test::Names{connect, connect, "unplug", "force", "disconnect"}));
     std::vector<error_code> raised;
     mClient.onDisconnected.connect([&](error_code ec) { raised.push_back(ec); });
-    mDevice->onDisconnected(mDevice->result);
-    EXPECT_EQ(raised, std::vector{mDevice->result});
+    mDevice->onDisconnected(failure);
+    EXPECT_EQ(raised, std::vector{failure});
 }
 
 TEST(BluetoothHidClientFactory, GivesTheRealClientAndTheDummyByName) {

@@ -8,7 +8,9 @@
 #include "core/common/OSAL.h"
 #include "hid/IBluetoothHIDClient.h"
 #include "hid/IBluetoothSDPController.h"
+#include "hid/IHIDDeviceClient.h"
 
+#include <boost/algorithm/hex.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include <algorithm>
@@ -16,6 +18,7 @@
 #include <deque>
 #include <functional>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -103,26 +106,23 @@ struct ChainScript {
     boost::shared_ptr<void> context;
 };
 
-class FakeHidClient final : public IBluetoothHIDClient {
+/// A link, of a HID client or of the device below it.
+template <class Interface>
+class FakeLink : public Interface {
   public:
-    explicit FakeHidClient(ChainScript& script)
+    explicit FakeLink(ChainScript& script)
         : mScript(script) {}
-
-    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override {
-        const auto* event = static_cast<IInputMediaBufferMouse::EventData*>(buffer->map(0));
-        mScript.journal.note("frame " + std::to_string(event->x));
-    }
-
-    void disconnect() override {
-        mConnected = false;
-        mScript.journal.note("disconnect");
-    }
 
     error_code connect(const std::string& address) override {
         mScript.journal.note("connect " + address);
         const error_code ec = mScript.onConnect();
         mConnected = !ec;
         return ec;
+    }
+
+    void disconnect() override {
+        mConnected = false;
+        mScript.journal.note("disconnect");
     }
 
     void forceDisconnect() override { mScript.journal.note("force"); }
@@ -134,9 +134,34 @@ class FakeHidClient final : public IBluetoothHIDClient {
         return mScript.unplugResult;
     }
 
-  private:
+  protected:
     ChainScript& mScript;
+
+  private:
     bool mConnected = false;
+};
+
+class FakeHidClient final : public FakeLink<IBluetoothHIDClient> {
+  public:
+    using FakeLink::FakeLink;
+
+    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override {
+        const auto* event = static_cast<IInputMediaBufferMouse::EventData*>(buffer->map(0));
+        mScript.journal.note("frame " + std::to_string(event->x));
+    }
+};
+
+/// Keeps what it is sent.
+class FakeHidDevice final : public FakeLink<IHIDDeviceClient> {
+  public:
+    using Bytes = std::vector<std::uint8_t>;
+    using FakeLink::FakeLink;
+
+    void sendReport(const std::uint8_t* data, std::size_t size) override {
+        reports.emplace_back(data, data + size);
+    }
+
+    std::vector<Bytes> reports;
 };
 
 class FakeInputSource final : public IInputSource {
@@ -183,9 +208,10 @@ class FakeSdpController final : public IBluetoothSDPController {
                                     const std::string& serviceDescription,
                                     const std::string& providerName, std::uint16_t subclass,
                                     const std::uint8_t* descriptor, std::uint32_t size) override {
+        std::string hex;
+        boost::algorithm::hex(descriptor, descriptor + size, std::back_inserter(hex));
         return answer("sdp add " + serviceName + '|' + serviceDescription + '|' + providerName +
-                      '|' + std::to_string(subclass) + '|' + std::to_string(descriptor[size - 1]) +
-                      '|' + std::to_string(size));
+                      '|' + std::to_string(subclass) + '|' + hex);
     }
 
     std::int32_t removeHIDDeviceRecord() override { return answer("sdp remove"); }

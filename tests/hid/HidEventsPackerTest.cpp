@@ -69,12 +69,10 @@ TEST_F(HidEventsPacker, MouseReportHasSixBytesInABufferOfTwelve) {
     EXPECT_EQ(mouse(0, 5, -6), (Bytes{0xA1, 1, 0, 5, 0xFA, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(mouse(5, 5, -1), (Bytes{0xA1, 1, 0, 0, 0, 0xFF, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(mouse(6, 5, 0x102), (Bytes{0xA1, 1, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0}));
-}
-
-TEST_F(HidEventsPacker, StoredIntegersAreSwappedWhateverTheirOrder) {
     const auto hostOrder = boost::make_shared<IInputMediaBufferMouse>(
         0x05000000, 0x06000000, std::uint8_t{0}, false, std::uint64_t{0});
-    EXPECT_EQ(bytesAfter(hostOrder), (Bytes{0xA1, 1, 0, 5, 6, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(bytesAfter(hostOrder), (Bytes{0xA1, 1, 0, 5, 6, 0, 0, 0, 0, 0, 0, 0}))
+        << "swapped whatever the order";
 }
 
 TEST_F(HidEventsPacker, ButtonsAreHeldUntilReleased) {
@@ -84,25 +82,20 @@ TEST_F(HidEventsPacker, ButtonsAreHeldUntilReleased) {
         EXPECT_EQ(mouse(event, 5, 6), (Bytes{0xA1, 1, buttons, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
-TEST_F(HidEventsPacker, UnknownMouseEventIsLoggedAndDropped) {
-    CapturedLog log(kLogError);
-    EXPECT_EQ(mouse(9), Bytes());
-    EXPECT_EQ(log.take(),
-              (Lines{{kLogError, "BluetoothHIDClientBase::parseMouseEvent - unknown event type:9"},
-                     {kLogError, "HIDEventsPacker::onFrame() - error parsing mouse event."}}));
-}
-
-TEST_F(HidEventsPacker, EveryMouseReportIsLoggedAsAnError) {
+TEST_F(HidEventsPacker, EveryMouseEventIsLoggedAsAnErrorAndAnUnknownOneDropped) {
     CapturedLog log(kLogError);
     mouse(2);
     mouse(0, -1, 2);
+    EXPECT_EQ(mouse(9), Bytes());
     EXPECT_EQ(log.take(),
               (Lines{{kLogError, "HIDEventsPacker::onFrame() sending hid mouse event rep.axisX:0, "
                                  "rep.axisY:0, rep.axisZ:0, , mouse buttons:0x1, rep.reportId:1, "
                                  "rep.btCode:a1."},
                      {kLogError, "HIDEventsPacker::onFrame() sending hid mouse event rep.axisX:-1, "
                                  "rep.axisY:2, rep.axisZ:0, , mouse buttons:0x1, rep.reportId:1, "
-                                 "rep.btCode:a1."}}));
+                                 "rep.btCode:a1."},
+                     {kLogError, "BluetoothHIDClientBase::parseMouseEvent - unknown event type:9"},
+                     {kLogError, "HIDEventsPacker::onFrame() - error parsing mouse event."}}));
 }
 
 TEST_F(HidEventsPacker, KeyboardReportHasEightPlaces) {
@@ -115,20 +108,15 @@ TEST_F(HidEventsPacker, KeyboardReportHasEightPlaces) {
     EXPECT_EQ(key(167, 1), expected);
 }
 
-TEST_F(HidEventsPacker, KeyIsLoggedWithItsCodes) {
+TEST_F(HidEventsPacker, EveryKeyIsLoggedAndAnUntranslatedOneDropped) {
     CapturedLog log(kLogDebug);
     key(kBrowserBack, 0);
-    EXPECT_EQ(log.take(),
-              (Lines{{kLogDebug, "HIDEventsPacker::parseKeyboardEvent, scancode: 166 --> "
-                                 "hidCode:241, modifiers:0x0"}}));
-}
-
-TEST_F(HidEventsPacker, UntranslatedKeyIsLoggedAndDropped) {
-    CapturedLog log(kLogDebug);
     EXPECT_EQ(key(30, 0), Bytes());
     EXPECT_EQ(
         log.take(),
-        (Lines{{kLogDebug, "BluetoothHIDClientBase::doOnFrame - failed translating keycode: 30"},
+        (Lines{{kLogDebug, "HIDEventsPacker::parseKeyboardEvent, scancode: 166 --> hidCode:241, "
+                           "modifiers:0x0"},
+               {kLogDebug, "BluetoothHIDClientBase::doOnFrame - failed translating keycode: 30"},
                {kLogError, "HIDEventsPacker::onFrame() - error parsing keyboard event."}}));
 }
 
@@ -137,7 +125,6 @@ TEST_F(HidEventsPacker, WithoutBtCodeTheFirstByteIsDropped) {
     bare.registerTarget(target);
     bare.onFrame(boost::make_shared<IInputMediaBufferMouse>(5, 6, std::uint8_t{0}));
     bare.onFrame(boost::make_shared<IInputMediaBufferKeyboard>(kBrowserBack, std::uint8_t{0}, 0U));
-
     EXPECT_EQ(bytesOf(*target->frames.at(0)), (Bytes{1, 0, 5, 6, 0, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(bytesOf(*target->frames.at(1)), (Bytes{2, 0, 241, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
@@ -161,44 +148,31 @@ TEST_F(HidEventsPacker, FrameTellsKindAndTimes) {
     EXPECT_FALSE(keyFrame.getRawMediaContext());
 }
 
-TEST_F(HidEventsPacker, CopiedFrameHasAReportOfItsOwn) {
-    key(kBrowserBack, 0);
+TEST_F(HidEventsPacker, CopiedFrameHasAReportOfItsOwnAndTheKindOfItsType) {
+    mouse(0);
     IMediaBuffer& frame = *target->frames.at(0);
     for (const auto& copy : {frame.copy(), frame.soft_copy()}) {
         EXPECT_EQ(bytesOf(*copy), bytesOf(frame));
         EXPECT_NE(eventOf(*copy).report, eventOf(frame).report);
-        EXPECT_EQ(eventOf(*copy).kind, IInputMediaBufferHID::Keyboard);
+        EXPECT_EQ(eventOf(*copy).kind, IInputMediaBufferHID::Mouse);
+        EXPECT_EQ(eventOf(*copy).sourceTimestamp, 40U);
         EXPECT_EQ(copy->getTimestamp(), frame.getTimestamp());
     }
-}
-
-TEST_F(HidEventsPacker, KindOfACopyFollowsFromItsType) {
-    mouse(0);
-    IMediaBuffer& frame = *target->frames.at(0);
-    EXPECT_EQ(eventOf(*frame.copy()).kind, IInputMediaBufferHID::Mouse);
     EXPECT_EQ(eventOf(*frame.copy(11)).kind, IInputMediaBufferHID::Keyboard);
     EXPECT_EQ(frame.copy(11)->getType(), 11);
 }
 
-TEST_F(HidEventsPacker, StopForgetsWhatIsHeldAndTheTarget) {
+TEST_F(HidEventsPacker, StopForgetsWhatIsHeldAndSendsToANullElement) {
     mouse(2);
     key(kBrowserBack, 0);
     packer.stop();
     EXPECT_EQ(target.use_count(), 1);
+    CapturedLog log(kLogDebug);
     EXPECT_EQ(mouse(0), Bytes());
-
+    EXPECT_EQ(log.take().back().text, "Leaving function orbelantine::IMediaElement::onFrame");
     packer.registerTarget(target);
     EXPECT_EQ(mouse(0), (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(key(167, 0), (Bytes{0xA1, 2, 0, 242, 0, 0, 0, 0, 0, 0, 0, 0}));
-}
-
-TEST_F(HidEventsPacker, NewPackerSendsToANullElement) {
-    HIDEventsPacker fresh{KVStore()};
-    CapturedLog log(kLogDebug);
-    fresh.onFrame(boost::make_shared<IInputMediaBufferMouse>(5, 6, std::uint8_t{0}));
-    EXPECT_EQ(
-        log.take().back(),
-        (CapturedLog::Line{kLogDebug, "Leaving function orbelantine::IMediaElement::onFrame"}));
 }
 
 } // namespace

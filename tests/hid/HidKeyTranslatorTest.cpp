@@ -1,10 +1,10 @@
 #include "core/common/KVStore.h"
-#include "core/common/OSAL.h"
 #include "hid/WindowsHIDKeyTranslator.h"
 #include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -28,19 +28,15 @@ class HidKeyTranslator : public ::testing::Test {
 
 /// The codes of a table that are there, in the order of their indices.
 template <class Translate>
-Pairs translatedBy(Translate translate) {
+Pairs pairsOf(WindowsHIDKeyTranslator& keys, Translate translate) {
     Pairs result;
     for (std::int32_t index = 0; index < 256; ++index)
-        if (const std::uint32_t code = translate(index); code != kNoTranslation)
+        if (const std::uint32_t code = std::invoke(translate, keys, index); code != kNoTranslation)
             result.emplace_back(index, code);
     return result;
 }
 
-Pairs keysOf(IHIDKeyTranslator& translator) {
-    return translatedBy([&](std::int32_t index) { return translator.translateScanCode(index); });
-}
-
-TEST_F(HidKeyTranslator, KeysOfEachRowHaveTheirUsages) {
+TEST_F(HidKeyTranslator, KeysOfEachRowHaveTheirUsagesAndNoOthersHaveOne) {
     const Pairs expected = {{0, 0},     {1, 41},    {2, 30},    {11, 39},   {12, 45},   {14, 42},
                             {15, 43},   {16, 20},   {25, 19},   {28, 40},   {30, 4},    {38, 15},
                             {41, 53},   {42, 225},  {43, 49},   {44, 29},   {50, 16},   {53, 56},
@@ -51,57 +47,33 @@ TEST_F(HidKeyTranslator, KeysOfEachRowHaveTheirUsages) {
                             {221, 101}, {240, 138}, {249, 136}, {250, 139}, {251, 145}, {252, 137}};
     for (const auto& [index, code] : expected)
         EXPECT_EQ(plain.translateScanCode(index), code) << index;
-}
-
-TEST_F(HidKeyTranslator, KeyTableHasNoOtherEntries) {
-    EXPECT_EQ(keysOf(plain).size(), 113U);
+    EXPECT_EQ(pairsOf(plain, &WindowsHIDKeyTranslator::translateScanCode).size(), 113U);
     for (const std::int32_t index : {84, 85, 89, 128, 156, 198, 222, 239, 255})
         EXPECT_EQ(plain.translateScanCode(index), 0xFFFFFFFFU) << index;
 }
 
 TEST_F(HidKeyTranslator, AppleTurnsTheControlKeysIntoLogoKeys) {
-    Pairs expected = keysOf(plain);
-    for (auto& [index, code] : expected) {
-        if (index == 29)
-            code = 227;
-        if (index == 157)
-            code = 231;
-    }
-    EXPECT_EQ(plain.translateScanCode(29), 224U);
-    EXPECT_EQ(plain.translateScanCode(157), 228U);
-    EXPECT_EQ(keysOf(apple), expected);
+    Pairs expected = pairsOf(plain, &WindowsHIDKeyTranslator::translateScanCode);
+    for (auto& [index, code] : expected)
+        if (index == 29 || index == 157) {
+            EXPECT_EQ(code, index == 29 ? 224U : 228U);
+            code += 3;
+        }
+    EXPECT_EQ(pairsOf(apple, &WindowsHIDKeyTranslator::translateScanCode), expected);
 }
 
-TEST_F(HidKeyTranslator, VirtualKeysAreTheMediaKeys) {
-    const Pairs expected = {{166, 241}, {167, 242}, {168, 250}, {169, 243}, {172, 240}, {173, 239},
-                            {174, 238}, {175, 237}, {176, 235}, {177, 234}, {178, 233}, {179, 232}};
-    for (IHIDKeyTranslator* translator : {&plain, &apple})
-        EXPECT_EQ(translatedBy([&](std::int32_t i) { return translator->translateVirtualKey(i); }),
-                  expected);
-}
-
-TEST_F(HidKeyTranslator, ConsumerKeysDependOnThePhone) {
-    const auto consumerKeysOf = [](IHIDKeyTranslator& translator) {
-        return translatedBy([&](std::int32_t i) { return translator.translateConsumerKey(i); });
-    };
-    EXPECT_EQ(consumerKeysOf(plain), (Pairs{{170, 418}, {175, 48}, {199, 547}}));
-    EXPECT_EQ(consumerKeysOf(apple), (Pairs{{170, 545}, {175, 184}, {199, 547}, {253, 48}}));
-}
-
-TEST_F(HidKeyTranslator, SystemControlKeysAreThereWithoutAppleOnly) {
-    const auto systemKeysOf = [](IHIDKeyTranslator& translator) {
-        return translatedBy(
-            [&](std::int32_t i) { return translator.translateSystemControlKey(i); });
-    };
-    EXPECT_EQ(systemKeysOf(plain), (Pairs{{253, 129}, {254, 130}, {255, 131}}));
-    EXPECT_EQ(systemKeysOf(apple), Pairs());
-}
-
-TEST_F(HidKeyTranslator, FactoryGivesItAndPassesTheConfiguration) {
-    KVStore store = configuration(true);
-    const auto made =
-        osalCreate<IHIDKeyTranslator>(OSALFactory::instance(), "IHIDKeyTranslator", store, "");
-    EXPECT_EQ(made->translateScanCode(29), 227U);
+TEST_F(HidKeyTranslator, MediaConsumerAndSystemKeysAreTheseAlone) {
+    const auto mediaKeys = &WindowsHIDKeyTranslator::translateVirtualKey;
+    const auto consumerKeys = &WindowsHIDKeyTranslator::translateConsumerKey;
+    const auto systemKeys = &WindowsHIDKeyTranslator::translateSystemControlKey;
+    const Pairs media = {{166, 241}, {167, 242}, {168, 250}, {169, 243}, {172, 240}, {173, 239},
+                         {174, 238}, {175, 237}, {176, 235}, {177, 234}, {178, 233}, {179, 232}};
+    EXPECT_EQ(pairsOf(plain, mediaKeys), media);
+    EXPECT_EQ(pairsOf(apple, mediaKeys), media);
+    EXPECT_EQ(pairsOf(plain, consumerKeys), (Pairs{{170, 418}, {175, 48}, {199, 547}}));
+    EXPECT_EQ(pairsOf(apple, consumerKeys), (Pairs{{170, 545}, {175, 184}, {199, 547}, {253, 48}}));
+    EXPECT_EQ(pairsOf(plain, systemKeys), (Pairs{{253, 129}, {254, 130}, {255, 131}}));
+    EXPECT_EQ(pairsOf(apple, systemKeys), Pairs());
 }
 
 TEST_F(HidKeyTranslator, MissingAppleKeyMeansNoAndIsNotWrittenBack) {

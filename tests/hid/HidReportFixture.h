@@ -48,10 +48,6 @@ class HidReportFixture : public ::testing::Test {
         return convert(boost::make_shared<IInputMediaBufferKeyboard>(scanCode, type, ~0U, false));
     }
 
-    void useAppleKeys() {
-        converter = boost::make_shared<HIDMediaReportConverter>(configuration(true));
-    }
-
     boost::shared_ptr<HIDMediaReportConverter> converter =
         boost::make_shared<HIDMediaReportConverter>(configuration(false));
     HIDReportState state;

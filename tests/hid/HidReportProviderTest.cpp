@@ -2,7 +2,7 @@
 
 #include "avstack/IInputMediaBufferMouse.h"
 #include "core/common/KVStore.h"
-#include "hid/IHIDDeviceClient.h"
+#include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
@@ -15,59 +15,56 @@ namespace orbelantine {
 namespace {
 
 using test::CapturedLog;
-using Bytes = std::vector<std::uint8_t>;
+using Bytes = test::FakeHidDevice::Bytes;
 using Lines = std::vector<CapturedLog::Line>;
 
-/// A device that keeps what it is sent.
-class RecordingDevice : public IHIDDeviceClient {
+/// Takes every report for itself.
+class Interceptor : public HIDReportProvider {
   public:
-    error_code connect(const std::string&) override { return {}; }
+    using HIDReportProvider::HIDReportProvider;
 
-    void disconnect() override {}
-
-    void forceDisconnect() override {}
-
-    bool isConnected() override { return true; }
-
-    void sendReport(const std::uint8_t* data, std::size_t size) override {
-        reports.emplace_back(data, data + size);
+    void dispatchReport(const boost::shared_ptr<IMediaBuffer>& buffer) override {
+        buffers.push_back(buffer);
     }
 
-    error_code virtualCableUnplug() override { return {}; }
+    [[nodiscard]] std::vector<std::int32_t> lastMouse() const {
+        const auto& event =
+            *static_cast<const IInputMediaBufferMouse::EventData*>(buffers.back()->getRawBuffer());
+        return {event.x, event.y, event.type};
+    }
 
-    std::vector<Bytes> reports;
+    std::vector<boost::shared_ptr<IMediaBuffer>> buffers;
 };
 
 class HidReportProvider : public ::testing::Test {
   protected:
-    HidReportProvider() { provider.setDevice(device); }
+    HidReportProvider() {
+        provider.setDevice(device);
+        interceptor.setDevice(device);
+    }
 
     HIDReportProvider provider{KVStore()};
-    boost::shared_ptr<RecordingDevice> device = boost::make_shared<RecordingDevice>();
+    Interceptor interceptor{KVStore()};
+    test::ChainScript script;
+    boost::shared_ptr<test::FakeHidDevice> device = boost::make_shared<test::FakeHidDevice>(script);
 };
 
-TEST_F(HidReportProvider, SendsRelativeMouseReports) {
+TEST_F(HidReportProvider, SendsEachEventAsARelativeReport) {
     provider.sendMouseMove(-1, 300);
     provider.sendMouseLeftClick(true);
     provider.sendMouseRightClick(true);
     provider.sendMouseLeftClick(false);
+    provider.sendMouseScroll(-3);
+    provider.sendKey(30, true);
+    provider.sendKey(30, false);
     EXPECT_EQ(device->reports, (std::vector<Bytes>{{0xA1, 1, 0, 0xFF, 0xFF, 0x2C, 1, 0, 0},
                                                    {0xA1, 1, 1, 0, 0, 0, 0, 0, 0},
                                                    {0xA1, 1, 3, 0, 0, 0, 0, 0, 0},
-                                                   {0xA1, 1, 2, 0, 0, 0, 0, 0, 0}}));
-}
-
-TEST_F(HidReportProvider, SendsKeys) {
-    provider.sendKey(30, true);
-    provider.sendKey(30, false);
-    EXPECT_EQ(device->reports, (std::vector<Bytes>{{0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0},
+                                                   {0xA1, 1, 2, 0, 0, 0, 0, 0, 0},
+                                                   // A wheel of 0, whatever the amount.
+                                                   {0xA1, 1, 2, 0, 0, 0, 0, 0, 0},
+                                                   {0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0},
                                                    {0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0}}));
-}
-
-TEST_F(HidReportProvider, ScrollSendsAWheelOfZero) {
-    provider.sendMouseMove(3, 4);
-    provider.sendMouseScroll(-3);
-    EXPECT_EQ(device->reports.back(), (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 TEST_F(HidReportProvider, ResetForgetsButtonsAndSendsNothing) {
@@ -78,72 +75,39 @@ TEST_F(HidReportProvider, ResetForgetsButtonsAndSendsNothing) {
     EXPECT_EQ(device->reports.back(), (Bytes{0xA1, 1, 2, 0, 0, 0, 0, 0, 0}));
 }
 
-TEST_F(HidReportProvider, WithoutDeviceOnlyLogs) {
+TEST_F(HidReportProvider, WithoutDeviceOrTranslationOnlyLogs) {
+    CapturedLog log(kLogWarning);
+    provider.sendKey(84, true);
+    EXPECT_EQ(log.take().back(),
+              (CapturedLog::Line{kLogWarning, "failed disptching report - conversion failed"}));
     provider.setDevice(nullptr);
-    CapturedLog log(kLogDebug);
     provider.sendMouseMove(1, 2);
     EXPECT_EQ(log.take(), (Lines{{kLogError, "No device defined!"}}));
     EXPECT_TRUE(device->reports.empty());
 }
 
-TEST_F(HidReportProvider, UntranslatedKeySendsNothing) {
-    CapturedLog log(kLogWarning);
-    provider.sendKey(84, true);
-    EXPECT_EQ(log.take().back(),
-              (CapturedLog::Line{kLogWarning, "failed disptching report - conversion failed"}));
-    EXPECT_TRUE(device->reports.empty());
-}
-
-/// A subclass that takes every report for itself.
-class Interceptor : public HIDReportProvider {
-  public:
-    using HIDReportProvider::HIDReportProvider;
-
-    void dispatchReport(const boost::shared_ptr<IMediaBuffer>& buffer) override {
-        buffers.push_back(buffer);
-    }
-
-    [[nodiscard]] const IInputMediaBufferMouse::EventData& lastMouse() const {
-        return *static_cast<const IInputMediaBufferMouse::EventData*>(
-            buffers.back()->getRawBuffer());
-    }
-
-    std::vector<boost::shared_ptr<IMediaBuffer>> buffers;
-};
-
 TEST_F(HidReportProvider, SubclassInterceptsEveryReportInReusedBuffers) {
-    Interceptor interceptor{KVStore()};
-    interceptor.setDevice(device);
     interceptor.sendMouseMove(1, 2);
     interceptor.sendMouseLeftClick(true);
     interceptor.sendKey(30, true);
     interceptor.sendKey(31, true);
-
     EXPECT_TRUE(device->reports.empty());
     ASSERT_EQ(interceptor.buffers.size(), 4U);
     EXPECT_EQ(interceptor.buffers.at(0), interceptor.buffers.at(1));
     EXPECT_EQ(interceptor.buffers.at(2), interceptor.buffers.at(3));
 }
 
-TEST_F(HidReportProvider, ScrollTravelsInXWithATypeByItsSign) {
-    Interceptor interceptor{KVStore()};
-    interceptor.sendMouseMove(1, 2);
-    for (const auto& [amount, type] :
-         std::vector<std::pair<std::int32_t, std::uint8_t>>{{-3, 6}, {0, 5}, {3, 5}}) {
-        interceptor.sendMouseScroll(amount);
-        EXPECT_EQ(interceptor.lastMouse().x, amount);
-        EXPECT_EQ(interceptor.lastMouse().y, 0);
-        EXPECT_EQ(interceptor.lastMouse().type, type);
-    }
-}
-
-TEST_F(HidReportProvider, ClickLeavesTheYOfTheLastMove) {
-    Interceptor interceptor{KVStore()};
+TEST_F(HidReportProvider, ClickKeepsTheYOfTheLastMoveAndScrollTravelsInXWithATypeByItsSign) {
+    using Event = std::vector<std::int32_t>;
     interceptor.sendMouseMove(1, 2);
     interceptor.sendMouseRightClick(false);
-    EXPECT_EQ(interceptor.lastMouse().x, 0);
-    EXPECT_EQ(interceptor.lastMouse().y, 2);
-    EXPECT_EQ(interceptor.lastMouse().type, 3);
+    EXPECT_EQ(interceptor.lastMouse(), (Event{0, 2, 3}));
+    interceptor.sendMouseScroll(-3);
+    EXPECT_EQ(interceptor.lastMouse(), (Event{-3, 0, 6}));
+    interceptor.sendMouseScroll(0);
+    EXPECT_EQ(interceptor.lastMouse(), (Event{0, 0, 5}));
+    interceptor.sendMouseScroll(3);
+    EXPECT_EQ(interceptor.lastMouse(), (Event{3, 0, 5}));
 }
 
 } // namespace

@@ -13,21 +13,14 @@ namespace {
 using test::CapturedLog;
 using test::FakeDriverApi;
 using test::FakeLocalRadioApi;
+using Lines = std::vector<CapturedLog::Line>;
 
 constexpr std::uint32_t kReload = 0x411008;
+const std::wstring kDevice =
+    LR"(\\.\USB#VID_8087&PID_0A2B#5&1#{a5dcbf10-6530-11d2-901f-00c04fb951ed})";
+const std::wstring kKey =
+    LR"(SYSTEM\CurrentControlSet\Enum\USB\VID_8087&PID_0A2B\5&1\Device Parameters)";
 const std::string kLogName = "orbelantine::WindowsBluetoothHIDDeviceClient::";
-
-/// The driver of the radio's USB device takes the request that the phone's driver doesn't know.
-class RadioDriverApi : public FakeDriverApi {
-  public:
-    Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
-                          std::uint32_t inputSize, void* output, std::uint32_t outputSize,
-                          std::uint32_t& returned) override {
-        const Error error = FakeDriverApi::deviceIoControl(file, code, input, inputSize, output,
-                                                           outputSize, returned);
-        return code == kReload && error == win32::kErrorInvalidFunction ? 0 : error;
-    }
-};
 
 class ClientOfType : public WindowsBluetoothHIDDeviceClient {
   public:
@@ -44,43 +37,29 @@ class LocalName : public testing::Test {
                                     L"USB\\VID_0000&PID_0000\\6"});
     }
 
-    [[nodiscard]] bool setName(const std::string& name) {
-        WindowsBluetoothHIDDeviceClient client(mDriver, mRadio);
-        const bool done = client.setLocalDeviceName(name);
-        EXPECT_EQ(mDriver.held(), 0u);
-        EXPECT_EQ(mRadio.held(), 0);
-        return done;
-    }
-
-    RadioDriverApi mDriver;
+    FakeDriverApi mDriver;
     FakeLocalRadioApi mRadio;
 };
 
 TEST_F(LocalName, IsWrittenToTheFirstUsbRadioAndReloaded) {
-    EXPECT_TRUE(setName("Desk"));
-    const FakeDriverApi::Opening device{
-        LR"(\\.\USB#VID_8087&PID_0A2B#5&1#{a5dcbf10-6530-11d2-901f-00c04fb951ed})", 0x40000000, 0,
-        3, 0};
+    WindowsBluetoothHIDDeviceClient client(mDriver, mRadio);
+    EXPECT_TRUE(client.setLocalDeviceName("Desk"));
+    EXPECT_EQ(mDriver.held(), 0u);
+    EXPECT_EQ(mRadio.held(), 0);
+    const FakeDriverApi::Opening device{kDevice, 0x40000000, 0, 3, 0};
     EXPECT_EQ(mDriver.openings(), std::vector{device});
-    const FakeLocalRadioApi::Value value{
-        LR"(SYSTEM\CurrentControlSet\Enum\USB\VID_8087&PID_0A2B\5&1\Device Parameters)",
-        L"Local Name", 3, "Desk"};
+    const FakeLocalRadioApi::Value value{kKey, L"Local Name", 3, "Desk"};
     EXPECT_EQ(mRadio.values(), std::vector{value});
     const FakeDriverApi::Request reload{kReload, {4, 0, 0, 0}};
     EXPECT_EQ(mDriver.requests(), std::vector{reload});
-}
-
-TEST_F(LocalName, NeedsAUsbRadio) {
     mRadio.simulateInstanceIds({L"BTH\\1", L"usb\\lower-case", L"US"});
-    EXPECT_FALSE(setName("Desk"));
-    EXPECT_TRUE(mDriver.openings().empty());
+    EXPECT_FALSE(client.setLocalDeviceName("Desk")) << "none is a USB radio";
+    EXPECT_EQ(mDriver.openings().size(), 1u);
 }
 
 TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
-    const std::string path =
-        R"(\\.\USB#VID_8087&PID_0A2B#5&1#{a5dcbf10-6530-11d2-901f-00c04fb951ed})";
-    const std::string key =
-        R"(SYSTEM\CurrentControlSet\Enum\USB\VID_8087&PID_0A2B\5&1\Device Parameters)";
+    const std::string path(kDevice.begin(), kDevice.end());
+    const std::string key(kKey.begin(), kKey.end());
 
     const struct {
         const char* call;
@@ -94,7 +73,7 @@ TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
     };
 
     for (const auto& [call, line] : cases) {
-        RadioDriverApi driver;
+        FakeDriverApi driver;
         FakeLocalRadioApi radio;
         radio.simulateInstanceIds({L"USB\\VID_8087&PID_0A2B\\5&1"});
         WindowsBluetoothHIDDeviceClient client(driver, radio);
@@ -102,7 +81,7 @@ TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
         radio.simulateFailureOf(call, 7);
         CapturedLog log(kLogError);
         EXPECT_FALSE(client.setLocalDeviceName("Desk")) << call;
-        EXPECT_EQ(log.take(), (std::vector<CapturedLog::Line>{{kLogError, kLogName + line}}));
+        EXPECT_EQ(log.take(), (Lines{{kLogError, kLogName + line}})) << call;
         EXPECT_EQ(driver.held(), 0u) << call;
         EXPECT_EQ(radio.held(), 0) << call;
     }
@@ -118,16 +97,11 @@ TEST_F(LocalName, IsRestoredToTheComputersOwnOnlyForTypeZero) {
     client.restoreLocalDeviceName();
     ASSERT_EQ(mRadio.values().size(), 1u);
     EXPECT_EQ(mRadio.values()[0].bytes, "HOME-PC");
-    EXPECT_EQ(
-        log.take(),
-        (std::vector<CapturedLog::Line>{
-            {kLogInfo, kLogName + "restoreLocalDeviceName: Reset device name back to HOME-PC"}}));
+    const std::string name = kLogName + "restoreLocalDeviceName: ";
+    EXPECT_EQ(log.take(), (Lines{{kLogInfo, name + "Reset device name back to HOME-PC"}}));
     mRadio.simulateInstanceIds({});
     client.restoreLocalDeviceName();
-    EXPECT_EQ(log.take(),
-              (std::vector<CapturedLog::Line>{
-                  {kLogError,
-                   kLogName + "restoreLocalDeviceName: Failed to reset device name to HOME-PC"}}));
+    EXPECT_EQ(log.take(), (Lines{{kLogError, name + "Failed to reset device name to HOME-PC"}}));
 }
 
 TEST_F(LocalName, RadioTellsItsOwnName) {

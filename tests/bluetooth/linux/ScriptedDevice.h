@@ -22,22 +22,10 @@ class ScriptedDevice {
   public:
     using Packet = std::vector<std::uint8_t>;
 
-    /// One connection as the script sees it.
-    class Link {
-      public:
-        explicit Link(int fd)
-            : mFd(fd) {}
-
-        void send(const Packet& packet) const {
-            ::send(mFd, packet.data(), packet.size(), MSG_NOSIGNAL);
-        }
-
-      private:
-        int mFd;
-    };
-
+    /// Sends a packet to the other side.
+    using Send = std::function<void(const Packet&)>;
     /// Returns whether it goes on listening.
-    using Script = std::function<bool(const Link&, const Packet&)>;
+    using Script = std::function<bool(const Send&, const Packet&)>;
 
     ScriptedDevice(const std::filesystem::path& path, Script script)
         : mListener(listenAt(path))
@@ -74,12 +62,15 @@ class ScriptedDevice {
         const FileDescriptor link(::accept(mListener.get(), nullptr, nullptr));
         if (!setLink(link.get()))
             return;
+        const Send send = [&](const Packet& packet) {
+            ::send(link.get(), packet.data(), packet.size(), MSG_NOSIGNAL);
+        };
         Packet packet(kLongestPacket);
         for (;;) {
             const auto size = ::recv(link.get(), packet.data(), packet.size(), 0);
             if (size <= 0)
                 break;
-            if (!script(Link(link.get()), Packet(packet.begin(), packet.begin() + size)))
+            if (!script(send, Packet(packet.begin(), packet.begin() + size)))
                 break;
         }
         setLink(-1);
