@@ -74,16 +74,5 @@ TEST(ErrorAreas, ValueOutsideTheRunHasAnEmptyText) {
         EXPECT_EQ(IpcErrors::getErrorCode(value).message(), empty) << value;
 }
 
-TEST(ErrorAreas, EqualValuesOfTwoAreasAreDifferentCodes) {
-    EXPECT_NE(ServiceErrors::getErrorCode(20010), SmsErrors::getErrorCode(20010));
-    EXPECT_EQ(SmsErrors::getErrorCode(20010), SmsErrors::getErrorCode(20010));
-}
-
-TEST(ErrorAreas, OnlyZeroIsSuccess) {
-    EXPECT_FALSE(HidErrors::getErrorCode(0).failed());
-    EXPECT_TRUE(HidErrors::getErrorCode(HidErrors::InvalidState).failed());
-    EXPECT_TRUE(HidErrors::getErrorCode(-1).failed());
-}
-
 } // namespace
 } // namespace orbelantine

@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace orbelantine {
 namespace {
@@ -35,42 +36,43 @@ class FakeFocusAssistApi final : public FocusAssistApi {
     QueryWnfStateData query = answer;
 };
 
-TEST(FocusAssist, LogsWhatTheSystemAnswers) {
-    const auto known = [](const std::string& profile) {
-        return test::CapturedLog::Line{kLogDebug, "Focus Assist profile is " + profile};
-    };
+using Lines = std::vector<test::CapturedLog::Line>;
 
-    const struct {
-        int profile, result;
-        test::CapturedLog::Line line;
-    } cases[] = {
-        {-2, -2, known("-2 = Not Supported")},
-        {-1, -1, known("-1 = Failed")},
-        {0, 0, known("0 = Off")},
-        {1, 1, known("1 = Priority Only")},
-        {2, 2, known("2 = Alarms Only")},
-        {3, -2, {kLogWarning, "Focus Assist profile is unexpected: 3"}},
-    };
-
-    FakeFocusAssistApi api;
-    test::CapturedLog log(kLogTrace);
-    answeredStatus = 0;
-    for (const auto& [profile, result, line] : cases) {
-        answeredProfile = profile;
-        EXPECT_EQ(getFocusAssistProfile(api), result);
-        const std::vector<test::CapturedLog::Line> lines{
-            {line.level, "orbelantine::getFocusAssistProfile() " + line.text}};
-        EXPECT_EQ(log.take(), lines);
-    }
+Lines logged(unsigned level, const std::string& text) {
+    return {{level, "orbelantine::getFocusAssistProfile() " + text}};
 }
 
-TEST(FocusAssist, FailedQueryIsOffWithoutAWord) {
+Lines known(const std::string& profile) {
+    return logged(kLogDebug, "Focus Assist profile is " + profile);
+}
+
+TEST(FocusAssist, IsWhatTheSystemAnswersAndLogged) {
+    constexpr auto kAccessDenied = static_cast<std::int32_t>(0xC0000022);
+
+    const struct {
+        std::int32_t status;
+        int profile;
+        int result;
+        Lines lines;
+    } cases[] = {
+        {0, -2, -2, known("-2 = Not Supported")},
+        {0, -1, -1, known("-1 = Failed")},
+        {0, 0, 0, known("0 = Off")},
+        {0, 1, 1, known("1 = Priority Only")},
+        {0, 2, 2, known("2 = Alarms Only")},
+        {0, 3, -2, logged(kLogWarning, "Focus Assist profile is unexpected: 3")},
+        // A query that fails counts as off, without a word.
+        {kAccessDenied, 2, 0, {}},
+    };
+
     FakeFocusAssistApi api;
     test::CapturedLog log(kLogTrace);
-    answeredStatus = static_cast<std::int32_t>(0xC0000022);
-    answeredProfile = 2;
-    EXPECT_EQ(getFocusAssistProfile(api), 0);
-    EXPECT_TRUE(log.take().empty());
+    for (const auto& each : cases) {
+        answeredStatus = each.status;
+        answeredProfile = each.profile;
+        EXPECT_EQ(getFocusAssistProfile(api), each.result);
+        EXPECT_EQ(log.take(), each.lines);
+    }
 }
 
 TEST(FocusAssist, FailsWhereTheSystemHasNoSuchQuery) {
@@ -78,10 +80,8 @@ TEST(FocusAssist, FailsWhereTheSystemHasNoSuchQuery) {
     api.query = nullptr;
     test::CapturedLog log(kLogTrace);
     EXPECT_EQ(getFocusAssistProfile(api), -1);
-    const std::vector<test::CapturedLog::Line> lines{
-        {kLogError, "orbelantine::getFocusAssistProfile() Couldn't get pointer to "
-                    "NtQueryWnfStateData() function."}};
-    EXPECT_EQ(log.take(), lines);
+    EXPECT_EQ(log.take(),
+              logged(kLogError, "Couldn't get pointer to NtQueryWnfStateData() function."));
 }
 
 } // namespace

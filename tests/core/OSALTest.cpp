@@ -45,38 +45,35 @@ ORB_OSAL_REGISTER(Vehicle, Bicycle, "Bicycle", int);
 ORB_OSAL_REGISTER(Vehicle, Sledge, "IVideoRenderer::Dummy", int);
 ORB_OSAL_REGISTER(Vehicle, Sledge, "SerializableVideoSocketSource", int);
 
-TEST(OSALFactory, HintPicksTheProfileAndDefaultIsTheRest) {
-    const OSALFactory factory;
-    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "absolute_mouse", 0),
-              "AbsoluteMouseSource");
-    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "", 0), "RelativeMouseSource");
-    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "input_pipeline:hid", 0),
-              "RelativeMouseSource");
-    EXPECT_EQ(factory.lookupFactoryName("IFoo", "", 0), "");
-}
+TEST(OSALFactory, LookupGoesFromTheHintToTheProfiles) {
+    const struct {
+        const char* interfaceName;
+        const char* hint;
+        std::uint32_t index;
+        const char* implementation;
+    } cases[] = {
+        {"IMouseSource", "", 0, "RelativeMouseSource"},
+        {"IMouseSource", "input_pipeline:hid", 0, "RelativeMouseSource"},
+        {"IFoo", "", 0, ""},
+        // A hint that names a profile puts it first; the index goes on from it to the next match.
+        {"IMouseSource", "absolute_mouse", 0, "AbsoluteMouseSource"},
+        {"IMouseSource", "absolute_mouse", 1, "RelativeMouseSource"},
+        {"IMouseSource", "absolute_mouse", 2, ""},
+        {"IVideoSource", "dx1", 0, "IddVideoSource"},
+        {"IVideoSource", "dx1", 1, "WindowsVideoSource"},
+        // The legacy profile keeps what it does not replace.
+        {"ISocketMediaSource", "generic_tcp_legacy", 0, "SerializableVideoSocketSourceLegacy"},
+        {"IDepacketizer", "generic_tcp_legacy", 0, "SerializableToDepacketized"},
+        // One that names an implementation wins; one that names an interface is looked up itself.
+        {"IMouseSource", "Bicycle", 0, "Bicycle"},
+        {"IFoo", "IPerfManager", 0, "IPerfManager::Dummy"},
+        {"Bicycle", "", 0, "Bicycle"},
+    };
 
-TEST(OSALFactory, IndexPicksTheNextMatchAcrossProfiles) {
     const OSALFactory factory;
-    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "absolute_mouse", 1),
-              "RelativeMouseSource");
-    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "absolute_mouse", 2), "");
-    EXPECT_EQ(factory.lookupFactoryNameByType("IVideoSource", "dx1", 0), "IddVideoSource");
-    EXPECT_EQ(factory.lookupFactoryNameByType("IVideoSource", "dx1", 1), "WindowsVideoSource");
-}
-
-TEST(OSALFactory, HintThatNamesAnImplementationWins) {
-    const OSALFactory factory;
-    EXPECT_EQ(factory.lookupFactoryName("IMouseSource", "Bicycle", 0), "Bicycle");
-}
-
-TEST(OSALFactory, HintThatNamesAnInterfaceIsLookedUpItself) {
-    const OSALFactory factory;
-    EXPECT_EQ(factory.lookupFactoryName("IFoo", "IPerfManager", 0), "IPerfManager::Dummy");
-}
-
-TEST(OSALFactory, RegisteredNameResolvesToItself) {
-    const OSALFactory factory;
-    EXPECT_EQ(factory.lookupFactoryNameByType("Bicycle", "", 0), "Bicycle");
+    for (const auto& [interfaceName, hint, index, implementation] : cases)
+        EXPECT_EQ(factory.lookupFactoryName(interfaceName, hint, index), implementation)
+            << interfaceName << " " << hint << " " << index;
 }
 
 TEST(OSALFactory, ProfileListIsSearchedInOrder) {
@@ -86,17 +83,6 @@ TEST(OSALFactory, ProfileListIsSearchedInOrder) {
     EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "IMouseReverser::Dummy");
     factory.profiles().push_front("android");
     EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "AndroidMouseReverser");
-}
-
-TEST(OSALFactory, LegacyProfileKeepsWhatItDoesNotReplace) {
-    const OSALFactory factory;
-    const auto find = [&factory](const char* interfaceName) {
-        return factory.lookupFactoryNameByType(interfaceName, "generic_tcp_legacy", 0);
-    };
-    EXPECT_EQ(find("ISocketMediaSource"), "SerializableVideoSocketSourceLegacy");
-    EXPECT_EQ(find("ISocketMediaTarget"), "SerializableVideoSocketTargetLegacy");
-    EXPECT_EQ(find("IDepacketizer"), "SerializableToDepacketized");
-    EXPECT_EQ(find("IPacketizer"), "RawToSerializablePacketizer");
 }
 
 TEST(OSALFactory, RowWithoutACreatorFallsBackToTheDummy) {

@@ -3,13 +3,14 @@
 namespace orbelantine {
 namespace {
 
-using LogFile = LogTest;
+using LogFile = LogAtInfo;
 
 std::wstring withSeparator(const std::filesystem::path& folder) {
     return toWide(folder / "");
 }
 
-TEST_F(LogFile, NamesAreEmptyUntilTheFirstMessage) {
+TEST_F(LogFile, NamesAreEmptyUntilTheFirstMessageAndTheDirectoryIsIgnored) {
+    set_log_directory(L"elsewhere");
     EXPECT_EQ(get_log_directory(), L"");
     EXPECT_EQ(get_log_name(), L"");
     EXPECT_EQ(get_log_max_index(), 1U);
@@ -30,14 +31,12 @@ TEST_F(LogFile, PrefixAndSuffixSurroundTheName) {
 TEST_F(LogFile, FolderMayBeInAnyScript) {
     mFolder /= toPath(L"J\u00fcrgen \u65e5\u672c\U0001F600");
     set_log_folder(toWide(mFolder).c_str());
-    set_log_level(kLogInfo);
     lumiport_log(kLogInfo, "T", "x");
     EXPECT_EQ(get_log_directory(), withSeparator(mFolder));
     EXPECT_EQ(laterLines(), Lines{"T | info]: x"});
 }
 
 TEST_F(LogFile, LaterFolderIsToldButNotUsed) {
-    set_log_level(kLogInfo);
     lumiport_log(kLogInfo, "T", "first");
     set_log_folder(toWide(mFolder / "other").c_str());
     lumiport_log(kLogInfo, "U", "second");
@@ -45,15 +44,8 @@ TEST_F(LogFile, LaterFolderIsToldButNotUsed) {
     EXPECT_EQ(laterLines(), (Lines{"T | info]: first", "U | info]: second"}));
 }
 
-TEST_F(LogFile, DirectoryIsIgnored) {
-    set_log_directory(L"elsewhere");
-    lumiport_log(kLogInfo, "T", "x");
-    EXPECT_EQ(get_log_directory(), withSeparator(mFolder));
-}
-
 TEST_F(LogFile, IsNotMadeWhenDisabledBefore) {
     set_disable_file_log(true);
-    set_log_level(kLogInfo);
     lumiport_log(kLogInfo, "T", "x");
     set_disable_file_log(false);
     lumiport_log(kLogInfo, "U", "x");
@@ -61,7 +53,6 @@ TEST_F(LogFile, IsNotMadeWhenDisabledBefore) {
 }
 
 TEST_F(LogFile, StaysWhenDisabledAfterTheFirstMessage) {
-    set_log_level(kLogInfo);
     lumiport_log(kLogInfo, "T", "first");
     set_disable_file_log(true);
     lumiport_log(kLogInfo, "U", "second");
@@ -71,7 +62,6 @@ TEST_F(LogFile, StaysWhenDisabledAfterTheFirstMessage) {
 TEST_F(LogFile, FolderThatIsAFileCostsTheFirstMessageAndTheFile) {
     std::filesystem::create_directories(mFolder.parent_path());
     std::ofstream(mFolder) << "a file";
-    set_log_level(kLogInfo);
 
     lumiport_log(kLogInfo, "T", "lost");
     EXPECT_EQ(spdlog::get("T"), nullptr);
@@ -84,7 +74,6 @@ TEST_F(LogFile, FolderThatIsAFileCostsTheFirstMessageAndTheFile) {
 }
 
 TEST_F(LogFile, IsRotatedAtItsLimitWithOneFileKept) {
-    set_log_level(kLogInfo);
     constexpr std::size_t kLimit = 0x4000000;
     const std::string part(kLimit / 16, 'x');
     for (int i = 0; i < 33; ++i)

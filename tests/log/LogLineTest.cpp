@@ -7,7 +7,7 @@
 namespace orbelantine {
 namespace {
 
-using LogLine = LogTest;
+using LogLine = LogAtInfo;
 
 class Speaker {
   public:
@@ -54,13 +54,12 @@ TEST_F(LogLine, EveryLevelHasItsName) {
 }
 
 TEST_F(LogLine, FormattedTextIsCutAtItsLimitAndPlainTextIsNot) {
-    set_log_level(kLogInfo);
     const std::string longText(5000, 'x');
     lumiport_log_fmt(kLogInfo, "T", "%s%d", longText.c_str(), 7);
     lumiport_log_fmt(kLogInfo, "T", "%d %s %.2f", -3, "text", 1.5);
-    lumiport_log(kLogInfo, "T", longText.c_str());
+    lumiport_log(kLogInfo, "", longText.c_str());
     EXPECT_EQ(laterLines(), (Lines{"T | info]: " + std::string(2047, 'x'),
-                                   "T | info]: -3 text 1.50", "T | info]: " + longText}));
+                                   "T | info]: -3 text 1.50", " | info]: " + longText}));
 }
 
 TEST_F(LogLine, NativeCodesLinesBeginWithTheQualifiedFunction) {
@@ -75,39 +74,27 @@ TEST_F(LogLine, NativeCodesLinesBeginWithTheQualifiedFunction) {
                                    "LUMIPORT | debug]: Leaving function " + name + "traced"}));
 }
 
-TEST_F(LogLine, EmptyTagIsALoggerLikeAnyOther) {
-    set_log_level(kLogInfo);
-    lumiport_log(kLogInfo, "", "text");
-    EXPECT_EQ(laterLines(), Lines{" | info]: text"});
-}
-
-TEST_F(LogLine, PrivateEntriesAreRedacted) {
-    set_log_level(kLogInfo);
+TEST_F(LogLine, PrivateEntriesAreRedactedAndTheirTagIsCut) {
+    const std::string tag(120, 't');
     lumiport_log_private(kLogInfo, "T", "secret");
     lumiport_log_private_fmt(kLogInfo, "T", "%s() user %s", "f", "secret");
     lumiport_log_private_fmt(kLogInfo, "T", "user %s", "secret");
     lumiport_log_private_fmt(kLogInfo, "T", "%s(", "secret");
+    lumiport_log_private(kLogInfo, tag.c_str(), "secret");
+    lumiport_log(kLogInfo, tag.c_str(), "x");
     EXPECT_EQ(laterLines(), (Lines{"ALL__T | info]: [redacted]", "ALL__T | info]: f() [redacted]",
-                                   "ALL__T | info]: [redacted]", "ALL__T | info]: [redacted]"}));
+                                   "ALL__T | info]: [redacted]", "ALL__T | info]: [redacted]",
+                                   "ALL__" + std::string(94, 't') + " | info]: [redacted]",
+                                   tag + " | info]: x"}));
 }
 
 TEST_F(LogLine, PrivateEntriesAreWholeOnceEnabled) {
-    set_log_level(kLogInfo);
     set_log_enable_private(true);
     EXPECT_TRUE(get_log_enable_private());
     lumiport_log_private(kLogInfo, "T", "100% secret");
     lumiport_log_private_fmt(kLogInfo, "T", "%s() user %s", "f", "secret");
     EXPECT_EQ(laterLines(),
               (Lines{"ALL__T | info]: 100% secret", "ALL__T | info]: f() user secret"}));
-}
-
-TEST_F(LogLine, TagIsCutForPrivateEntriesOnly) {
-    set_log_level(kLogInfo);
-    const std::string tag(120, 't');
-    lumiport_log_private(kLogInfo, tag.c_str(), "x");
-    lumiport_log(kLogInfo, tag.c_str(), "x");
-    EXPECT_EQ(laterLines(), (Lines{"ALL__" + std::string(94, 't') + " | info]: [redacted]",
-                                   tag + " | info]: x"}));
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -34,27 +35,30 @@ class LogTest : public ::testing::Test {
         return {std::istreambuf_iterator<char>(stream), {}};
     }
 
-    /// Of each line what follows the thread: "<logger> | <level>]: <text>".
-    [[nodiscard]] std::vector<std::string> lines() const {
+    /// Of each line after "STARTING INSTANCE" what follows the thread: "<logger> | <level>]:
+    /// <text>".
+    [[nodiscard]] std::vector<std::string> laterLines() const {
         std::vector<std::string> result;
-        const std::string all = text();
-        for (std::size_t begin = 0, end = 0; begin < all.size(); begin = end + 2) {
-            end = all.find("\r\n", begin);
-            const std::string line = all.substr(begin, end - begin);
+        std::istringstream stream(text());
+        std::string line;
+        std::getline(stream, line);
+        while (std::getline(stream, line)) {
+            line.pop_back(); // The carriage return.
             result.push_back(line.substr(line.find(" | ", line.find("| tid:")) + 3));
         }
         return result;
     }
 
-    /// The lines after "STARTING INSTANCE".
-    [[nodiscard]] std::vector<std::string> laterLines() const {
-        std::vector<std::string> all = lines();
-        if (!all.empty())
-            all.erase(all.begin());
-        return all;
-    }
-
     std::filesystem::path mFolder;
+};
+
+/// Writes from the level info on.
+class LogAtInfo : public LogTest {
+  protected:
+    void SetUp() override {
+        LogTest::SetUp();
+        set_log_level(kLogInfo);
+    }
 };
 
 using Lines = std::vector<std::string>;

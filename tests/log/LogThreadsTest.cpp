@@ -8,8 +8,10 @@
 namespace orbelantine {
 namespace {
 
-using LogThreads = LogTest;
-using LogEnd = LogTest;
+using LogThreads = LogAtInfo;
+using LogEnd = LogAtInfo;
+
+constexpr const char* kStopping = "logger | critical]: STOPPING INSTANCE pid=";
 
 struct LogsWhenDestroyed {
     const char* text;
@@ -20,7 +22,6 @@ struct LogsWhenDestroyed {
 TEST_F(LogThreads, EveryLineOfEveryThreadArrives) {
     constexpr int kThreads = 4;
     constexpr int kLines = 200;
-    set_log_level(kLogInfo);
     std::vector<std::thread> threads;
     for (int i = 0; i < kThreads; ++i)
         threads.emplace_back([i] {
@@ -53,10 +54,10 @@ TEST_F(LogThreads, SettingsMayChangeUnderway) {
     writer.join();
 }
 
-TEST_F(LogEnd, LastLineIsStoppingInstance) {
+TEST_F(LogEnd, StoppingInstanceIsTheLastLineAndWhatComesAfterIsDropped) {
     EXPECT_EXIT(
         {
-            set_log_level(kLogInfo);
+            static const LogsWhenDestroyed after{"after the end"};
             lumiport_log(kLogInfo, "T", "first");
             static const LogsWhenDestroyed before{"before the end"};
             std::exit(0);
@@ -66,27 +67,12 @@ TEST_F(LogEnd, LastLineIsStoppingInstance) {
     ASSERT_EQ(all.size(), 3U);
     EXPECT_EQ(all[0], "T | info]: first");
     EXPECT_EQ(all[1], "T | info]: before the end");
-    EXPECT_EQ(all[2].find("logger | critical]: STOPPING INSTANCE pid="), 0U);
-}
-
-TEST_F(LogEnd, WhatComesAfterIsDropped) {
-    EXPECT_EXIT(
-        {
-            static const LogsWhenDestroyed after{"after the end"};
-            set_log_level(kLogInfo);
-            lumiport_log(kLogInfo, "T", "first");
-            std::exit(0);
-        },
-        ::testing::ExitedWithCode(0), "");
-    const Lines all = laterLines();
-    ASSERT_EQ(all.size(), 2U);
-    EXPECT_EQ(all[1].find("logger | critical]: STOPPING INSTANCE pid="), 0U);
+    EXPECT_EQ(all[2].find(kStopping), 0U);
 }
 
 TEST_F(LogEnd, ThreadsMayLogWhileTheProcessEnds) {
     EXPECT_EXIT(
         {
-            set_log_level(kLogInfo);
             static std::atomic<int> written{0};
             for (int i = 0; i < 3; ++i)
                 std::thread([] {
@@ -98,9 +84,9 @@ TEST_F(LogEnd, ThreadsMayLogWhileTheProcessEnds) {
             std::exit(0);
         },
         ::testing::ExitedWithCode(0), "");
-    const Lines all = lines();
+    const Lines all = laterLines();
     ASSERT_FALSE(all.empty());
-    EXPECT_EQ(all.back().find("logger | critical]: STOPPING INSTANCE pid="), 0U);
+    EXPECT_EQ(all.back().find(kStopping), 0U);
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace orbelantine::phone {
 
@@ -35,28 +37,22 @@ TEST_F(ControlTest, LinesActOnceTheyHaveEnded) {
 }
 
 TEST_F(ControlTest, BadLineIsAnErrorAndChangesNothing) {
-    const std::vector<std::string> wrong = {
-        "",
-        "turn 2",
-        "screen",
-        "screen 400 200 1",
-        "screen 400 200 1 2 3",
-        "screen 99 200 1 2",
-        "screen 400 200 nan 2",
-        "screen 400 200 1 5",
-        "acceleration",
-        "acceleration fast",
-        "target 200 0",
-        "target -1 0",
-        "target 1.5 0",
-        "vanish",
-        "vanish 0",
-        std::string("screen 400 200 1 2\0", 19),
-        std::string(Control::kMaxLine - 10, ' ') + "screen 400 200 1 2",
+    const std::pair<std::string, std::vector<std::string>> wrong[] = {
+        {"", {""}},
+        {"turn", {" 2"}},
+        {"screen",
+         {"", " 400 200 1", " 400 200 1 2 3", " 99 200 1 2", " 400 200 nan 2", " 400 200 1 5",
+          std::string(" 400 200 1 2\0", 13), std::string(Control::kMaxLine, ' ') + "400 200 1 2"}},
+        {"acceleration", {"", " fast"}},
+        {"target", {" 200 0", " -1 0", " 1.5 0"}},
+        {"vanish", {"", " 0"}},
     };
-    for (const std::string& line : wrong)
-        mControl.receive(line + "\n");
-    EXPECT_EQ(mPhone.tally().errors, wrong.size());
+    std::uint64_t errors = 0;
+    for (const auto& [command, arguments] : wrong)
+        for (const std::string& words : arguments) {
+            mControl.receive(command + words + "\n");
+            EXPECT_EQ(mPhone.tally().errors, ++errors) << command << words;
+        }
     EXPECT_EQ(mPhone.screen(), (Screen{200, 400}));
     EXPECT_TRUE(mPhone.trace().aims().empty());
     mControl.receive("target 1 2\n");

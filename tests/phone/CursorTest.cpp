@@ -1,11 +1,11 @@
 #include "tools/virtual_phone/Cursor.h"
 
-#include "input/VelocityControl.h"
 #include "tests/support/HandClock.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <utility>
 
 namespace orbelantine::phone {
 
@@ -24,25 +24,6 @@ class CursorTest : public testing::Test {
 
 } // namespace
 
-TEST_F(CursorTest, AndroidMovesAsItsModelAndKeepsTheFraction) {
-    VelocityControl model;
-    model.setParameters(
-        {.scale = 1, .lowThreshold = 500, .highThreshold = 3000, .acceleration = 3});
-    Cursor moved = cursor(Acceleration::Android);
-    double x = 5000;
-    double y = 5000;
-    for (int i = 0; i < 40; ++i) {
-        mClock.advance(i == 20 ? 600ms : 8ms);
-        const auto way = model.move(mClock.now().time_since_epoch().count(),
-                                    static_cast<float>(i % 20), static_cast<float>(-7));
-        x += way.x;
-        y += way.y;
-        moved.moveBy(i % 20, -7);
-        ASSERT_EQ(moved.position(), (Point{static_cast<int>(x), static_cast<int>(y)})) << i;
-    }
-    EXPECT_GT(x, 5000 + 2 * 190 * 1.5) << "too slow to be accelerated";
-}
-
 TEST_F(CursorTest, CurveGoesByTheLengthAndKeepsTheDirection) {
     struct Case {
         int dx, dy;
@@ -59,6 +40,14 @@ TEST_F(CursorTest, CurveGoesByTheLengthAndKeepsTheDirection) {
     }
 }
 
+TEST_F(CursorTest, FractionsAddUp) {
+    Cursor moved = cursor(Acceleration::Curve, {10'000, 10'000, 2});
+    for (int i = 0; i < 3; ++i)
+        moved.moveBy(50, 30);
+    // Each time 292.89 and 175.73 pixels.
+    EXPECT_EQ(moved.position(), (Point{5878, 5527}));
+}
+
 TEST_F(CursorTest, EveryRotationIsTurnedBack) {
     // What a host sends for the displayed delta (5, -3).
     constexpr Point kSent[] = {{5, -3}, {-3, -5}, {-5, 3}, {3, 5}};
@@ -69,31 +58,24 @@ TEST_F(CursorTest, EveryRotationIsTurnedBack) {
     }
 }
 
-TEST_F(CursorTest, ParkingEndsInTheCornerUnderAnyAcceleration) {
-    for (const Acceleration kind :
-         {Acceleration::None, Acceleration::Android, Acceleration::Curve}) {
-        Cursor moved = cursor(kind, {200, 100, 2});
-        moved.moveBy(32767, 32767);
-        EXPECT_EQ(moved.position(), (Point{199, 99})) << nameOf(kind);
-    }
-}
-
-TEST_F(CursorTest, NewScreenForgetsTheSpeedAndKeepsThePlace) {
+TEST_F(CursorTest, AndroidGoesByTheSpeedUntilTheScreenIsNew) {
     Cursor moved = cursor(Acceleration::Android);
-    const auto moveRight = [&] {
+    const auto moveRight = [&](int counts) {
         const int before = moved.position().x;
-        mClock.advance(8ms);
-        moved.moveBy(50, 0);
+        mClock.advance(32ms);
+        moved.moveBy(counts, 0);
         return moved.position().x - before;
     };
-    EXPECT_EQ(moveRight(), 50);
-    EXPECT_EQ(moveRight(), 150);
+    // At the second delta the speed is known: 500 counts a second go as they are, from 3000 on it
+    // is thrice the way, and between them the factor grows evenly.
+    for (const auto& [counts, way] : {std::pair{16, 16}, {56, 112}, {96, 288}, {200, 600}}) {
+        moved.setAcceleration(Acceleration::Android);
+        EXPECT_EQ(moveRight(counts), counts);
+        EXPECT_EQ(moveRight(counts), way);
+    }
     moved.setScreen({6000, 4000});
-    EXPECT_EQ(moved.position(), (Point{5200, 3999}));
-    EXPECT_EQ(moveRight(), 50);
-    EXPECT_EQ(moveRight(), 150);
-    moved.setAcceleration(Acceleration::Android);
-    EXPECT_EQ(moveRight(), 50);
+    EXPECT_EQ(moved.position(), (Point{5999, 3999}));
+    EXPECT_EQ(moveRight(-200), -200);
 }
 
 } // namespace orbelantine::phone

@@ -14,9 +14,11 @@ constexpr std::uint8_t kRightShift = 0x20;
 
 class TextFieldTest : public testing::Test {
   protected:
-    void type(std::initializer_list<int> usages, std::uint8_t modifiers = 0) {
-        for (const int usage : usages)
-            mField.press(static_cast<std::uint8_t>(usage), modifiers);
+    /// The text once the keys have been pressed.
+    std::string type(std::initializer_list<std::uint8_t> usages, std::uint8_t modifiers = 0) {
+        for (const std::uint8_t usage : usages)
+            mField.press(usage, modifiers);
+        return mField.text();
     }
 
     std::string textOfKeys(int first, int last, std::uint8_t modifiers) {
@@ -44,10 +46,9 @@ TEST_F(TextFieldTest, EitherShiftGivesTheUpperCharacters) {
 }
 
 TEST_F(TextFieldTest, CapsLockTurnsLettersOnlyAndShiftTurnsThemBack) {
-    type({57, 4, 30});
-    type({4, 30}, kLeftShift);
-    type({57, 4});
-    EXPECT_EQ(mField.text(), "A1a!a");
+    EXPECT_EQ(type({57, 4, 30}), "A1");
+    EXPECT_EQ(type({4, 30}, kLeftShift), "A1a!");
+    EXPECT_EQ(type({57, 4}), "A1a!a");
     EXPECT_FALSE(mField.capsLock());
 }
 
@@ -69,47 +70,36 @@ TEST_F(TextFieldTest, KeysWithoutCharacterWriteNothing) {
 
 TEST_F(TextFieldTest, BackspaceAndDeleteStopAtTheEndsOfTheText) {
     type({42, 76});
-    type({4, 5, 6, 42, 80, 76, 76});
-    EXPECT_EQ(mField.text(), "a");
-    type({42, 42});
-    EXPECT_EQ(mField.text(), "");
+    EXPECT_EQ(type({4, 5, 6, 42, 80, 76, 76}), "a");
+    EXPECT_EQ(type({42, 42}), "");
 }
 
 TEST_F(TextFieldTest, CaretMovesAlongTheLine) {
-    type({4, 5, 40, 6, 7}); // "ab", "cd"
-    type({74, 27});         // Home
-    type({80, 80, 28});     // over the line's end, to the end of "ab"
-    type({77, 79, 77, 29}); // End, over the line's end, End
-    EXPECT_EQ(mField.text(), "aby\nxcdz");
-    type({77, 79, 79, 4});
-    EXPECT_EQ(mField.text(), "aby\nxcdza");
+    type({4, 5, 40, 6, 7});                         // "ab", "cd"
+    type({74, 27});                                 // Home
+    type({80, 80, 28});                             // over the line's end, to the end of "ab"
+    EXPECT_EQ(type({77, 79, 77, 29}), "aby\nxcdz"); // End, over the line's end, End
+    EXPECT_EQ(type({77, 79, 79, 4}), "aby\nxcdza");
 }
 
 TEST_F(TextFieldTest, CaretKeepsItsColumnFromLineToLineAsFarAsThereIsText) {
-    type({4, 40, 5, 6, 7, 40, 8, 9}); // "a", "bcd", "ef"
-    type({82, 27});                   // up into "bcd", behind "bc"
-    EXPECT_EQ(mField.text(), "a\nbcxd\nef");
-    type({82, 28}); // column 3 of "a" is its end
-    EXPECT_EQ(mField.text(), "ay\nbcxd\nef");
-    type({82, 4}); // no line above: its start
-    EXPECT_EQ(mField.text(), "aay\nbcxd\nef");
-    type({81, 81, 81, 29}); // the last line, then its end
-    EXPECT_EQ(mField.text(), "aay\nbcxd\nefz");
+    type({4, 40, 5, 6, 7, 40, 8, 9});                    // "a", "bcd", "ef"
+    EXPECT_EQ(type({82, 27}), "a\nbcxd\nef");            // up into "bcd", behind "bc"
+    EXPECT_EQ(type({82, 28}), "ay\nbcxd\nef");           // column 3 of "a" is its end
+    EXPECT_EQ(type({82, 4}), "aay\nbcxd\nef");           // no line above: its start
+    EXPECT_EQ(type({81, 81, 81, 29}), "aay\nbcxd\nefz"); // the last line, then its end
 }
 
 TEST_F(TextFieldTest, KeypadSteersWhileNumLockIsOff) {
     type({89, 83, 92, 90, 91, 94, 98}); // "1", Num Lock off, left, then keys that do nothing here
-    type({4});
-    EXPECT_EQ(mField.text(), "1a");
-    type({95, 99, 83, 98}); // home, delete, Num Lock on, "0"
-    EXPECT_EQ(mField.text(), "0a");
+    EXPECT_EQ(type({4}), "1a");
+    EXPECT_EQ(type({95, 99, 83, 98}), "0a"); // home, delete, Num Lock on, "0"
 }
 
 TEST_F(TextFieldTest, NewKeyboardStartsWithCapsLockOffAndNumLockOn) {
     type({57, 83});
     mField.resetLocks();
-    type({4, 89});
-    EXPECT_EQ(mField.text(), "a1");
+    EXPECT_EQ(type({4, 89}), "a1");
 }
 
 } // namespace orbelantine::phone

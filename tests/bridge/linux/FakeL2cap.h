@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <map>
@@ -21,19 +22,19 @@ class FakeL2cap final : public L2capApi {
   public:
     using Bytes = std::vector<std::uint8_t>;
 
-    void simulateRadio(Error error) { set(mRadio, error); }
+    void simulateRadio(Error error) { mRadio = error; }
 
     /// How connects end from here on.
-    void simulateConnect(Error error) { set(mConnect, error); }
+    void simulateConnect(Error error) { mConnect = error; }
 
     /// Every packet fails to go out, with this error.
-    void simulateSend(Error error) { set(mSend, error); }
+    void simulateSend(Error error) { mSend = error; }
 
     /// Connects go on until finishConnect().
-    void simulateSlowConnect() { set(mConnect, EINPROGRESS); }
+    void simulateSlowConnect() { mConnect = EINPROGRESS; }
 
     void finishConnect(std::uint16_t psm, Error error) {
-        set(mOutcome, error);
+        mOutcome = error;
         drain(phoneEnd(psm));
     }
 
@@ -84,7 +85,7 @@ class FakeL2cap final : public L2capApi {
 
     [[nodiscard]] phone::Address peer() const { return mPeer; }
 
-    Error radio() override { return get(mRadio); }
+    Error radio() override { return mRadio; }
 
     Error socket(phone::FileDescriptor& socket) override {
         int ends[2];
@@ -106,10 +107,10 @@ class FakeL2cap final : public L2capApi {
         return mConnect;
     }
 
-    Error error(int) override { return get(mOutcome); }
+    Error error(int) override { return mOutcome; }
 
     Error send(int socket, std::span<const std::uint8_t> packet) override {
-        if (const Error error = get(mSend))
+        if (const Error error = mSend)
             return error;
         return ::send(socket, packet.data(), packet.size(), MSG_DONTWAIT | MSG_NOSIGNAL) < 0 ? errno
                                                                                              : 0;
@@ -122,21 +123,11 @@ class FakeL2cap final : public L2capApi {
     }
 
   private:
-    void set(Error& target, Error value) {
-        const std::lock_guard lock(mMutex);
-        target = value;
-    }
-
-    Error get(const Error& source) {
-        const std::lock_guard lock(mMutex);
-        return source;
-    }
-
+    std::atomic<Error> mRadio = 0;
+    std::atomic<Error> mConnect = 0;
+    std::atomic<Error> mOutcome = 0;
+    std::atomic<Error> mSend = 0;
     std::mutex mMutex;
-    Error mRadio = 0;
-    Error mConnect = 0;
-    Error mOutcome = 0;
-    Error mSend = 0;
     phone::Address mPeer;
     phone::FileDescriptor mNewEnd;
     std::map<std::uint16_t, phone::FileDescriptor> mPhone;

@@ -3,9 +3,7 @@
 #include "tests/phone/linux/TestHost.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sdbus-c++/sdbus-c++.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,7 +14,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <vector>
 
 namespace orbelantine::bridge {
 
@@ -30,7 +27,7 @@ class PrivateBus {
                                  "<allow send_destination=\"*\" eavesdrop=\"true\"/>"
                                  "<allow eavesdrop=\"true\"/><allow own=\"*\"/>"
                                  "</policy></busconfig>";
-        start({"dbus-daemon", "--nofork", "--print-address=1", "--config-file=" + config});
+        start("--config-file=" + config);
     }
 
     PrivateBus(const PrivateBus&) = delete;
@@ -52,30 +49,22 @@ class PrivateBus {
     }
 
   private:
-    /// Returns when the daemon has printed its address: it listens then.
-    void start(std::vector<std::string> words) {
-        std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        std::array<int, 2> ends{};
-        ASSERT_EQ(::pipe(ends.data()), 0);
-        const phone::FileDescriptor reader(ends[0]);
-        phone::FileDescriptor writer(ends[1]);
-        posix_spawn_file_actions_t actions;
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_adddup2(&actions, writer.get(), STDOUT_FILENO);
-        // It complains of limits that don't matter here.
-        ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        if (::posix_spawnp(&mProcess, arguments[0], &actions, nullptr, arguments.data(), environ) !=
-            0)
-            mProcess = -1;
-        ::posix_spawn_file_actions_destroy(&actions);
-        writer = phone::FileDescriptor();
-        std::array<char, 256> line{};
-        if (runs()) {
-            EXPECT_GT(::read(reader.get(), line.data(), line.size()), 0);
+    /// Returns when the daemon has printed its address, as it listens then, or has failed.
+    void start(const std::string& config) {
+        phone::Pipe output;
+        mProcess = ::fork();
+        if (mProcess == 0) {
+            ::dup2(output.writer.get(), STDOUT_FILENO);
+            // It complains of limits that don't matter here.
+            ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
+            ::execlp("dbus-daemon", "dbus-daemon", "--nofork", "--print-address=1", config.c_str(),
+                     nullptr);
+            ::_exit(1);
         }
+        output.writer = phone::FileDescriptor();
+        std::array<char, 256> line{};
+        if (::read(output.reader.get(), line.data(), line.size()) <= 0)
+            stop();
     }
 
     phone::TemporaryFolder mFolder;
@@ -87,30 +76,41 @@ class FakeBlueZ {
   public:
     using Options = std::map<std::string, sdbus::Variant>;
 
+    struct Profile {
+        /// Who has it, by its name on the bus.
+        std::string sender;
+        /// Its object; empty while there is none.
+        std::string path;
+        std::string uuid;
+        Options options;
+
+        template <typename T>
+        [[nodiscard]] T option(const std::string& name) const {
+            return options.at(name).get<T>();
+        }
+    };
+
     /// `refusal`: the error that it answers with; empty to take the profile.
-    explicit FakeBlueZ(const std::string& bus, std::string refusal = "")
+    explicit FakeBlueZ(const std::string& bus, const std::string& refusal = "")
         : mConnection(sdbus::createSessionBusConnectionWithAddress(bus))
-        , mObject(sdbus::createObject(*mConnection, "/org/bluez"))
-        , mRefusal(std::move(refusal)) {
+        , mObject(sdbus::createObject(*mConnection, "/org/bluez")) {
         constexpr const char* kManager = "org.bluez.ProfileManager1";
         mObject->registerMethod("RegisterProfile")
             .onInterface(kManager)
-            .implementedAs([this](const sdbus::ObjectPath& path, const std::string& uuid,
-                                  const Options& options) {
-                if (!mRefusal.empty())
-                    throw sdbus::Error(mRefusal, "as told");
+            .implementedAs([this, refusal](const sdbus::ObjectPath& path, const std::string& uuid,
+                                           const Options& options) {
+                if (!refusal.empty())
+                    throw sdbus::Error(refusal, "as told");
                 const std::lock_guard lock(mMutex);
-                mSender = mObject->getCurrentlyProcessedMessage()->getSender();
-                mPath = path;
-                mUuid = uuid;
-                mOptions = options;
+                const std::string sender = mObject->getCurrentlyProcessedMessage()->getSender();
+                mProfile = {sender, path, uuid, options};
             });
         mObject->registerMethod("UnregisterProfile")
             .onInterface(kManager)
             .implementedAs([this](const sdbus::ObjectPath& path) {
                 const std::lock_guard lock(mMutex);
-                if (path == mPath)
-                    mPath.clear();
+                if (path == mProfile.path)
+                    mProfile.path.clear();
             });
         mObject->finishRegistration();
         mConnection->requestName("org.bluez");
@@ -122,34 +122,17 @@ class FakeBlueZ {
 
     ~FakeBlueZ() { mConnection->leaveEventLoop(); }
 
-    /// The profile's object; empty while there is none.
-    std::string path() { return locked(mPath); }
-
-    std::string uuid() { return locked(mUuid); }
-
-    /// Who has the profile, by its name on the bus.
-    std::string sender() { return locked(mSender); }
-
-    template <typename T>
-    T option(const std::string& name) {
+    /// As it was last registered.
+    Profile profile() {
         const std::lock_guard lock(mMutex);
-        return mOptions.at(name).get<T>();
+        return mProfile;
     }
 
   private:
-    std::string locked(const std::string& text) {
-        const std::lock_guard lock(mMutex);
-        return text;
-    }
-
     std::mutex mMutex;
-    std::string mSender;
-    std::string mPath;
-    std::string mUuid;
-    Options mOptions;
+    Profile mProfile;
     std::unique_ptr<sdbus::IConnection> mConnection;
     std::unique_ptr<sdbus::IObject> mObject;
-    std::string mRefusal;
 };
 
 } // namespace orbelantine::bridge

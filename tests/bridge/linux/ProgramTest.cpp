@@ -101,19 +101,21 @@ TEST_F(BridgeProgramTest, RecordThatCannotBePublishedEndsItUnlessItIsNotWanted) 
     EXPECT_EQ(runStopped(), kExitSuccess);
 }
 
-TEST_F(BridgeProgramTest, NameGoesIntoThePublishedRecord) {
+TEST_F(BridgeProgramTest, NameGoesIntoThePublishedRecordAsXmlText) {
     const PrivateBus bus;
     if (!bus.runs())
         GTEST_SKIP() << "dbus-daemon is not installed";
     FakeBlueZ bluez(bus.address());
     mOptions.publishRecord = true;
     mOptions.bus = bus.address();
-    mOptions.name = "Desk";
+    mOptions.name = R"(<Ann & "Bob">)";
     EXPECT_EQ(runStopped(), kExitSuccess) << mErr.str();
-    EXPECT_NE(bluez.option<std::string>("ServiceRecord")
-                  .find(R"(<attribute id="0x0100"><text value="Desk"/></attribute>)"),
-              std::string::npos);
-    EXPECT_EQ(bluez.path(), "");
+    EXPECT_NE(
+        bluez.profile()
+            .option<std::string>("ServiceRecord")
+            .find(R"(id="0x0100"><text value="&lt;Ann &amp; &quot;Bob&quot;&gt;"/></attribute>)"),
+        std::string::npos);
+    EXPECT_EQ(bluez.profile().path, "");
 }
 
 TEST_F(BridgeProgramTest, LogThatCannotBeWrittenIsNamed) {

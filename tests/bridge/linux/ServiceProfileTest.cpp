@@ -6,8 +6,11 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <optional>
+#include <string>
 #include <thread>
+#include <utility>
 
 /// sdbus-c++ 1.2 doesn't free a connection that it couldn't open; asked by the leak sanitiser
 /// alone.
@@ -46,15 +49,15 @@ class ServiceProfileTest : public testing::Test {
         }
     }
 
-    /// Lets the profile run as the bridge's loop does, until `done`.
-    template <typename Condition>
-    bool runUntil(const Condition& done) {
-        for (int i = 0; i < 100 && !done(); ++i) {
+    /// Lets the profile run as the bridge's loop does, until it says something.
+    std::string said() {
+        const auto latest = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (mSaid.empty() && std::chrono::steady_clock::now() < latest) {
             pollfd place = mProfile->wanted();
             ::poll(&place, 1, 50);
             mProfile->process();
         }
-        return done();
+        return std::exchange(mSaid, "");
     }
 
     PrivateBus mBus;
@@ -67,14 +70,15 @@ class ServiceProfileTest : public testing::Test {
 TEST_F(ServiceProfileTest, RecordIsPublishedAndWithdrawnAtTheEnd) {
     FakeBlueZ bluez(mBus.address());
     publish();
-    EXPECT_EQ(bluez.path(), "/orbelantine/hid");
-    EXPECT_EQ(bluez.uuid(), "00001124-0000-1000-8000-00805f9b34fb");
-    EXPECT_EQ(bluez.option<std::string>("ServiceRecord"), kRecord);
-    EXPECT_EQ(bluez.option<std::string>("Role"), "server");
-    EXPECT_TRUE(bluez.option<bool>("RequireAuthentication"));
-    EXPECT_FALSE(bluez.option<bool>("RequireAuthorization"));
+    const FakeBlueZ::Profile profile = bluez.profile();
+    EXPECT_EQ(profile.path, "/orbelantine/hid");
+    EXPECT_EQ(profile.uuid, "00001124-0000-1000-8000-00805f9b34fb");
+    EXPECT_EQ(profile.option<std::string>("ServiceRecord"), kRecord);
+    EXPECT_EQ(profile.option<std::string>("Role"), "server");
+    EXPECT_TRUE(profile.option<bool>("RequireAuthentication"));
+    EXPECT_FALSE(profile.option<bool>("RequireAuthorization"));
     mProfile.reset();
-    EXPECT_EQ(bluez.path(), "");
+    EXPECT_EQ(bluez.profile().path, "");
 }
 
 TEST_F(ServiceProfileTest, RefusalSaysWhatToDo) {
@@ -105,7 +109,7 @@ TEST_F(ServiceProfileTest, CallsOfBlueZAreAnsweredFromTheLoop) {
     std::string rejection;
     std::thread caller([this, &bluez, &rejection] {
         const auto bus = sdbus::createSessionBusConnectionWithAddress(mBus.address());
-        const auto profile = sdbus::createProxy(*bus, bluez.sender(), bluez.path());
+        const auto profile = sdbus::createProxy(*bus, bluez.profile().sender, bluez.profile().path);
         const sdbus::ObjectPath device("/org/bluez/hci0/dev_00_11_22_33_44_55");
         try {
             profile->callMethod("NewConnection")
@@ -117,13 +121,12 @@ TEST_F(ServiceProfileTest, CallsOfBlueZAreAnsweredFromTheLoop) {
         profile->callMethod("RequestDisconnection").onInterface(kProfile).withArguments(device);
         profile->callMethod("Release").onInterface(kProfile);
     });
-    EXPECT_TRUE(runUntil([this] { return !mSaid.empty(); }));
+    EXPECT_EQ(said(), "BlueZ has withdrawn the service record, as it does at its end");
     // The last answer still has to go out.
     mProfile.reset();
     caller.join();
     EXPECT_EQ(rejection, "org.bluez.Error.Rejected");
-    EXPECT_EQ(mSaid, "BlueZ has withdrawn the service record, as it does at its end");
-    EXPECT_EQ(bluez.path(), "/orbelantine/hid") << "withdrawn once more";
+    EXPECT_EQ(bluez.profile().path, "/orbelantine/hid") << "withdrawn once more";
 }
 
 TEST_F(ServiceProfileTest, LostBusIsSaidOnce) {
@@ -131,9 +134,7 @@ TEST_F(ServiceProfileTest, LostBusIsSaidOnce) {
     publish();
     bluez.reset();
     mBus.stop();
-    EXPECT_TRUE(runUntil([this] { return !mSaid.empty(); }));
-    EXPECT_EQ(mSaid, "D-Bus has gone, and the service record with it");
-    mSaid.clear();
+    EXPECT_EQ(said(), "D-Bus has gone, and the service record with it");
     EXPECT_EQ(mProfile->wanted().fd, -1);
     EXPECT_EQ(mProfile->timeout(), -1);
     EXPECT_EQ(mSaid, "");

@@ -32,12 +32,4 @@ TEST(ServiceRecord, IsAsBlueZTakesIt) {
 )");
 }
 
-TEST(ServiceRecord, TextKeepsWhatXmlWouldRead) {
-    HIDServiceRecord record;
-    record.serviceName = R"(<Ann & "Bob">)";
-    EXPECT_NE(serviceRecordXml(record).find(
-                  R"(id="0x0100"><text value="&lt;Ann &amp; &quot;Bob&quot;&gt;"/></attribute>)"),
-              std::string::npos);
-}
-
 } // namespace orbelantine::bridge

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -23,21 +22,20 @@ using Bytes = FakeL2cap::Bytes;
 
 constexpr const char* kAddress = "00:11:22:33:44:55";
 const Bytes kGreeting = {0xA1, 0x13, 0x03};
-const Bytes kReport = {0xA1, 0x02, 0x02, 0, 4, 0, 0, 0, 0, 0};
+
+Bytes keyReport(std::uint8_t key) {
+    return {0xA1, 0x02, 0x02, 0, key, 0, 0, 0, 0, 0};
+}
 
 /// The library's client before a bridge that runs on a thread of its own.
 class SessionTest : public testing::Test {
   protected:
     SessionTest() {
-        int ends[2];
-        EXPECT_EQ(::pipe(ends), 0);
-        mStopReader = phone::FileDescriptor(ends[0]);
-        mStopWriter = phone::FileDescriptor(ends[1]);
         mOptions.devices = mFolder / "devices";
         mOptions.address = {{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
         ::setenv("ORBELANTINE_DEVICE_DIR", mOptions.devices.c_str(), 1);
         mBridge.emplace(Parts{mL2cap, mLog, [] { return std::chrono::milliseconds(0); }}, mOptions,
-                        mStopReader.get());
+                        mStop.reader.get());
         mThread = std::thread([this] {
             while (mBridge->step() == Bridge::Outcome::GoesOn) {
             }
@@ -46,7 +44,7 @@ class SessionTest : public testing::Test {
     }
 
     ~SessionTest() override {
-        mStopWriter = phone::FileDescriptor();
+        mStop.writer = phone::FileDescriptor();
         mThread.join();
         ::unsetenv("ORBELANTINE_DEVICE_DIR");
     }
@@ -57,21 +55,13 @@ class SessionTest : public testing::Test {
         EXPECT_EQ(mL2cap.received(17), kGreeting);
     }
 
-    void sendReport() { mClient.sendReport(kReport.data(), kReport.size()); }
-
-    /// Sends until the client notices that nothing gets through; false if it never does.
-    bool noticesTheLoss() {
-        const auto latest = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (!mDisconnected && std::chrono::steady_clock::now() < latest) {
-            sendReport();
-            std::this_thread::yield();
-        }
-        return mDisconnected;
+    void sendReport(std::uint8_t key) {
+        const Bytes report = keyReport(key);
+        mClient.sendReport(report.data(), report.size());
     }
 
     phone::TemporaryFolder mFolder;
-    phone::FileDescriptor mStopReader;
-    phone::FileDescriptor mStopWriter;
+    phone::Pipe mStop;
     phone::EventLog mLog{nullptr, nullptr};
     FakeL2cap mL2cap;
     Options mOptions;
@@ -86,33 +76,24 @@ class SessionTest : public testing::Test {
 
 TEST_F(SessionTest, ReportsArriveByteForByteInTheirOrder) {
     connect();
-    for (std::uint8_t key = 0; key < 100; ++key) {
-        Bytes report = kReport;
-        report[4] = key;
-        mClient.sendReport(report.data(), report.size());
-    }
-    for (std::uint8_t key = 0; key < 100; ++key) {
-        Bytes report = kReport;
-        report[4] = key;
-        EXPECT_EQ(mL2cap.received(19), report);
-    }
-}
-
-TEST_F(SessionTest, ConnectFailsWhileThePhoneRefusesAndWorksLater) {
-    mL2cap.simulateConnect(ECONNREFUSED);
-    EXPECT_NE(mClient.connect(kAddress), error_code());
-    mL2cap.simulateConnect(0);
-    connect();
+    for (std::uint8_t key = 0; key < 100; ++key)
+        sendReport(key);
+    for (std::uint8_t key = 0; key < 100; ++key)
+        EXPECT_EQ(mL2cap.received(19), keyReport(key));
 }
 
 TEST_F(SessionTest, UnplugIsDoneWhenThePhoneHangsUp) {
     connect();
-    mClock.onPause([this] {
+    mClock.onPause([this, path = mBridge->path()] {
         if (mClock.pauses().size() != 2)
             return;
         EXPECT_EQ(mL2cap.received(17), Bytes{0x15});
         mL2cap.hangUp(19);
         mL2cap.hangUp(17);
+        // A handle opened now is answered in a turn in which the bridge has seen the hang-up.
+        const phone::TestHost later(path);
+        later.send(phone::packet::kGetVersion);
+        EXPECT_EQ(later.wait(), phone::packet::kVersion4);
     });
     EXPECT_EQ(mClient.virtualCableUnplug(), error_code());
     EXPECT_FALSE(mClient.isConnected());
@@ -127,14 +108,12 @@ TEST_F(SessionTest, PhoneThatKeepsItsChannelsLetsTheUnplugTimeOut) {
 TEST_F(SessionTest, PhoneThatWalksAwayIsNoticedByTheReports) {
     connect();
     mL2cap.hangUp(19);
-    EXPECT_TRUE(noticesTheLoss());
-}
-
-TEST_F(SessionTest, LostRadioIsNoticedByTheReports) {
-    connect();
-    mL2cap.simulateRadio(ENODEV);
-    mL2cap.hangUp(17);
-    EXPECT_TRUE(noticesTheLoss());
+    const auto latest = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!mDisconnected && std::chrono::steady_clock::now() < latest) {
+        sendReport(0);
+        std::this_thread::yield();
+    }
+    EXPECT_TRUE(mDisconnected);
 }
 
 } // namespace orbelantine::bridge

@@ -3,10 +3,9 @@
 namespace orbelantine {
 namespace {
 
-using LogText = LogTest;
+using LogText = LogAtInfo;
 
 TEST_F(LogText, WideTextThatCannotBeConvertedEndsTheLine) {
-    set_log_level(kLogInfo);
     lumiport_log_fmt(kLogInfo, "T", "before %ls after", L"\u65e5");
     EXPECT_EQ(laterLines(), Lines{"T | info]: before "});
 }

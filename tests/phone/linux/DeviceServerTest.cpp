@@ -8,10 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace orbelantine::phone {
 
@@ -19,47 +19,19 @@ namespace {
 
 using Milliseconds = std::chrono::milliseconds;
 
-/// A server that is stepped by hand, under a clock that is set by hand.
-class DeviceServerTest : public testing::Test {
+class DeviceServerTest : public SteppedServerTest<DeviceServer, true> {
   protected:
-    DeviceServerTest() {
-        int ends[2];
-        EXPECT_EQ(::pipe(ends), 0);
-        mStopReader = FileDescriptor(ends[0]);
-        mStopWriter = FileDescriptor(ends[1]);
-        mOptions.devices = mFolder / "devices";
-    }
+    DeviceServerTest() { mOptions.devices = mFolder / "devices"; }
 
-    DeviceServer& server() {
+    DeviceServer& server() override {
         if (!mServer) {
             mDriver.emplace(mOptions.address, mOptions.faults, mPhone, mLog);
             mServer.emplace(DeviceServer::Parts{*mDriver, mLog, [this] { return mNow; }}, mOptions,
-                            mStopReader.get());
+                            mStop.reader.get());
         }
         return *mServer;
     }
 
-    /// Does all that there is to do now; false once the server is to end.
-    bool run() {
-        bool goesOn = true;
-        for (int i = 0; goesOn && i < 8; ++i)
-            goesOn = server().step(Milliseconds(0));
-        return goesOn;
-    }
-
-    TestHost openHost() { return TestHost(server().path()); }
-
-    /// The reply to a packet, after letting the server run.
-    std::optional<TestHost::Bytes> exchange(const TestHost& host, const TestHost::Bytes& packet) {
-        host.send(packet);
-        run();
-        return host.received();
-    }
-
-    TemporaryFolder mFolder;
-    FileDescriptor mStopReader;
-    FileDescriptor mStopWriter;
-    Milliseconds mNow{0};
     Options mOptions;
     EventLog mLog{nullptr, nullptr};
     Phone mPhone{{100, 100}, mLog};
@@ -92,29 +64,14 @@ TEST_F(DeviceServerTest, SocketStandsUnderItsClassWithTheMarkInItsName) {
     EXPECT_EQ(modeOf(mOptions.devices) & 0777U, 0700U);
 }
 
-TEST_F(DeviceServerTest, SessionGoesFromConnectToTheTypedText) {
-    const TestHost control = openHost();
-    const TestHost interrupt = openHost();
-    EXPECT_EQ(exchange(control, packet::kGetVersion), packet::kVersion4);
-    EXPECT_EQ(exchange(control, packet::kConnectControl), packet::kSuccess);
-    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
-    EXPECT_EQ(exchange(interrupt, packet::kTypeA), std::nullopt);
-    EXPECT_EQ(mPhone.textField().text(), "a");
-}
-
 TEST_F(DeviceServerTest, ClosedHandleFreesItsChannelForTheNext) {
-    {
-        const TestHost control = openHost();
-        EXPECT_EQ(exchange(control, packet::kConnectControl), packet::kSuccess);
-    }
-    const TestHost next = openHost();
-    EXPECT_EQ(exchange(next, packet::kConnectControl), packet::kSuccess);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(exchange(open(), packet::kConnectControl), packet::kSuccess);
 }
 
 TEST_F(DeviceServerTest, PacketsBeforeAHangUpAreTaken) {
     {
-        const TestHost interrupt = openHost();
-        EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+        const TestHost interrupt = openInterrupt();
         for (int i = 0; i < 100; ++i) {
             interrupt.send(packet::kTypeA);
             interrupt.send(packet::kRelease);
@@ -125,18 +82,17 @@ TEST_F(DeviceServerTest, PacketsBeforeAHangUpAreTaken) {
 }
 
 TEST_F(DeviceServerTest, StopLetsWhatWasSentBeforeItArrive) {
-    const TestHost interrupt = openHost();
-    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+    const TestHost interrupt = openInterrupt();
     interrupt.send(packet::kTypeA);
-    EXPECT_EQ(::write(mStopWriter.get(), "x", 1), 1);
+    stop();
     EXPECT_FALSE(run());
     EXPECT_EQ(mPhone.textField().text(), "a");
 }
 
 TEST_F(DeviceServerTest, HostThatNeverRestsCannotPutOffTheStopForever) {
-    const TestHost host = openHost();
+    const TestHost host = open();
     run();
-    EXPECT_EQ(::write(mStopWriter.get(), "x", 1), 1);
+    stop();
     host.send(packet::kRelease);
     EXPECT_TRUE(server().step());
     mNow = Milliseconds(500);
@@ -149,8 +105,7 @@ TEST_F(DeviceServerTest, ControlLinesOfAnyWriterCountBeforeTheReports) {
     const std::string path = mFolder / "control";
     ControlPipe pipe(path, control);
     server().setControl(pipe);
-    const TestHost interrupt = openHost();
-    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+    const TestHost interrupt = openInterrupt();
     interrupt.send({0, 0, 0, 0, 0xA1, 1, 1, 5, 0, 0, 0, 0, 0});
     for (const char* text : {"target 5", "0 60\nscre", "en 300 200 2 2\ntarget 1 2\n"})
         std::ofstream(path) << text;
@@ -174,18 +129,17 @@ TEST_F(DeviceServerTest, ControlTakesThePlaceOfAStaleFifoOnly) {
 }
 
 TEST_F(DeviceServerTest, MalformedPacketsLeaveTheHandleInUse) {
-    const TestHost host = openHost();
+    const TestHost host = open();
     run();
-    EXPECT_EQ(exchange(host, {1, 2}), std::nullopt);
-    EXPECT_EQ(exchange(host, {}), std::nullopt);
-    EXPECT_EQ(exchange(host, TestHost::Bytes(Driver::kMaxPacket + 1)), std::nullopt);
+    for (const std::size_t size : {std::size_t{2}, std::size_t{0}, Driver::kMaxPacket + 1})
+        EXPECT_EQ(exchange(host, TestHost::Bytes(size)), std::nullopt);
     EXPECT_EQ(mPhone.tally().errors, 3U);
     EXPECT_EQ(exchange(host, packet::kGetVersion), packet::kVersion4);
 }
 
 TEST_F(DeviceServerTest, LateRepliesComeWhenTheyAreDueAndInOrder) {
     mOptions.faults.late = Milliseconds(200);
-    const TestHost host = openHost();
+    const TestHost host = open();
     run();
     EXPECT_EQ(exchange(host, packet::kGetVersion), std::nullopt);
     mNow = Milliseconds(100);
@@ -201,9 +155,8 @@ TEST_F(DeviceServerTest, LateRepliesComeWhenTheyAreDueAndInOrder) {
 
 TEST_F(DeviceServerTest, VanishesFromEveryHandleAndEnds) {
     mOptions.faults.vanishAfter = 1;
-    const TestHost idle = openHost();
-    const TestHost interrupt = openHost();
-    EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
+    const TestHost idle = open();
+    const TestHost interrupt = openInterrupt();
     interrupt.send(packet::kTypeA);
     EXPECT_FALSE(run());
     EXPECT_EQ(idle.received(), packet::kHangUp);
@@ -215,50 +168,35 @@ TEST_F(DeviceServerTest, ComesBackAfterVanishingToStay) {
     mOptions.faults.vanishAfter = 1;
     mOptions.faults.returnAfter = Milliseconds(1000);
     const std::string path = server().path();
-    {
-        const TestHost interrupt = openHost();
-        EXPECT_EQ(exchange(interrupt, packet::kConnectInterrupt), packet::kSuccess);
-        interrupt.send(packet::kTypeA);
-        EXPECT_TRUE(run());
-    }
+    openInterrupt().send(packet::kTypeA);
+    EXPECT_TRUE(run());
     mNow = Milliseconds(999);
     EXPECT_TRUE(run());
     EXPECT_FALSE(TestHost(path).isOpen());
     mNow = Milliseconds(1000);
     EXPECT_TRUE(run());
-    const TestHost again(path);
-    EXPECT_EQ(exchange(again, packet::kConnectInterrupt), packet::kSuccess);
+    const TestHost again = openInterrupt();
     EXPECT_EQ(exchange(again, packet::kTypeA), std::nullopt);
-    EXPECT_TRUE(again.isOpen());
+    EXPECT_EQ(server().path(), path);
     EXPECT_EQ(mPhone.textField().text(), "aa");
 }
 
 TEST_F(DeviceServerTest, TooManyHandlesCloseOnlyTheNewest) {
     std::vector<TestHost> hosts;
-    for (int i = 0; i < 64; ++i) {
-        hosts.push_back(openHost());
+    for (int i = 0; i < 65; ++i) {
+        hosts.push_back(open());
         run();
     }
-    const TestHost excess = openHost();
-    run();
-    EXPECT_EQ(excess.received(), packet::kHangUp);
-    EXPECT_EQ(exchange(hosts.front(), packet::kGetVersion), packet::kVersion4);
-}
-
-TEST_F(DeviceServerTest, EndRemovesTheSocketAndHangsUp) {
-    const std::string path = server().path();
-    const TestHost host = openHost();
-    run();
-    mServer.reset();
-    EXPECT_EQ(host.received(), packet::kHangUp);
-    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_EQ(hosts.back().received(), packet::kHangUp);
+    for (const std::size_t i : {0U, 63U})
+        EXPECT_EQ(exchange(hosts[i], packet::kGetVersion), packet::kVersion4);
 }
 
 TEST_F(DeviceServerTest, SecondPhoneOfTheSameAddressIsTurnedAway) {
     const std::string path = server().path();
     EXPECT_EQ(startFailure(mOptions), "another phone is listening at " + path +
                                           ": stop it, or choose another --address or --devices");
-    EXPECT_TRUE(openHost().isOpen()) << "the first phone's socket is still there";
+    EXPECT_TRUE(open().isOpen()) << "the first phone's socket is still there";
     mOptions.address = {{0, 1, 2, 3, 4, 5}};
     EXPECT_EQ(startFailure(mOptions), "");
 }
@@ -271,25 +209,21 @@ TEST_F(DeviceServerTest, StaleSocketIsReplacedAndAFileIsNot) {
     std::filesystem::remove(path);
 
     const FileDescriptor dead(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const sockaddr_un address = socketAddress(path);
     ASSERT_EQ(::bind(dead.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
-    const TestHost host = openHost();
-    EXPECT_TRUE(host.isOpen());
-    EXPECT_EQ(exchange(host, packet::kGetVersion), packet::kVersion4);
+    EXPECT_EQ(exchange(open(), packet::kGetVersion), packet::kVersion4);
 }
 
-TEST_F(DeviceServerTest, FolderTooDeepForASocketsNameIsRefused) {
-    mOptions.devices = mFolder / std::string(60, 'd').c_str();
-    EXPECT_NE(startFailure(mOptions).find("is longer than the 107 bytes of a socket's name"),
-              std::string::npos);
-}
-
-TEST_F(DeviceServerTest, FolderThatCannotBeMadeIsNamed) {
+TEST_F(DeviceServerTest, FolderThatCannotServeIsNamed) {
     std::ofstream(mFolder / "file") << "x";
     mOptions.devices = mFolder / "file/devices";
-    EXPECT_EQ(startFailure(mOptions).substr(0, 22), "cannot make the folder");
+    EXPECT_EQ(startFailure(mOptions),
+              "cannot make the folder " + mOptions.devices + ": Not a directory");
+    mOptions.devices = mFolder / std::string(60, 'd');
+    EXPECT_EQ(startFailure(mOptions),
+              mOptions.devices +
+                  "/4df52311-7aa8-4d3c-b58b-3749826e10a6/{hid}_localmfg#001122334455 is longer "
+                  "than the 107 bytes of a socket's name: choose a shorter --devices");
 }
 
 TEST(DefaultDeviceFolder, ComesFromTheEnvironmentInOrder) {

@@ -8,7 +8,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -40,26 +39,22 @@ class ProgramTest : public testing::Test {
 
     ~ProgramTest() override {
         if (mChild > 0)
-            ::kill(mChild, SIGKILL);
-        end();
+            end(SIGKILL);
     }
 
     /// Returns when the phone has printed its line.
     void start() {
-        std::array<int, 2> ends{};
-        ASSERT_EQ(::pipe(ends.data()), 0);
-        const FileDescriptor reader(ends[0]);
-        FileDescriptor writer(ends[1]);
+        Pipe output;
         mChild = ::fork();
         if (mChild == 0) {
-            ::dup2(writer.get(), STDOUT_FILENO);
+            ::dup2(output.writer.get(), STDOUT_FILENO);
             std::ofstream out("/dev/stdout");
             std::ostringstream err;
             ::_exit(runVirtualPhone(mOptions, out, err));
         }
-        writer = FileDescriptor();
+        output.writer = FileDescriptor();
         std::array<char, 512> line{};
-        const ssize_t size = ::read(reader.get(), line.data(), line.size());
+        const ssize_t size = ::read(output.reader.get(), line.data(), line.size());
         ASSERT_GT(size, 0);
         mPrinted.assign(line.data(), static_cast<std::size_t>(size));
     }
@@ -79,18 +74,21 @@ class ProgramTest : public testing::Test {
         EXPECT_EQ(interrupt.wait(), packet::kVersion4);
     }
 
-    /// The exit status once the phone has ended; -1 when it was killed.
-    int end() {
+    /// The exit status once the signal has ended the phone; -1 when it was killed.
+    int end(int signal) {
         int status = 0;
-        if (mChild <= 0 || ::waitpid(mChild, &status, 0) != mChild)
-            return -1;
+        ::kill(mChild, signal);
+        EXPECT_EQ(::waitpid(mChild, &status, 0), mChild);
         mChild = -1;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
-    int stop(int signal) {
-        ::kill(mChild, signal);
-        return end();
+    /// What it says when it can't start.
+    static std::string failure(const Options& options) {
+        std::ostringstream out;
+        std::ostringstream err;
+        EXPECT_EQ(runVirtualPhone(options, out, err), 1);
+        return err.str();
     }
 
     TemporaryFolder mFolder;
@@ -101,11 +99,14 @@ class ProgramTest : public testing::Test {
 
 } // namespace
 
-TEST_F(ProgramTest, SaysWhereItListensOnceItDoes) {
+TEST_F(ProgramTest, SaysWhereItListensAndKeepsItsLogCompleteAtAnyMoment) {
     start();
     EXPECT_EQ(mPrinted,
               "virtual phone 00:11:22:33:44:55 is listening in " + mOptions.devices + "\n");
-    EXPECT_TRUE(TestHost(socketPath()).isOpen());
+    typeA();
+    const std::string log = contentOf(mOptions.log);
+    EXPECT_NE(log.find(R"("typed":"a")"), std::string::npos);
+    EXPECT_EQ(log.back(), '\n');
 }
 
 TEST_F(ProgramTest, SignalEndsItWithPictureAndSummaryAndNoSocketLeft) {
@@ -113,7 +114,7 @@ TEST_F(ProgramTest, SignalEndsItWithPictureAndSummaryAndNoSocketLeft) {
         start();
         const std::string socket = socketPath();
         typeA();
-        EXPECT_EQ(stop(signal), 0);
+        EXPECT_EQ(end(signal), 0);
         EXPECT_FALSE(std::filesystem::exists(socket));
         EXPECT_FALSE(std::filesystem::exists(mOptions.readyFile));
         EXPECT_NE(lastLineOf(contentOf(mOptions.log)).find(R"("event":"summary","text":"a")"),
@@ -122,35 +123,12 @@ TEST_F(ProgramTest, SignalEndsItWithPictureAndSummaryAndNoSocketLeft) {
     }
 }
 
-TEST_F(ProgramTest, LogIsCompleteAtAnyMoment) {
-    start();
-    typeA();
-    const std::string log = contentOf(mOptions.log);
-    EXPECT_NE(log.find(R"("typed":"a")"), std::string::npos);
-    EXPECT_EQ(log.back(), '\n');
-}
-
-TEST_F(ProgramTest, VanishingEndsItAsASessionDoes) {
-    mOptions.faults.vanishAfter = 1;
-    start();
-    const TestHost interrupt(socketPath());
-    interrupt.send(packet::kConnectInterrupt);
-    EXPECT_EQ(interrupt.wait(), packet::kSuccess);
-    interrupt.send(packet::kTypeA);
-    EXPECT_EQ(interrupt.wait(), packet::kHangUp);
-    EXPECT_EQ(end(), 0);
-    EXPECT_NE(lastLineOf(contentOf(mOptions.log)).find(R"("reports":1)"), std::string::npos);
-}
-
 TEST_F(ProgramTest, SecondPhoneFailsAndLeavesTheFirstOnesFiles) {
     start();
     typeA();
     const std::string before = contentOf(mOptions.log);
-    std::ostringstream out;
-    std::ostringstream err;
-    EXPECT_EQ(runVirtualPhone(mOptions, out, err), 1);
-    EXPECT_EQ(err.str(), "virtual_phone: another phone is listening at " + socketPath() +
-                             ": stop it, or choose another --address or --devices\n");
+    EXPECT_EQ(failure(mOptions), "virtual_phone: another phone is listening at " + socketPath() +
+                                     ": stop it, or choose another --address or --devices\n");
     EXPECT_EQ(contentOf(mOptions.log).substr(0, before.size()), before);
 }
 
@@ -158,10 +136,7 @@ TEST_F(ProgramTest, FileThatCannotBeWrittenIsNamedAtTheStart) {
     for (std::string Options::*file : {&Options::log, &Options::picture, &Options::readyFile}) {
         Options options = mOptions;
         options.*file = mFolder / "missing/file";
-        std::ostringstream out;
-        std::ostringstream err;
-        EXPECT_EQ(runVirtualPhone(options, out, err), 1);
-        EXPECT_EQ(err.str().substr(0, 28), "virtual_phone: cannot write ");
+        EXPECT_EQ(failure(options).substr(0, 28), "virtual_phone: cannot write ");
     }
 }
 

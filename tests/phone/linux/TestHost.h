@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/phone/Packets.h"
 #include "tools/virtual_phone/linux/FileDescriptor.h"
 
 #include <gtest/gtest.h>
@@ -8,12 +9,10 @@
 #include <sys/un.h>
 
 #include <cerrno>
-#include <cstdint>
+#include <chrono>
 #include <filesystem>
-#include <initializer_list>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace orbelantine::phone {
 
@@ -27,24 +26,44 @@ class TemporaryFolder {
 
     ~TemporaryFolder() { std::filesystem::remove_all(mPath); }
 
-    [[nodiscard]] std::string operator/(const char* name) const { return mPath + "/" + name; }
+    [[nodiscard]] std::string operator/(const std::string& name) const {
+        return mPath + "/" + name;
+    }
 
   private:
     std::string mPath =
         (std::filesystem::temp_directory_path() / "phone-").string() + std::string(6, 'X');
 };
 
+/// Whoever polls the reader sees that the writer has been closed.
+struct Pipe {
+    Pipe() {
+        int ends[2];
+        EXPECT_EQ(::pipe(ends), 0);
+        reader = FileDescriptor(ends[0]);
+        writer = FileDescriptor(ends[1]);
+    }
+
+    FileDescriptor reader;
+    FileDescriptor writer;
+};
+
+inline sockaddr_un socketAddress(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    EXPECT_LT(path.size(), sizeof(address.sun_path));
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    return address;
+}
+
 /// The library's end of one device handle.
 class TestHost {
   public:
-    using Bytes = std::vector<std::uint8_t>;
+    using Bytes = packet::Bytes;
 
     explicit TestHost(const std::string& path)
         : mSocket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        EXPECT_LT(path.size(), sizeof(address.sun_path));
-        path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        const sockaddr_un address = socketAddress(path);
         mOpen = ::connect(mSocket.get(), reinterpret_cast<const sockaddr*>(&address),
                           sizeof(address)) == 0;
     }
@@ -76,17 +95,40 @@ class TestHost {
     bool mOpen = false;
 };
 
-namespace packet {
-inline const TestHost::Bytes kConnectControl = {0x00, 0x00, 0x22, 0x00, 0x55, 0x44, 0x33,
-                                                0x22, 0x11, 0x00, 17,   0,    1,    0};
-inline const TestHost::Bytes kConnectInterrupt = {0x00, 0x00, 0x22, 0x00, 0x55, 0x44, 0x33,
-                                                  0x22, 0x11, 0x00, 19,   0,    2,    0};
-inline const TestHost::Bytes kGetVersion = {0x08, 0x00, 0x22, 0x00};
-inline const TestHost::Bytes kTypeA = {0, 0, 0, 0, 0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0};
-inline const TestHost::Bytes kRelease = {0, 0, 0, 0, 0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0};
-inline const TestHost::Bytes kSuccess = {0, 0, 0, 0};
-inline const TestHost::Bytes kVersion4 = {0, 0, 0, 0, 4, 0};
-inline const TestHost::Bytes kHangUp = {};
-} // namespace packet
+/// A server of device handles that is stepped by hand, under a clock that is set by hand.
+template <class Server, auto kGoesOn>
+class SteppedServerTest : public testing::Test {
+  protected:
+    virtual Server& server() = 0;
+
+    /// Does all that there is to do now, or up to the server's end.
+    auto run() {
+        auto outcome = kGoesOn;
+        for (int i = 0; outcome == kGoesOn && i < 8; ++i)
+            outcome = server().step(std::chrono::milliseconds(0));
+        return outcome;
+    }
+
+    void stop() { mStop.writer = FileDescriptor(); }
+
+    TestHost open() { return TestHost(server().path()); }
+
+    TestHost openInterrupt() {
+        TestHost host = open();
+        EXPECT_EQ(exchange(host, packet::kConnectInterrupt), packet::kSuccess);
+        return host;
+    }
+
+    /// The reply to a packet, after letting the server run.
+    std::optional<packet::Bytes> exchange(const TestHost& host, const packet::Bytes& packet) {
+        host.send(packet);
+        run();
+        return host.received();
+    }
+
+    TemporaryFolder mFolder;
+    Pipe mStop;
+    std::chrono::milliseconds mNow{0};
+};
 
 } // namespace orbelantine::phone

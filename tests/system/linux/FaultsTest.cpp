@@ -9,12 +9,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <string>
 #include <vector>
 
 namespace orbelantine {
 namespace {
 
-using namespace std::chrono_literals;
 using test::FakeDriverApi;
 using test::Names;
 
@@ -28,46 +29,41 @@ struct Call {
     Effect effect;
 };
 
-/// Looking for the local device's type, which counts as 2 whatever becomes of it.
-constexpr Call kTypeCalls[] = {
-    {"SetupDiGetClassDevs", kNone},
-    {"SetupDiEnumDeviceInterfaces", kNone},
-    {"SetupDiGetDeviceInterfaceDetail", kNone},
-    {"LocalAlloc", kNone},
-    {"SetupDiGetDeviceInterfaceDetail", kNone},
-    {"CreateFile", kNone},
-    {"CM_Register_Notification", kNone},
-    {"DeviceIoControl", kNone},
-};
+using Calls = std::vector<Call>;
 
-/// Each of the two channels.
-constexpr Call kChannelCalls[] = {
-    {"SetupDiGetClassDevs", kSocketFailure},
-    {"SetupDiEnumDeviceInterfaces", kSocketFailure},
-    {"SetupDiGetDeviceInterfaceDetail", kSocketFailure},
-    {"LocalAlloc", kSocketFailure},
-    {"SetupDiGetDeviceInterfaceDetail", kSocketFailure},
-    {"CreateFile", kSocketFailure},
-    {"CM_Register_Notification", kNone},
-    {"DeviceIoControl", kWrongVersion},
-    {"DeviceIoControl", kSocketFailure},
-};
+/// Finding and opening the driver's device.
+Calls opening(Effect effect) {
+    return {
+        {"SetupDiGetClassDevs", effect},
+        {"SetupDiEnumDeviceInterfaces", effect},
+        {"SetupDiGetDeviceInterfaceDetail", effect},
+        {"LocalAlloc", effect},
+        {"SetupDiGetDeviceInterfaceDetail", effect},
+        {"CreateFile", effect},
+        {"CM_Register_Notification", kNone},
+    };
+}
 
-constexpr Call kGreetingCalls[] = {{"WriteFile", kNone}, {"WriteFile", kSocketFailure}};
-constexpr Call kReportCalls[] = {{"WriteFile", kNone}};
-
-template <class... Parts>
-std::vector<Call> join(const Parts&... parts) {
-    std::vector<Call> calls;
-    (calls.insert(calls.end(), std::begin(parts), std::end(parts)), ...);
+Calls join(std::initializer_list<Calls> parts) {
+    Calls calls;
+    for (const Calls& part : parts)
+        calls.insert(calls.end(), part.begin(), part.end());
     return calls;
 }
 
-const std::vector<Call> kLinkCalls = join(kChannelCalls, kChannelCalls, kGreetingCalls);
-const std::vector<Call> kConnectCalls = join(kTypeCalls, kTypeCalls, kLinkCalls);
+/// Looking for the local device's type, which counts as 2 whatever becomes of it.
+const Calls kTypeCalls = join({opening(kNone), {{"DeviceIoControl", kNone}}});
+/// Each of the two channels.
+const Calls kChannelCalls =
+    join({opening(kSocketFailure),
+          {{"DeviceIoControl", kWrongVersion}, {"DeviceIoControl", kSocketFailure}}});
+const Calls kGreetingCalls = {{"WriteFile", kNone}, {"WriteFile", kSocketFailure}};
+const Calls kReportCalls = {{"WriteFile", kNone}};
+const Calls kLinkCalls = join({kChannelCalls, kChannelCalls, kGreetingCalls});
+const Calls kConnectCalls = join({kTypeCalls, kTypeCalls, kLinkCalls});
 
 /// Every call of a session that connects, sends a report, sleeps, wakes by a report and ends.
-const std::vector<Call> kSessionCalls = join(kConnectCalls, kReportCalls, kLinkCalls, kReportCalls);
+const Calls kSessionCalls = join({kConnectCalls, kReportCalls, kLinkCalls, kReportCalls});
 const std::size_t kFirstReportCall = kConnectCalls.size();
 const std::size_t kReconnectCall = kFirstReportCall + 1;
 const std::size_t kSecondReportCall = kReconnectCall + kLinkCalls.size();
@@ -106,8 +102,11 @@ class FaultySession {
 
     /// The result of a connect, and what it raised.
     Names connect() {
-        const error_code ec = mSession.connect();
-        return notesBehind(ec);
+        const error_code result = mSession.connect();
+        mSession.settle();
+        Names notes = mJournal.take();
+        notes.insert(notes.begin(), std::to_string(result.value()));
+        return notes;
     }
 
     error_code disconnect() {
@@ -138,21 +137,9 @@ class FaultySession {
         return count;
     }
 
-    [[nodiscard]] std::size_t openFiles() const { return mApi.openFiles(); }
-
-    /// Of the platform's handles and memory.
-    [[nodiscard]] std::size_t held() const { return mApi.held(); }
-
-    [[nodiscard]] Names calls() const { return mApi.calls(); }
+    [[nodiscard]] const FakeDriverApi& api() const { return mApi; }
 
   private:
-    Names notesBehind(error_code result) {
-        mSession.settle();
-        Names notes = mJournal.take();
-        notes.insert(notes.begin(), std::to_string(result.value()));
-        return notes;
-    }
-
     FakeDriverApi mApi;
     test::FakeLocalRadioApi mRadio;
     test::HandClock mClock;
@@ -177,7 +164,7 @@ const Names kConnected = {"0", "connected"};
 const Names kSent = {"report"};
 const Names kWokenAndSent = {"connected", "report"};
 
-Effect effectWithin(std::size_t call, std::size_t first, const std::vector<Call>& calls) {
+Effect effectWithin(std::size_t call, std::size_t first, const Calls& calls) {
     return call >= first && call < first + calls.size() ? calls[call - first].effect : kNone;
 }
 
@@ -193,7 +180,7 @@ void playWithFailure(std::size_t failing) {
               connecting ? (Names{std::to_string(connecting), lost(connecting)}) : kConnected);
     EXPECT_EQ(session.press("report"), connecting ? kWokenAndSent : kSent);
     session.pause();
-    EXPECT_EQ(session.openFiles(), 0U);
+    EXPECT_EQ(session.api().openFiles(), 0U);
     if (waking) {
         EXPECT_EQ(session.press(lost(waking)), Names{lost(waking)}) << "the event is lost";
     }
@@ -201,11 +188,11 @@ void playWithFailure(std::size_t failing) {
     EXPECT_EQ(session.reportsArrived(), loses ? 1U : 2U);
 
     EXPECT_EQ(session.disconnect(), error_code());
-    EXPECT_EQ(session.held(), 0U);
+    EXPECT_EQ(session.api().held(), 0U);
     EXPECT_EQ(session.connect(), kConnected);
     EXPECT_EQ(session.press("report"), kSent);
     EXPECT_EQ(session.disconnect(), error_code());
-    EXPECT_EQ(session.held(), 0U);
+    EXPECT_EQ(session.api().held(), 0U);
 }
 
 TEST(Faults, SessionMakesJustTheseCalls) {
@@ -217,11 +204,11 @@ TEST(Faults, SessionMakesJustTheseCalls) {
     Names expected;
     for (const Call& call : kSessionCalls)
         expected.emplace_back(call.name);
-    EXPECT_EQ(session.calls(), expected);
+    EXPECT_EQ(session.api().calls(), expected);
 }
 
 TEST(Faults, AnyOneCallMayFailAndTheNextSessionWorks) {
-    test::Watchdog watchdog(20s);
+    const test::Watchdog watchdog(60);
     for (std::size_t failing = 0; failing < kSessionCalls.size(); ++failing) {
         const std::string name =
             "call " + std::to_string(failing) + ", " + kSessionCalls[failing].name;

@@ -6,8 +6,10 @@
 
 #include <atomic>
 #include <functional>
+#include <iostream>
 #include <iterator>
 #include <random>
+#include <thread>
 
 namespace orbelantine {
 namespace {
@@ -175,7 +177,7 @@ class StopAnywhere : public testing::Test {
     test::HandClock mClock;
     test::Session mSession{mClock};
     std::uint64_t mReports = 0;
-    test::Watchdog mWatchdog{30s};
+    test::Watchdog mWatchdog{60};
 };
 
 TEST_F(StopAnywhere, LeavesNothingUnderWay) {
