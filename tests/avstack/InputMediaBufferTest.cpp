@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <memory>
-#include <vector>
 
 namespace orbelantine {
 
 namespace {
+
+using Mouse = IInputMediaBufferMouse;
+using Keyboard = IInputMediaBufferKeyboard;
+using Touch = IInputMediaBufferTouch;
 
 template <class T>
 T at(IMediaBuffer& buffer, std::size_t offset) {
@@ -20,78 +22,83 @@ T at(IMediaBuffer& buffer, std::size_t offset) {
     return value;
 }
 
-bool networkOrderOf(const boost::shared_ptr<IMediaBuffer>& mouse) {
-    return boost::dynamic_pointer_cast<IInputMediaBufferMouse>(mouse)->networkOrder();
+/// What the ways to be copied give.
+template <class Buffer>
+std::vector<boost::shared_ptr<Buffer>> copiesOf(Buffer& buffer) {
+    std::vector<boost::shared_ptr<Buffer>> copies;
+    for (const auto& copy : {buffer.copy(), buffer.soft_copy(), buffer.copy(3, 4)}) {
+        EXPECT_NE(copy->getRawBuffer(), buffer.getRawBuffer());
+        copies.push_back(boost::dynamic_pointer_cast<Buffer>(copy));
+    }
+    return copies;
 }
 
-TEST(InputMediaBuffer, MousePayloadIsReadByOffset) {
-    IInputMediaBufferMouse buffer(-2, 70000, IInputMediaBufferMouse::WheelPositive, false, 55, 3,
-                                  4);
-
-    EXPECT_EQ(buffer.getType(), 10);
-    EXPECT_EQ(buffer.getSize(), 20U);
-    EXPECT_EQ(buffer.getTimestamp(), 55U);
-    EXPECT_FALSE(buffer.networkOrder());
-    EXPECT_EQ(at<std::int32_t>(buffer, 0), -2);
-    EXPECT_EQ(at<std::int32_t>(buffer, 4), 70000);
-    EXPECT_EQ(at<std::uint8_t>(buffer, 8), 6);
-    EXPECT_EQ(at<std::int32_t>(buffer, 12), 3);
-    EXPECT_EQ(at<std::int32_t>(buffer, 16), 4);
+/// Of a buffer in host order and all its copies.
+template <class Buffer, class Check>
+void expectOf(Buffer& buffer, int type, std::uint32_t size, std::uint64_t timestamp,
+              Check expectPayload) {
+    auto all = copiesOf(buffer);
+    all.emplace_back(boost::shared_ptr<void>(), &buffer);
+    for (const auto& each : all) {
+        EXPECT_EQ(each->getType(), type);
+        EXPECT_EQ(each->getSize(), size);
+        EXPECT_EQ(each->getTimestamp(), timestamp);
+        EXPECT_FALSE(each->networkOrder());
+        EXPECT_EQ(each->map(), each->getRawBuffer());
+        EXPECT_EQ(each->map(0), each->getRawBuffer());
+        expectPayload(*each);
+    }
 }
 
-TEST(InputMediaBuffer, KeyboardPayloadIsReadByOffset) {
-    IInputMediaBufferKeyboard buffer(0x9D, IInputMediaBufferKeyboard::KeyUp, 0x01020304, false);
-
-    EXPECT_EQ(buffer.getType(), 9);
-    EXPECT_EQ(buffer.getSize(), 8U);
-    EXPECT_EQ(buffer.getTimestamp(), 0U);
-    EXPECT_FALSE(buffer.networkOrder());
-    EXPECT_EQ(at<std::uint8_t>(buffer, 0), 0x9D);
-    EXPECT_EQ(at<std::uint8_t>(buffer, 1), 1);
-    EXPECT_EQ(at<std::uint32_t>(buffer, 4), 0x01020304U);
+TEST(InputMediaBuffer, PayloadsAreReadByOffset) {
+    Mouse mouse(-2, 70000, Mouse::WheelPositive, false, 55, 3, 4);
+    expectOf(mouse, 10, 20, 55, [](IMediaBuffer& each) {
+        EXPECT_EQ(at<std::int32_t>(each, 0), -2);
+        EXPECT_EQ(at<std::int32_t>(each, 4), 70000);
+        EXPECT_EQ(at<std::uint8_t>(each, 8), 6);
+        EXPECT_EQ(at<std::int32_t>(each, 12), 3);
+        EXPECT_EQ(at<std::int32_t>(each, 16), 4);
+    });
+    Keyboard keyboard(0x9D, Keyboard::KeyUp, 0x01020304, false);
+    expectOf(keyboard, 9, 8, 0, [](IMediaBuffer& each) {
+        EXPECT_EQ(at<std::uint8_t>(each, 0), 0x9D);
+        EXPECT_EQ(at<std::uint8_t>(each, 1), 1);
+        EXPECT_EQ(at<std::uint32_t>(each, 4), 0x01020304U);
+    });
+    Touch touch(3, 65535, 1, Touch::Down, false, 55);
+    expectOf(touch, 28, 16, 55, [](IMediaBuffer& each) {
+        EXPECT_EQ(at<std::uint8_t>(each, 0), 3);
+        EXPECT_EQ(at<std::int32_t>(each, 4), 65535);
+        EXPECT_EQ(at<std::int32_t>(each, 8), 1);
+        EXPECT_EQ(at<std::uint8_t>(each, 12), 2);
+    });
 }
 
-TEST(InputMediaBuffer, TouchPayloadIsReadByOffset) {
-    IInputMediaBufferTouch buffer(3, 65535, 1, IInputMediaBufferTouch::Down, false, 55);
+TEST(InputMediaBuffer, ConstructorsSwapTheirIntegersUnlessToldAndSoDoCopies) {
+    Mouse mouse(5, 6, 2, true, 1, 7, 8);
+    const Mouse::EventData& at = mouse.event();
+    EXPECT_EQ((std::vector{at.x, at.y, at.maxX, at.maxY}),
+              (std::vector{0x05000000, 0x06000000, 0x07000000, 0x08000000}));
+    Keyboard keyboard(0, 1, 0x41);
+    EXPECT_EQ(keyboard.event().extra, 0x41000000U);
+    Touch touch(4, 5, 6, 1);
+    EXPECT_EQ(touch.event().x, 0x05000000);
+    EXPECT_EQ(touch.event().y, 0x06000000);
+    EXPECT_TRUE(mouse.networkOrder() && keyboard.networkOrder() && touch.networkOrder());
 
-    EXPECT_EQ(buffer.getType(), 28);
-    EXPECT_EQ(buffer.getSize(), 16U);
-    EXPECT_EQ(buffer.getTimestamp(), 55U);
-    EXPECT_FALSE(buffer.networkOrder());
-    EXPECT_EQ(at<std::uint8_t>(buffer, 0), 3);
-    EXPECT_EQ(at<std::int32_t>(buffer, 4), 65535);
-    EXPECT_EQ(at<std::int32_t>(buffer, 8), 1);
-    EXPECT_EQ(at<std::uint8_t>(buffer, 12), 2);
-}
-
-TEST(InputMediaBuffer, MouseConstructorSwapsItsFourIntegersUnlessTold) {
-    IInputMediaBufferMouse buffer(5, 6, IInputMediaBufferMouse::Move, true, 1, 7, 8);
-
-    EXPECT_TRUE(buffer.networkOrder());
-    EXPECT_EQ(buffer.event().x, 0x05000000);
-    EXPECT_EQ(buffer.event().y, 0x06000000);
-    EXPECT_EQ(buffer.event().maxX, 0x07000000);
-    EXPECT_EQ(buffer.event().maxY, 0x08000000);
-    EXPECT_EQ(IInputMediaBufferMouse(5, 6, 0).event().x, 0x05000000);
-}
-
-TEST(InputMediaBuffer, KeyboardConstructorSwapsExtraUnlessTold) {
-    IInputMediaBufferKeyboard buffer(0, 0, 0x41);
-    EXPECT_TRUE(buffer.networkOrder());
-    EXPECT_EQ(buffer.event().extra, 0x41000000U);
-}
-
-TEST(InputMediaBuffer, TouchConstructorSwapsThePointUnlessTold) {
-    IInputMediaBufferTouch buffer(1, 5, 6, 0);
-    EXPECT_TRUE(buffer.networkOrder());
-    EXPECT_EQ(buffer.event().x, 0x05000000);
-    EXPECT_EQ(buffer.event().y, 0x06000000);
+    const auto copy = copiesOf(mouse).front();
+    EXPECT_EQ(copy->event().x, 5);
+    EXPECT_EQ(copy->event().maxY, 8);
+    EXPECT_TRUE(copy->networkOrder());
+    EXPECT_EQ(copiesOf(*copy).back()->event().x, 0x05000000);
+    EXPECT_EQ(copiesOf(keyboard).front()->event().extra, 0x41U);
+    EXPECT_EQ(copiesOf(touch).front()->event().y, 6);
 }
 
 TEST(InputMediaBuffer, EventsBuiltInPlaceKeepTheirIntegers) {
-    IInputMediaBufferMouse mouse({.x = 5, .y = 6, .type = 2, .maxX = 0, .maxY = 0}, true, 9);
-    IInputMediaBufferKeyboard keyboard({.ch = 0, .type = 1, .extra = 0x41}, true);
-    IInputMediaBufferTouch touch({.id = 1, .x = 5, .y = 6, .type = 2}, true, 9);
+    Mouse mouse({.x = 5, .y = 6, .type = 2, .maxX = 0, .maxY = 0}, true, 9);
+    Keyboard keyboard({.ch = 0, .type = 1, .extra = 0x41}, true);
+    Touch touch({.id = 1, .x = 5, .y = 6, .type = 2}, true, 9);
 
     EXPECT_EQ(mouse.event().x, 5);
     EXPECT_EQ(keyboard.event().extra, 0x41U);
@@ -99,74 +106,20 @@ TEST(InputMediaBuffer, EventsBuiltInPlaceKeepTheirIntegers) {
     EXPECT_TRUE(mouse.networkOrder() && keyboard.networkOrder() && touch.networkOrder());
 }
 
-TEST(InputMediaBuffer, MissingTimestampBecomesNow) {
+TEST(InputMediaBuffer, MissingTimestampBecomesNowAndStays) {
     const std::uint64_t before = IMediaBuffer::getNowTimestamp();
-    IInputMediaBufferMouse mouse(0, 0, 0);
-    IInputMediaBufferTouch touch(1, 0, 0, 0);
+    Mouse mouse(0, 0, 0);
+    Touch touch(1, 0, 0, 0);
     const std::uint64_t after = IMediaBuffer::getNowTimestamp();
+    Keyboard keyboard(1, 0, 0);
+    for (IMediaBuffer* buffer : std::vector<IMediaBuffer*>{&mouse, &touch, &keyboard})
+        buffer->setTimestamp(after + 77);
 
     for (const std::uint64_t timestamp : {mouse.getTimestamp(), touch.getTimestamp()}) {
         EXPECT_GE(timestamp, before);
         EXPECT_LE(timestamp, after);
     }
-}
-
-TEST(InputMediaBuffer, TimestampIsFixedAtConstruction) {
-    IInputMediaBufferMouse mouse(0, 0, 0, false, 9);
-    IInputMediaBufferTouch touch(1, 0, 0, 0, false, 9);
-    IInputMediaBufferKeyboard keyboard(1, 0, 0);
-    for (IMediaBuffer* buffer : std::vector<IMediaBuffer*>{&mouse, &touch, &keyboard})
-        buffer->setTimestamp(77);
-
-    EXPECT_EQ(mouse.getTimestamp(), 9U);
-    EXPECT_EQ(touch.getTimestamp(), 9U);
     EXPECT_EQ(keyboard.getTimestamp(), 0U);
-}
-
-TEST(InputMediaBuffer, PayloadIsTheSameThroughEveryPointer) {
-    IInputMediaBufferMouse mouse(1, 2, 0);
-    IInputMediaBufferTouch touch(1, 2, 3, 0);
-    IInputMediaBufferKeyboard keyboard(1, 0, 0);
-    for (IMediaBuffer* buffer : std::vector<IMediaBuffer*>{&mouse, &touch, &keyboard}) {
-        ASSERT_NE(buffer->getRawBuffer(), nullptr);
-        EXPECT_EQ(buffer->map(), buffer->getRawBuffer());
-        EXPECT_EQ(buffer->map(0), buffer->getRawBuffer());
-        EXPECT_FALSE(buffer->getRawMediaContext());
-        EXPECT_EQ(buffer->getWidth(), 0xFFFFFFFFU);
-    }
-}
-
-TEST(InputMediaBuffer, CopyInHostOrderIsEqualAndSeparate) {
-    IInputMediaBufferMouse source(5, -6, 2, false, 9, 7, 8);
-    for (const auto& copy : {source.copy(), source.soft_copy(), source.copy(3, 4)}) {
-        EXPECT_NE(copy->getRawBuffer(), source.getRawBuffer());
-        EXPECT_EQ(copy->getType(), 10);
-        EXPECT_EQ(copy->getTimestamp(), 9U);
-        EXPECT_EQ(at<std::int32_t>(*copy, 0), 5);
-        EXPECT_EQ(at<std::int32_t>(*copy, 4), -6);
-        EXPECT_EQ(at<std::uint8_t>(*copy, 8), 2);
-        EXPECT_EQ(at<std::int32_t>(*copy, 12), 7);
-        EXPECT_EQ(at<std::int32_t>(*copy, 16), 8);
-        EXPECT_FALSE(networkOrderOf(copy));
-    }
-}
-
-TEST(InputMediaBuffer, CopyInNetworkOrderIsSwappedByTheConstructor) {
-    IInputMediaBufferMouse mouse(5, 6, 2, true, 9);
-    IInputMediaBufferKeyboard keyboard(0, 1, 0x41, true);
-    IInputMediaBufferTouch touch(4, 5, 6, 1, true, 9);
-    const auto mouseCopy = mouse.soft_copy();
-    const auto keyboardCopy = keyboard.copy();
-    const auto touchCopy = touch.copy();
-
-    EXPECT_EQ(at<std::int32_t>(*mouseCopy, 0), 5);
-    EXPECT_TRUE(networkOrderOf(mouseCopy));
-    EXPECT_EQ(at<std::uint8_t>(*keyboardCopy, 1), 1);
-    EXPECT_EQ(at<std::uint32_t>(*keyboardCopy, 4), 0x41U);
-    EXPECT_EQ(at<std::uint8_t>(*touchCopy, 0), 4);
-    EXPECT_EQ(at<std::int32_t>(*touchCopy, 8), 6);
-    EXPECT_EQ(touchCopy->getTimestamp(), 9U);
-    EXPECT_EQ(at<std::int32_t>(*mouseCopy->copy(), 0), 0x05000000);
 }
 
 } // namespace

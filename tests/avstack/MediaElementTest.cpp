@@ -8,6 +8,7 @@
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -17,6 +18,7 @@ namespace orbelantine {
 namespace {
 
 using test::CapturedLog;
+using Buffers = std::vector<boost::shared_ptr<IMediaBuffer>>;
 using Lines = std::vector<CapturedLog::Line>;
 using Proxy = IMediaElement::TemplateProxySimplified<IMediaElement>;
 
@@ -32,7 +34,7 @@ class Recorder : public IMediaElement {
     }
 
     std::vector<std::string> calls;
-    std::vector<boost::shared_ptr<IMediaBuffer>> frames;
+    Buffers frames;
 };
 
 boost::shared_ptr<IMediaBuffer> makeBuffer() {
@@ -43,17 +45,13 @@ Lines traceOf(const std::string& name) {
     return {{kLogDebug, "Entering function " + name}, {kLogDebug, "Leaving function " + name}};
 }
 
-TEST(MediaElement, StartWithACallbackStartsThenReportsSuccess) {
-    Recorder element;
-    element.start(
-        [&](error_code result) { element.calls.push_back(result ? "failure" : "success"); });
-    EXPECT_EQ(element.calls, (std::vector<std::string>{"start", "success"}));
-}
-
-TEST(MediaElement, StartDropsItsCallback) {
+TEST(MediaElement, StartWithACallbackStartsReportsSuccessAndDropsIt) {
     Recorder element;
     const auto held = boost::make_shared<int>(0);
-    element.start([held](error_code) {});
+    element.start([&element, held](error_code result) {
+        element.calls.push_back(result ? "failure" : "success");
+    });
+    EXPECT_EQ(element.calls, (std::vector<std::string>{"start", "success"}));
     EXPECT_EQ(held.use_count(), 1);
 }
 
@@ -67,42 +65,32 @@ TEST(MediaElement, NamesOfNullAndForwardingElements) {
 TEST(MediaElement, BaseOperationsOnlyTraceUnderTheirNames) {
     CapturedLog log(kLogDebug);
     IInputTarget::Dummy element;
-    const std::string base = "orbelantine::IMediaElement::";
-
-    element.start();
-    EXPECT_EQ(log.take(), traceOf(base + "start"));
-    element.stop();
-    EXPECT_EQ(log.take(), traceOf(base + "stop"));
-    element.pause();
-    EXPECT_EQ(log.take(), traceOf(base + "pause"));
-    element.resume();
-    EXPECT_EQ(log.take(), traceOf(base + "resume"));
-    element.registerTarget(boost::make_shared<IMediaElement::Dummy>());
-    EXPECT_EQ(log.take(), traceOf(base + "registerTarget"));
-    element.onFrame(makeBuffer());
-    EXPECT_EQ(log.take(), traceOf(base + "onFrame"));
-    element.refresh();
-    EXPECT_EQ(log.take(), traceOf(base + "refresh"));
-    element.flush();
-    EXPECT_EQ(log.take(), traceOf(base + "flush"));
+    const std::pair<const char*, std::function<void()>> operations[] = {
+        {"start", [&] { element.start(); }},
+        {"stop", [&] { element.stop(); }},
+        {"pause", [&] { element.pause(); }},
+        {"resume", [&] { element.resume(); }},
+        {"registerTarget", [&] { element.registerTarget(boost::make_shared<Recorder>()); }},
+        {"onFrame", [&] { element.onFrame(makeBuffer()); }},
+        {"refresh", [&] { element.refresh(); }},
+        {"flush", [&] { element.flush(); }}};
+    for (const auto& [name, perform] : operations) {
+        perform();
+        EXPECT_EQ(log.take(), traceOf(std::string("orbelantine::IMediaElement::") + name));
+    }
 }
 
-TEST(MediaElement, PassThroughHandsTheSameBufferOn) {
+TEST(MediaElement, PassThroughHandsTheSameBufferOnIfThereIsATarget) {
     IInputSource::PassThrough source;
     const auto target = boost::make_shared<Recorder>();
     const auto buffer = makeBuffer();
+    source.onFrame(buffer);
+    EXPECT_EQ(buffer.use_count(), 1);
     source.registerTarget(target);
     source.onFrame(buffer);
 
     EXPECT_EQ(source.getTarget(), target);
-    EXPECT_EQ(target->frames, (std::vector<boost::shared_ptr<IMediaBuffer>>{buffer}));
-}
-
-TEST(MediaElement, PassThroughWithoutTargetDropsTheBuffer) {
-    IInputSource::PassThrough source;
-    const auto buffer = makeBuffer();
-    source.onFrame(buffer);
-    EXPECT_EQ(buffer.use_count(), 1);
+    EXPECT_EQ(target->frames, (Buffers{buffer}));
 }
 
 TEST(MediaElement, ProxyCallsItsFunctionAndLeavesTheTargetToIt) {
@@ -121,17 +109,13 @@ TEST(MediaElement, ProxyCallsItsFunctionAndLeavesTheTargetToIt) {
     EXPECT_EQ(proxy.getName(), "proxy");
 }
 
-TEST(MediaElement, ProxyWithAnEmptyFunctionThrowsAtTheCall) {
-    Proxy proxy(Proxy::Handler(), "proxy");
-    EXPECT_THROW(proxy.onFrame(makeBuffer()), boost::bad_function_call);
-}
-
-TEST(MediaElement, ProxyTracesRegistrationUnderItsFullName) {
+TEST(MediaElement, ProxyWithAnEmptyFunctionTracesRegistrationAndThrowsAtTheCall) {
     CapturedLog log(kLogDebug);
     Proxy proxy(Proxy::Handler(), "proxy");
     proxy.registerTarget(boost::make_shared<Recorder>());
     EXPECT_EQ(log.take(), traceOf("orbelantine::IMediaElement::TemplateProxySimplified<class "
                                   "orbelantine::IMediaElement>::registerTarget"));
+    EXPECT_THROW(proxy.onFrame(makeBuffer()), boost::bad_function_call);
 }
 
 } // namespace

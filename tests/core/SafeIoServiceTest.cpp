@@ -59,5 +59,14 @@ TEST(SafeIoService, FaultAloneIsLoggedAndToldAndEndsTheRun) {
     EXPECT_TRUE(ran && told.empty());
 }
 
+TEST(SafeIoService, WhatHasNotBegunByTheStopDoesNotRun) {
+    boost::asio::io_context ioService;
+    bool ran = false;
+    boost::asio::post(ioService, [&] { ioService.stop(); });
+    boost::asio::post(ioService, [&] { ran = true; });
+    safeIoServiceRunWithPtr(&ioService);
+    EXPECT_FALSE(ran);
+}
+
 } // namespace
 } // namespace orbelantine

@@ -2,6 +2,7 @@
 
 #include "input/IInputContext.h"
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -18,6 +19,8 @@ class FakeInputContext final : public IInputContext {
     std::int32_t mouseSpeed = DEFAULT_MOUSE_SPEED;
     /// Whether points can be converted and the rectangle be read.
     bool answers = true;
+    /// Takes what is asked of the mouse, in place of takeCalls.
+    std::function<void(const std::string&)> onMouseCall;
 
     /// The key gives this character from now on; 0 for none.
     void simulateCharacter(std::uint32_t vk, std::uint16_t character) {
@@ -90,6 +93,8 @@ class FakeInputContext final : public IInputContext {
     }
 
     void record(std::string call) {
+        if (onMouseCall)
+            return onMouseCall(call);
         const std::lock_guard lock(mMutex);
         mCalls.push_back(std::move(call));
     }

@@ -3,6 +3,7 @@
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
 #include "input/InputContextComposite.h"
+#include "input/InputTypeFlags.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
 #include "tests/input/Standins.h"
@@ -304,15 +305,17 @@ TEST_F(GenericInputSourceTest, PhoneHoldsNoKeyOnceTheFocusIsLost) {
     }
 }
 
-/// With the mouse source of the product.
-TEST(GenericInputSource, WindowsKeyboardHostAndStopMayRace) {
-    constexpr int kRestarts = 50;
+/// With the mouse sources of the product.
+void raceWithStops(std::uint32_t mouseFlag, int restarts) {
+    const Standin<IBluetoothHIDDeviceClient> device("IBluetoothHIDDeviceClient",
+                                                    "WindowsBluetoothHIDDeviceClient",
+                                                    boost::make_shared<FakeHidDevice>(2));
     const auto surface = boost::make_shared<test::FakeInputContext>();
     const auto pen = boost::make_shared<test::FakeInputContext>();
     const auto composite = boost::make_shared<InputContextComposite>();
     composite->setMainInputContext(surface);
     composite->addSecondaryContext("pen", pen);
-    Source made(composite, InputFormat(3, 2, 2, 1), false, "8.0");
+    Source made(composite, InputFormat(3, 2, 1, mouseFlag), false, "8.0");
     std::atomic<bool> done = false;
     const auto repeat = [&](auto act) {
         return [&done, act] {
@@ -321,8 +324,11 @@ TEST(GenericInputSource, WindowsKeyboardHostAndStopMayRace) {
         };
     };
     std::thread window(repeat([&](int i) {
+        surface->onLogicalDimensionsChanged(1080, 2340, i % 2 + 1, 0);
+        surface->onRotationChanged(i % 4 + 1);
         surface->onAbsoluteMouseMove(i, 1);
         surface->simulateClick(i, 2);
+        surface->onRelativeMouseMove(5, i % 3);
         surface->onRelativeMouseWheel(i, 3, 3);
     }));
     std::thread penWindow(repeat([&](int i) {
@@ -336,10 +342,10 @@ TEST(GenericInputSource, WindowsKeyboardHostAndStopMayRace) {
         if (i % 50 == 0)
             surface->onInputSurfaceLostFocus();
     }));
-    for (int i = 0; i < kRestarts; ++i) {
+    for (int i = 0; i < restarts; ++i) {
         EXPECT_EQ(made.target->take(), std::vector<InputFrame>());
         made.source->start();
-        std::this_thread::yield();
+        EXPECT_TRUE(made.target->awaitMouse());
         made.source->stop();
         (void)made.target->take();
     }
@@ -353,6 +359,11 @@ TEST(GenericInputSource, WindowsKeyboardHostAndStopMayRace) {
     made.source.reset();
     last.join();
     EXPECT_TRUE(composite->onKeyDown.empty());
+}
+
+TEST(GenericInputSource, WindowsKeyboardHostAndStopMayRace) {
+    raceWithStops(kAbsoluteInput, 50);
+    raceWithStops(kRelativeInput, 5);
 }
 
 } // namespace

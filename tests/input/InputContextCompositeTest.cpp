@@ -91,15 +91,6 @@ TEST_F(InputContextCompositeTest, QuestionsGoToTheMainSurfaceAlone) {
     EXPECT_EQ(other->takeCalls(), Strings());
 }
 
-TEST_F(InputContextCompositeTest, ReplacedMainSurfaceIsNoLongerHeard) {
-    composite.setMainInputContext(main);
-    composite.setMainInputContext(other);
-    main->onRotationChanged(1);
-    EXPECT_EQ(heard, 0);
-    other->onRotationChanged(1);
-    EXPECT_EQ(heard, 1);
-}
-
 TEST_F(InputContextCompositeTest, RemovingKeepsTheEntryAndComplainsOnlyOfUnknownIds) {
     const std::string name = "orbelantine::InputContextComposite::";
     const test::CapturedLog::Line removing{kLogTrace, name + "removeSecondaryContext() id=pen"};
@@ -123,15 +114,24 @@ TEST_F(InputContextCompositeTest, RemovingKeepsTheEntryAndComplainsOnlyOfUnknown
     EXPECT_EQ(heard, 1);
 }
 
-TEST_F(InputContextCompositeTest, ReplacedSecondarySurfaceStaysHeard) {
-    composite.addSecondaryContext("pen", main);
-    composite.addSecondaryContext("pen", other);
+TEST_F(InputContextCompositeTest, ASurfaceIsHeardAfterItsReplacementUnlessItWasTheMainOne) {
+    composite.setMainInputContext(main);
+    composite.setMainInputContext(other);
     main->onRotationChanged(1);
+    EXPECT_EQ(heard, 0);
     other->onRotationChanged(1);
-    EXPECT_EQ(heard, 2);
+    EXPECT_EQ(heard, 1);
+
+    const auto tablet = boost::make_shared<FakeInputContext>();
+    composite.addSecondaryContext("pen", main);
+    composite.addSecondaryContext("pen", tablet);
+    main->onRotationChanged(1);
+    tablet->onRotationChanged(1);
+    EXPECT_EQ(heard, 3);
     composite.removeSecondaryContext("pen");
     main->onRotationChanged(1);
-    EXPECT_EQ(heard, 2);
+    tablet->onRotationChanged(1);
+    EXPECT_EQ(heard, 3);
 }
 
 } // namespace

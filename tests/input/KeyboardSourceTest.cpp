@@ -123,7 +123,7 @@ TEST(KeyboardSource, CtrlSpaceBecomesWinSpaceFromAndroid7On) {
         EXPECT_EQ(Keyboard(version, 0, true).sent(typed), typed) << version;
     }
     EXPECT_EQ(Keyboard("8").sent("+39 -39"), "+39 -39");
-    EXPECT_EQ(Keyboard("8").sent(typed + ' ' + typed), withWin + ' ' + withWin);
+    EXPECT_EQ(Keyboard("8").sent(typed + " +39 -39 " + typed), withWin + " +39 -39 " + withWin);
     // A space that was down before Ctrl repeats; the focus goes while Win stands for Ctrl.
     EXPECT_EQ(Keyboard("8").sent("+39 +1d +39 !"), "+39 +1d -1d +db -39 -db");
     EXPECT_EQ(Keyboard("8").sent("+1d +39 ! +39 -39"), "+1d -1d +db +39 -39 -db +39 -39 -db");
@@ -154,6 +154,11 @@ TEST(KeyboardSource, PhoneForAbsoluteInputGetsCharacters) {
         keyboard.context->simulateCharacter(65, 0x20AC);
         EXPECT_EQ(keyboard.sent("+1e +1e -1e ! +1d -1d"), frames);
     }
+    // A key that has come to give a character while it was held.
+    Keyboard keyboard("", 1);
+    EXPECT_EQ(keyboard.sent("+1e"), "+1e");
+    keyboard.context->simulateCharacter(65, 'a');
+    EXPECT_EQ(keyboard.sent("-1e !"), "-u61 -1e");
 }
 
 TEST(KeyboardSource, LogTellsKeysCharactersAndTheSubstitution) {

@@ -75,6 +75,16 @@ class RecordingTarget final : public IMediaElement {
         return std::exchange(mFrames, {});
     }
 
+    /// Waits for a frame of the mouse.
+    [[nodiscard]] bool awaitMouse() {
+        std::unique_lock lock(mMutex);
+        const auto isMouse = [](const InputFrame& frame) {
+            return frame.mediaType == eMediaTypeMouse;
+        };
+        return mArrived.wait_for(lock, kPatience,
+                                 [&] { return std::ranges::any_of(mFrames, isMouse); });
+    }
+
     /// Waits for `last`, and takes all frames up to it and with it. Empty if it doesn't come.
     [[nodiscard]] std::vector<InputFrame> takeUpTo(const InputFrame& last) {
         std::unique_lock lock(mMutex);

@@ -89,8 +89,8 @@ class FakeHidDevice : public IBluetoothHIDDeviceClient {
 };
 
 /// As long as it lives, the factory gives `object` for an implementation's name.
-template <class Interface>
-class Standin final : public OSALCreator<Interface> {
+template <class Interface, class... CtorArgs>
+class Standin final : public OSALCreator<Interface, CtorArgs...> {
   public:
     Standin(const char* interfaceName, const char* name, boost::shared_ptr<Interface> object)
         : mName(name)
@@ -101,7 +101,7 @@ class Standin final : public OSALCreator<Interface> {
 
     ~Standin() override { OSALFactory::registerFactory(mName, mReplaced); }
 
-    [[nodiscard]] boost::shared_ptr<Interface> create(const KVStore&) const override {
+    [[nodiscard]] boost::shared_ptr<Interface> create(const KVStore&, CtorArgs...) const override {
         return mObject;
     }
 

@@ -129,10 +129,11 @@ TEST_F(ServiceProfileTest, CallsOfBlueZAreAnsweredFromTheLoop) {
     EXPECT_EQ(bluez.profile().path, "/orbelantine/hid") << "withdrawn once more";
 }
 
-TEST_F(ServiceProfileTest, LostBusIsSaidOnce) {
+TEST_F(ServiceProfileTest, CrashOfBlueZAndLostBusAreSaidOnce) {
     std::optional<FakeBlueZ> bluez(std::in_place, mBus.address());
     publish();
     bluez.reset();
+    EXPECT_EQ(said(), "BlueZ has withdrawn the service record, as it does at its end");
     mBus.stop();
     EXPECT_EQ(said(), "D-Bus has gone, and the service record with it");
     EXPECT_EQ(mProfile->wanted().fd, -1);
