@@ -2,6 +2,7 @@
 
 namespace orbelantine {
 
+// An override may keep it. NOLINTNEXTLINE(performance-unnecessary-value-param)
 void IBluetoothService::forceDisconnect(Completion completion) {
     complete(completion, error_code());
 }
