@@ -1,3 +1,4 @@
+#include "bench/OneProcessor.h"
 #include "bluetooth/linux/FileDescriptor.h"
 #include "core/common/IoThread.h"
 #include "hid/BluetoothHIDClientManager.h"
@@ -65,6 +66,7 @@ class SocketDevice final : public IHIDDeviceClient {
 
 /// From the source's frame to the device's socket, with the idle timer running.
 void inputRoadOurs(benchmark::State& state) {
+    const bench::OneProcessor one;
     test::ChainScript script;
     boost::shared_ptr<test::FakeInputSource> source;
     const test::FactoryOverride<IHIDDeviceClient> devices(
@@ -83,6 +85,7 @@ void inputRoadOurs(benchmark::State& state) {
 
 /// The same hops between the threads, and the write.
 void inputRoadBare(benchmark::State& state) {
+    const bench::OneProcessor one;
     PhoneSocket socket;
     IoThread worker("BareIoThread");
     for (auto _ : state) {

@@ -2,6 +2,7 @@
 #include "avstack/IInputSource.h"
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
+#include "bench/OneProcessor.h"
 #include "core/common/KVStore.h"
 #include "core/common/OSAL.h"
 #include "input/IInputContext.h"
@@ -123,6 +124,7 @@ class Target final : public IMediaElement {
 };
 
 void moveOurs(benchmark::State& state) {
+    const bench::OneProcessor one;
     News news;
     Poster poster;
     const auto surface = boost::make_shared<Surface>();
@@ -149,6 +151,7 @@ void moveOurs(benchmark::State& state) {
 }
 
 void moveBare(benchmark::State& state) {
+    const bench::OneProcessor one;
     News news;
     Poster poster;
     Poster worker;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 namespace orbelantine {
 
@@ -64,9 +65,15 @@ void lumiport_log_vfmt(unsigned level, const char* tag, const char* format,
     const LogMessage entry(level, tag);
     if (!entry.wanted())
         return;
-    char text[kTextSize] = {};
-    // What does not fit is cut; what is refused leaves what came before it.
-    (void)std::vsnprintf(text, sizeof text, format, arguments);
+    char text[kTextSize];
+    std::va_list again;
+    va_copy(again, arguments);
+    // What does not fit is cut; what is refused leaves what came before it, without an end.
+    if (std::vsnprintf(text, sizeof text, format, arguments) < 0) {
+        std::fill(std::begin(text), std::end(text), '\0');
+        (void)std::vsnprintf(text, sizeof text, format, again);
+    }
+    va_end(again);
     entry.write(text);
 }
 
