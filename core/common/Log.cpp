@@ -63,7 +63,7 @@ void lumiport_log(unsigned level, const char* tag, const char* message) {
 void lumiport_log_vfmt(unsigned level, const char* tag, const char* format,
                        std::va_list arguments) {
     const LogMessage entry(level, tag);
-    if (!entry.wanted())
+    if (!entry.wanted() || format == nullptr)
         return;
     char text[kTextSize];
     std::va_list again;
