@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/PipelineNames.h"
+#include "core/common/config/PipelineNames.h"
 
 #include <cstdint>
 #include <string>

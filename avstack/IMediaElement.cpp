@@ -1,6 +1,6 @@
 #include "avstack/IMediaElement.h"
 
-#include "core/common/Log.h"
+#include "core/common/log/Log.h"
 
 #include <boost/function.hpp>
 

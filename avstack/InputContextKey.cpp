@@ -1,6 +1,6 @@
 #include "avstack/InputContextKey.h"
 
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 
 namespace orbelantine {
 

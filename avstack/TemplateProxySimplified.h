@@ -1,7 +1,7 @@
 #pragma once
 
 #include "avstack/IMediaElement.h"
-#include "core/common/Log.h"
+#include "core/common/log/Log.h"
 
 #include <boost/function.hpp>
 

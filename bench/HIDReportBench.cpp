@@ -3,11 +3,11 @@
 #include "avstack/IInputMediaBufferKeyboard.h"
 #include "avstack/IInputMediaBufferMouse.h"
 #include "bench/AllocationCounter.h"
-#include "core/common/KVStore.h"
-#include "hid/HIDMediaReportConverter.h"
-#include "hid/HIDReport.h"
-#include "hid/HIDReportLayout.h"
-#include "hid/HIDReportState.h"
+#include "core/common/config/KVStore.h"
+#include "hid/reports/HIDMediaReportConverter.h"
+#include "hid/reports/HIDReport.h"
+#include "hid/reports/HIDReportLayout.h"
+#include "hid/reports/HIDReportState.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/smart_ptr/make_shared_object.hpp>

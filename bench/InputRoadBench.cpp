@@ -1,8 +1,8 @@
 #include "bench/OneProcessor.h"
 #include "bluetooth/linux/FileDescriptor.h"
-#include "core/common/IoThread.h"
-#include "hid/BluetoothHIDClientManager.h"
-#include "hid/IHIDDeviceClient.h"
+#include "core/common/run/IoThread.h"
+#include "hid/channel/IHIDDeviceClient.h"
+#include "hid/link/BluetoothHIDClientManager.h"
 #include "tests/hid/HidChainFixture.h"
 
 #include <benchmark/benchmark.h>

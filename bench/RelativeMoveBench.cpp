@@ -3,10 +3,10 @@
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
 #include "bench/OneProcessor.h"
-#include "core/common/KVStore.h"
 #include "core/common/OSAL.h"
-#include "input/IInputContext.h"
-#include "input/InputTypeFlags.h"
+#include "core/common/config/KVStore.h"
+#include "input/context/IInputContext.h"
+#include "input/sources/InputTypeFlags.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/asio/executor_work_guard.hpp>

@@ -2,9 +2,9 @@
 // strategies that it may use.
 
 #include "bench/AllocationCounter.h"
-#include "input/AndroidMouseReverser.h"
 #include "input/android/LeastSquaresVelocityTrackerStrategy.h"
 #include "input/android/VelocityTracker.h"
+#include "input/sources/AndroidMouseReverser.h"
 #include "tests/support/HandClock.h"
 
 #include <benchmark/benchmark.h>

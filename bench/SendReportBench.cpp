@@ -1,9 +1,9 @@
 #include "bluetooth/DriverProtocol.h"
 #include "bluetooth/linux/DeviceFolder.h"
 #include "bluetooth/linux/FileDescriptor.h"
-#include "core/common/KVStore.h"
-#include "hid/HIDDeviceClient.h"
-#include "hid/HIDReportProvider.h"
+#include "core/common/config/KVStore.h"
+#include "hid/channel/HIDDeviceClient.h"
+#include "hid/reports/HIDReportProvider.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/smart_ptr/make_shared.hpp>

@@ -1,5 +1,5 @@
 #include "bench/AllocationCounter.h"
-#include "core/common/StateMachine.h"
+#include "core/common/run/StateMachine.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/asio/executor_work_guard.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "binding/CallbackFamilies.h"
-#include "input/IInputContext.h"
+#include "input/context/IInputContext.h"
 
 #define ORB_CALLBACK_FAMILY ORB_CALLBACK_IMPL
 #include "binding/CallbackTableInput.inc"

@@ -1,8 +1,8 @@
 // Small values and probes of the foundation.
 
 %{
-#include "core/common/CMacAddress.h"
-#include "core/common/FocusAssist.h"
+#include "core/common/types/CMacAddress.h"
+#include "core/common/probes/FocusAssist.h"
 %}
 
 namespace orbelantine {

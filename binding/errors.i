@@ -1,9 +1,9 @@
 // Error codes, their categories, and a class for each area of the numbering.
 
 %{
-#include "core/common/ErrorCode.h"
-#include "core/common/ErrorAreas.h"
-#include "core/common/SwigErrorCategory.h"
+#include "core/common/errors/ErrorCode.h"
+#include "core/common/errors/ErrorAreas.h"
+#include "core/common/errors/SwigErrorCategory.h"
 %}
 
 namespace boost { namespace system {
@@ -63,4 +63,4 @@ struct AREA {
 };
 }
 %enddef
-%include "core/common/ErrorAreas.inc"
+%include "core/common/errors/ErrorAreas.inc"

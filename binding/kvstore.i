@@ -1,5 +1,5 @@
 %{
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 %}
 
 namespace orbelantine {

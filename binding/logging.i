@@ -2,7 +2,7 @@
 // full; the proxies pass a format without arguments, in which "%%" stands for a percent sign.
 
 %{
-#include "core/common/Log.h"
+#include "core/common/log/Log.h"
 #include <cstdarg>
 %}
 

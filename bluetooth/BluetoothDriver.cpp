@@ -2,10 +2,10 @@
 
 #include "bluetooth/DevicePath.h"
 #include "bluetooth/DriverHandles.h"
-#include "core/common/ApiCategory.h"
-#include "core/common/ErrorAreas.h"
-#include "core/common/IoThread.h"
-#include "core/common/Log.h"
+#include "core/common/errors/ApiCategory.h"
+#include "core/common/errors/ErrorAreas.h"
+#include "core/common/log/Log.h"
+#include "core/common/run/IoThread.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bluetooth/DriverApi.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <boost/function/function1.hpp>
 

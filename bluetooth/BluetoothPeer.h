@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/CMacAddress.h"
-#include "core/common/Clock.h"
+#include "core/common/run/Clock.h"
+#include "core/common/types/CMacAddress.h"
 
 #include <cstdint>
 #include <string>

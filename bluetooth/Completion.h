@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <boost/function.hpp>
 

@@ -1,6 +1,6 @@
 #include "bluetooth/DevicePath.h"
 
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <memory>
 

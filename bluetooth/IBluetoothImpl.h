@@ -1,8 +1,8 @@
 #pragma once
 
 #include "bluetooth/Completion.h"
-#include "core/common/CMacAddress.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
+#include "core/common/types/CMacAddress.h"
 
 #include <boost/signals2/signal.hpp>
 

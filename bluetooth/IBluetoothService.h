@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bluetooth/Completion.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <boost/signals2/signal.hpp>
 

@@ -1,8 +1,8 @@
 #include "bluetooth/WindowsBluetoothHIDDevice.h"
 
 #include "bluetooth/DriverProtocol.h"
-#include "core/common/ErrorAreas.h"
-#include "core/common/Log.h"
+#include "core/common/errors/ErrorAreas.h"
+#include "core/common/log/Log.h"
 
 #include <algorithm>
 #include <bit>

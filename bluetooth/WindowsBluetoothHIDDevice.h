@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bluetooth/BluetoothDriver.h"
-#include "core/common/Clock.h"
+#include "core/common/run/Clock.h"
 
 #include <array>
 #include <cstddef>

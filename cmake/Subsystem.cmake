@@ -4,16 +4,26 @@ else()
     set(orbelantine_platform linux)
 endif()
 
-# orbelantine_subsystem(NAME [PATH folder] [USES subsystem...] [LIBRARIES target...])
+# orbelantine_sources(VARIABLE FOLDER [ROOM...])
+# The portable sources of a folder and of its rooms, and those of the platform.
+function(orbelantine_sources variable folder)
+    list(TRANSFORM ARGN PREPEND "${folder}/" OUTPUT_VARIABLE rooms)
+    set(patterns "")
+    foreach(room IN LISTS folder rooms)
+        list(APPEND patterns "${room}/*.cpp" "${room}/${orbelantine_platform}/*.cpp")
+    endforeach()
+    file(GLOB sources CONFIGURE_DEPENDS ${patterns})
+    set(${variable} ${sources} PARENT_SCOPE)
+endfunction()
+
+# orbelantine_subsystem(NAME [PATH folder] [ROOMS folder...] [USES subsystem...] [LIBRARIES target...])
 # The object library orbelantine_NAME of a folder's portable sources and those of the platform.
 function(orbelantine_subsystem name)
-    cmake_parse_arguments(arg "" "PATH" "USES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(arg "" "PATH" "ROOMS;USES;LIBRARIES" ${ARGN})
     if(NOT arg_PATH)
         set(arg_PATH ${name})
     endif()
-    file(GLOB sources CONFIGURE_DEPENDS
-        "${PROJECT_SOURCE_DIR}/${arg_PATH}/*.cpp"
-        "${PROJECT_SOURCE_DIR}/${arg_PATH}/${orbelantine_platform}/*.cpp")
+    orbelantine_sources(sources "${PROJECT_SOURCE_DIR}/${arg_PATH}" ${arg_ROOMS})
     add_library(orbelantine_${name} OBJECT ${sources})
     list(TRANSFORM arg_USES PREPEND orbelantine_)
     target_link_libraries(orbelantine_${name}

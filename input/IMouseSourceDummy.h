@@ -1,6 +1,6 @@
 #pragma once
 
-#include "input/IMouseSource.h"
+#include "input/sources/IMouseSource.h"
 
 namespace orbelantine {
 

@@ -1,7 +1,7 @@
 #include "bluetooth/linux/DeviceFolder.h"
 
 #include "bluetooth/linux/LinuxErrors.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,7 +1,7 @@
 #include "bluetooth/linux/DeviceSocket.h"
 
 #include "bluetooth/linux/LinuxErrors.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <endian.h>
 #include <sys/socket.h>

@@ -4,7 +4,7 @@
 #include "bluetooth/linux/DeviceTable.h"
 #include "bluetooth/linux/LinuxErrors.h"
 #include "bluetooth/linux/RemovalWatch.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <cstdlib>
 #include <cwchar>

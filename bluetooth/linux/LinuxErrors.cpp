@@ -1,6 +1,6 @@
 #include "bluetooth/linux/LinuxErrors.h"
 
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <cerrno>
 

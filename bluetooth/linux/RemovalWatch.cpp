@@ -1,6 +1,6 @@
 #include "bluetooth/linux/RemovalWatch.h"
 
-#include "core/common/ThreadName.h"
+#include "core/common/run/ThreadName.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

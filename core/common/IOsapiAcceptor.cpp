@@ -1,7 +1,7 @@
 #include "core/common/IOsapiAcceptor.h"
 
-#include "core/common/Log.h"
 #include "core/common/OSAL.h"
+#include "core/common/log/Log.h"
 
 namespace orbelantine {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/ErrorCode.h"
 #include "core/common/IOsapiSocket.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <boost/function.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>

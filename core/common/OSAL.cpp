@@ -1,7 +1,7 @@
 #include "core/common/OSAL.h"
 
-#include "core/common/Log.h"
-#include "core/common/OSALTable.h"
+#include "core/common/config/OSALTable.h"
+#include "core/common/log/Log.h"
 
 #include <mutex>
 

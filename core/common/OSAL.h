@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/Exception.h"
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
+#include "core/common/errors/Exception.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>

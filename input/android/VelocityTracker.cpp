@@ -1,6 +1,6 @@
 #include "input/android/VelocityTracker.h"
 
-#include "core/common/Log.h"
+#include "core/common/log/Log.h"
 
 #include <cstring>
 

@@ -1,7 +1,7 @@
 #include "bluetooth/BluetoothDriver.h"
 
-#include "core/common/ApiCategory.h"
-#include "core/common/ErrorAreas.h"
+#include "core/common/errors/ApiCategory.h"
+#include "core/common/errors/ErrorAreas.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/support/CapturedLog.h"
 

@@ -2,7 +2,7 @@
 
 #include "bluetooth/DriverApi.h"
 #include "bluetooth/DriverProtocol.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <cstdint>
 #include <cstdlib>

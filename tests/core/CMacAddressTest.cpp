@@ -1,4 +1,4 @@
-#include "core/common/CMacAddress.h"
+#include "core/common/types/CMacAddress.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/common/CallGate.h"
+#include "core/common/run/CallGate.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/common/IDelayTimer.h"
+#include "core/common/run/IDelayTimer.h"
 #include "tests/support/HandClock.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>

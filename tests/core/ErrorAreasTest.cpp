@@ -1,6 +1,6 @@
-#include "core/common/ErrorAreas.h"
+#include "core/common/errors/ErrorAreas.h"
 
-#include "core/common/ErrorCategory.h"
+#include "core/common/errors/ErrorCategory.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ struct AreaOfTable {
 const std::vector<AreaOfTable>& areas() {
     static const std::vector<AreaOfTable> table = {
 #define ORB_ERROR_AREA(Area, first, ...) {#Area, first, Area::AfterLast, &Area::getErrorCode},
-#include "core/common/ErrorAreas.inc"
+#include "core/common/errors/ErrorAreas.inc"
 #undef ORB_ERROR_AREA
     };
     return table;

@@ -1,6 +1,6 @@
-#include "core/common/ApiCategory.h"
-#include "core/common/SwigErrorCategory.h"
-#include "core/common/SystemText.h"
+#include "core/common/errors/ApiCategory.h"
+#include "core/common/errors/SwigErrorCategory.h"
+#include "core/common/errors/SystemText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/common/FocusAssist.h"
+#include "core/common/probes/FocusAssist.h"
 
 #include "tests/support/CapturedLog.h"
 

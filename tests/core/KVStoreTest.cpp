@@ -1,4 +1,4 @@
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 
 #include <gtest/gtest.h>
 

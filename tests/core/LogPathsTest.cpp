@@ -1,6 +1,6 @@
-#include "core/common/LogPaths.h"
+#include "core/common/log/LogPaths.h"
 
-#include "core/common/Log.h"
+#include "core/common/log/Log.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "core/common/OSAL.h"
 
-#include "core/common/INetworkOptimizer.h"
 #include "core/common/IPerfManager.h"
-#include "core/common/PipelineNames.h"
+#include "core/common/config/INetworkOptimizer.h"
+#include "core/common/config/PipelineNames.h"
 
 #include <boost/exception/get_error_info.hpp>
 #include <gtest/gtest.h>

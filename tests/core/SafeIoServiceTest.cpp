@@ -1,6 +1,6 @@
-#include "core/common/SafeIoService.h"
+#include "core/common/run/SafeIoService.h"
 
-#include "core/common/Exception.h"
+#include "core/common/errors/Exception.h"
 #include "tests/support/CapturedLog.h"
 
 #include <boost/asio/io_context.hpp>

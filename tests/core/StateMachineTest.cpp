@@ -1,6 +1,6 @@
-#include "core/common/StateMachine.h"
+#include "core/common/run/StateMachine.h"
 
-#include "core/common/StateEvent.h"
+#include "core/common/run/StateEvent.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
 

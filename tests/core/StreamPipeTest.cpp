@@ -1,4 +1,4 @@
-#include "core/common/StreamPipe.h"
+#include "core/common/types/StreamPipe.h"
 
 #include "tests/support/CapturedLog.h"
 

@@ -1,4 +1,4 @@
-#include "core/common/WindowsEvent.h"
+#include "core/common/run/WindowsEvent.h"
 
 #include "tests/support/CapturedLog.h"
 

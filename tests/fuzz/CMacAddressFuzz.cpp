@@ -1,6 +1,6 @@
 // Addresses from texts and numbers against a model made of the standard library's conversions.
 
-#include "core/common/CMacAddress.h"
+#include "core/common/types/CMacAddress.h"
 #include "tests/fuzz/Input.h"
 
 #include <charconv>

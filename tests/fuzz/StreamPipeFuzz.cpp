@@ -1,6 +1,6 @@
 // A StreamPipe against a flat buffer: the bytes of the input are operations and their arguments.
 
-#include "core/common/StreamPipe.h"
+#include "core/common/types/StreamPipe.h"
 #include "tests/fuzz/Input.h"
 
 #include <iterator>

@@ -1,6 +1,6 @@
-#include "hid/BluetoothHIDClientManager.h"
+#include "hid/link/BluetoothHIDClientManager.h"
 
-#include "core/common/ErrorAreas.h"
+#include "core/common/errors/ErrorAreas.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"

@@ -1,6 +1,6 @@
-#include "hid/BluetoothHIDClient.h"
+#include "hid/link/BluetoothHIDClient.h"
 
-#include "hid/IBluetoothHIDClientDummy.h"
+#include "hid/link/IBluetoothHIDClientDummy.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 

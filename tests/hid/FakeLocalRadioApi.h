@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/ErrorCode.h"
-#include "hid/LocalRadioApi.h"
+#include "core/common/errors/ErrorCode.h"
+#include "hid/channel/LocalRadioApi.h"
 
 #include <cstring>
 #include <cwchar>

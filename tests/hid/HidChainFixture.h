@@ -6,9 +6,9 @@
 #include "avstack/InputFormat.h"
 #include "bluetooth/Completion.h"
 #include "core/common/OSAL.h"
-#include "hid/IBluetoothHIDClient.h"
-#include "hid/IBluetoothSDPController.h"
-#include "hid/IHIDDeviceClient.h"
+#include "hid/channel/IHIDDeviceClient.h"
+#include "hid/link/IBluetoothHIDClient.h"
+#include "hid/link/IBluetoothSDPController.h"
 
 #include <boost/algorithm/hex.hpp>
 #include <boost/smart_ptr/make_shared.hpp>

@@ -1,8 +1,8 @@
-#include "hid/HIDDeviceClient.h"
+#include "hid/channel/HIDDeviceClient.h"
 
-#include "core/common/ErrorAreas.h"
 #include "core/common/OSAL.h"
-#include "hid/IHIDDeviceClientDummy.h"
+#include "core/common/errors/ErrorAreas.h"
+#include "hid/channel/IHIDDeviceClientDummy.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"

@@ -1,8 +1,8 @@
-#include "hid/HIDEventsPacker.h"
+#include "hid/reports/HIDEventsPacker.h"
 
 #include "avstack/IInputMediaBufferKeyboard.h"
 #include "avstack/IInputMediaBufferMouse.h"
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 #include "tests/support/CapturedLog.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>

@@ -1,7 +1,7 @@
-#include "hid/HidInputClient.h"
+#include "hid/link/HidInputClient.h"
 
 #include "bluetooth/BluetoothPeer.h"
-#include "core/common/ErrorAreas.h"
+#include "core/common/errors/ErrorAreas.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"

@@ -1,5 +1,5 @@
-#include "core/common/KVStore.h"
-#include "hid/WindowsHIDKeyTranslator.h"
+#include "core/common/config/KVStore.h"
+#include "hid/reports/WindowsHIDKeyTranslator.h"
 #include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>

@@ -2,10 +2,10 @@
 
 #include "avstack/IInputMediaBufferKeyboard.h"
 #include "avstack/IInputMediaBufferMouse.h"
-#include "core/common/KVStore.h"
-#include "hid/HIDMediaReportConverter.h"
-#include "hid/HIDReport.h"
-#include "hid/HIDReportState.h"
+#include "core/common/config/KVStore.h"
+#include "hid/reports/HIDMediaReportConverter.h"
+#include "hid/reports/HIDReport.h"
+#include "hid/reports/HIDReportState.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "hid/IHIDKeyTranslator.h"
+#include "hid/reports/IHIDKeyTranslator.h"
 #include "tests/hid/HidReportFixture.h"
 #include "tests/support/CapturedLog.h"
 

@@ -1,7 +1,7 @@
-#include "hid/HIDReportProvider.h"
+#include "hid/reports/HIDReportProvider.h"
 
 #include "avstack/IInputMediaBufferMouse.h"
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 

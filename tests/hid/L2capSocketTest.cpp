@@ -1,4 +1,4 @@
-#include "hid/L2capSocket.h"
+#include "hid/channel/L2capSocket.h"
 
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/support/CapturedLog.h"

@@ -1,6 +1,6 @@
 #include "core/common/OSAL.h"
-#include "hid/IBluetoothHIDDeviceClientDummy.h"
-#include "hid/WindowsBluetoothHIDDeviceClient.h"
+#include "hid/channel/IBluetoothHIDDeviceClientDummy.h"
+#include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/hid/FakeLocalRadioApi.h"
 #include "tests/support/CapturedLog.h"

@@ -1,4 +1,4 @@
-#include "input/AbsoluteMouseSource.h"
+#include "input/sources/AbsoluteMouseSource.h"
 
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"

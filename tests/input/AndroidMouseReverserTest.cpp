@@ -1,4 +1,4 @@
-#include "input/AndroidMouseReverser.h"
+#include "input/sources/AndroidMouseReverser.h"
 
 #include "core/common/OSAL.h"
 #include "tests/input/Traces.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "input/IInputContext.h"
+#include "input/context/IInputContext.h"
 
 #include <functional>
 #include <map>

@@ -1,9 +1,9 @@
-#include "input/GenericInputSource.h"
+#include "input/sources/GenericInputSource.h"
 
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
-#include "input/InputContextComposite.h"
-#include "input/InputTypeFlags.h"
+#include "input/context/InputContextComposite.h"
+#include "input/sources/InputTypeFlags.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
 #include "tests/input/Standins.h"

@@ -1,4 +1,4 @@
-#include "input/InputContextComposite.h"
+#include "input/context/InputContextComposite.h"
 
 #include "tests/input/FakeInputContext.h"
 #include "tests/support/CapturedLog.h"

@@ -1,8 +1,8 @@
-#include "input/KeyboardSource.h"
+#include "input/sources/KeyboardSource.h"
 
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
 #include "tests/support/CapturedLog.h"

@@ -1,4 +1,4 @@
-#include "input/RelativeCursor.h"
+#include "input/relative/RelativeCursor.h"
 
 #include <gtest/gtest.h>
 

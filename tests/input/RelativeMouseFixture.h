@@ -1,9 +1,9 @@
 #pragma once
 
 #include "avstack/TemplateProxySimplified.h"
-#include "input/IMouseReverser.h"
-#include "input/IRemoteMouseInfoProvider.h"
-#include "input/RelativeMouseSource.h"
+#include "input/relative/RelativeMouseSource.h"
+#include "input/sources/IMouseReverser.h"
+#include "input/sources/IRemoteMouseInfoProvider.h"
 #include "tests/input/FakeInputContext.h"
 #include "tests/input/RecordingTarget.h"
 #include "tests/input/Standins.h"

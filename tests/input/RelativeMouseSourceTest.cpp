@@ -1,4 +1,4 @@
-#include "input/RelativeMouseSource.h"
+#include "input/relative/RelativeMouseSource.h"
 
 #include "tests/input/RelativeMouseFixture.h"
 #include "tests/support/CapturedLog.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/common/OSAL.h"
-#include "hid/IBluetoothHIDDeviceClient.h"
-#include "input/IMouseSource.h"
+#include "hid/channel/IBluetoothHIDDeviceClient.h"
+#include "input/sources/IMouseSource.h"
 #include "tests/input/RecordingTarget.h"
 
 #include <sstream>

@@ -1,4 +1,4 @@
-#include "input/VelocityControl.h"
+#include "input/android/VelocityControl.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/common/Log.h"
-#include "core/common/LogPaths.h"
-#include "core/common/Spdlog.h"
+#include "core/common/log/Log.h"
+#include "core/common/log/LogPaths.h"
+#include "core/common/log/Spdlog.h"
 
 #include <gtest/gtest.h>
 

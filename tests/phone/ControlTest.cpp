@@ -1,6 +1,6 @@
-#include "tools/virtual_phone/Control.h"
+#include "tools/virtual_phone/program/Control.h"
 
-#include "tools/virtual_phone/Phone.h"
+#include "tools/virtual_phone/phone/Phone.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/Cursor.h"
+#include "tools/virtual_phone/phone/Cursor.h"
 
 #include "tests/support/HandClock.h"
 

@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/Driver.h"
+#include "tools/virtual_phone/driver/Driver.h"
 
 #include "tests/phone/Packets.h"
 

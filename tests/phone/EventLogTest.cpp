@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/EventLog.h"
+#include "tools/virtual_phone/log/EventLog.h"
 
 #include <gtest/gtest.h>
 

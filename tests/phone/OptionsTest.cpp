@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/Options.h"
+#include "tools/virtual_phone/program/Options.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/Phone.h"
+#include "tools/virtual_phone/phone/Phone.h"
 
 #include <gtest/gtest.h>
 

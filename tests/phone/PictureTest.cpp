@@ -1,6 +1,6 @@
-#include "tools/virtual_phone/Picture.h"
+#include "tools/virtual_phone/picture/Picture.h"
 
-#include "tools/virtual_phone/Svg.h"
+#include "tools/virtual_phone/picture/Svg.h"
 
 #include <boost/property_tree/xml_parser.hpp>
 #include <gtest/gtest.h>

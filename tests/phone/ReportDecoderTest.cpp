@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/ReportDecoder.h"
+#include "tools/virtual_phone/phone/ReportDecoder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/TextField.h"
+#include "tools/virtual_phone/phone/TextField.h"
 
 #include <gtest/gtest.h>
 

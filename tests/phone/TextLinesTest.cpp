@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/TextLines.h"
+#include "tools/virtual_phone/picture/TextLines.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/Log.h"
-#include "core/common/Spdlog.h"
+#include "core/common/log/Log.h"
+#include "core/common/log/Spdlog.h"
 
 #include <spdlog/sinks/base_sink.h>
 

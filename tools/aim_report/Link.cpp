@@ -1,9 +1,9 @@
 #include "tools/aim_report/Link.h"
 
 #include "avstack/IInputMediaBufferMouse.h"
-#include "core/common/KVStore.h"
-#include "hid/HIDReport.h"
-#include "hid/InputEvent.h"
+#include "core/common/config/KVStore.h"
+#include "hid/reports/HIDReport.h"
+#include "hid/reports/InputEvent.h"
 
 #include <chrono>
 #include <stdexcept>

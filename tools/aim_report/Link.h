@@ -1,10 +1,10 @@
 #pragma once
 
 #include "avstack/IMediaElement.h"
-#include "hid/HIDMediaReportConverter.h"
-#include "hid/HIDReportState.h"
+#include "hid/reports/HIDMediaReportConverter.h"
+#include "hid/reports/HIDReportState.h"
 #include "tools/aim_report/StepClock.h"
-#include "tools/virtual_phone/Phone.h"
+#include "tools/virtual_phone/phone/Phone.h"
 
 #include <condition_variable>
 #include <mutex>

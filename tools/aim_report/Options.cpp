@@ -1,6 +1,6 @@
 #include "tools/aim_report/Options.h"
 
-#include "tools/virtual_phone/Parse.h"
+#include "tools/program/Parse.h"
 
 namespace orbelantine::aim {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tools/aim_report/Trials.h"
-#include "tools/virtual_phone/CommandLine.h"
+#include "tools/program/CommandLine.h"
 
 #include <span>
 #include <string>

@@ -1,7 +1,7 @@
 #include "tools/aim_report/Rig.h"
 
-#include "core/common/KVStore.h"
-#include "input/IMouseSource.h"
+#include "core/common/config/KVStore.h"
+#include "input/sources/IMouseSource.h"
 #include "tools/aim_report/makeSource.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>

@@ -3,8 +3,8 @@
 #include "tools/aim_report/Link.h"
 #include "tools/aim_report/StepClock.h"
 #include "tools/aim_report/Surface.h"
-#include "tools/virtual_phone/EventLog.h"
-#include "tools/virtual_phone/Phone.h"
+#include "tools/virtual_phone/log/EventLog.h"
+#include "tools/virtual_phone/phone/Phone.h"
 
 #include <boost/smart_ptr/shared_ptr.hpp>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/Clock.h"
-#include "core/common/IDelayTimer.h"
+#include "core/common/run/Clock.h"
+#include "core/common/run/IDelayTimer.h"
 
 #include <atomic>
 

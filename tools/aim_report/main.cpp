@@ -1,8 +1,8 @@
 #include "tools/aim_report/Options.h"
 #include "tools/aim_report/Report.h"
 #include "tools/aim_report/Table.h"
-#include "tools/virtual_phone/Picture.h"
-#include "tools/virtual_phone/ProgramMain.h"
+#include "tools/program/ProgramMain.h"
+#include "tools/virtual_phone/picture/Picture.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,7 +1,7 @@
 #include "tools/aim_report/makeSource.h"
 
-#include "input/MouseSettingsApi.h"
-#include "input/RelativeMouseSource.h"
+#include "input/relative/MouseSettingsApi.h"
+#include "input/relative/RelativeMouseSource.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 

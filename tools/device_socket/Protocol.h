@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/virtual_phone/Address.h"
+#include "tools/virtual_phone/driver/Address.h"
 
 #include <boost/endian/conversion.hpp>
 

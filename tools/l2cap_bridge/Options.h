@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/virtual_phone/Address.h"
-#include "tools/virtual_phone/CommandLine.h"
+#include "tools/program/CommandLine.h"
+#include "tools/virtual_phone/driver/Address.h"
 
 #include <span>
 #include <string>

@@ -1,7 +1,7 @@
 #include "tools/l2cap_bridge/ServiceRecord.h"
 
 #include "bluetooth/DriverProtocol.h"
-#include "hid/HIDServiceRecord.h"
+#include "hid/link/HIDServiceRecord.h"
 
 #include <cstdint>
 #include <initializer_list>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/virtual_phone/linux/DeviceSocket.h"
-#include "tools/virtual_phone/linux/FileDescriptor.h"
+#include "tools/program/linux/FileDescriptor.h"
+#include "tools/virtual_phone/driver/linux/DeviceSocket.h"
 
 #include <chrono>
 #include <condition_variable>

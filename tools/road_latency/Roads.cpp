@@ -1,7 +1,7 @@
 #include "tools/road_latency/Roads.h"
 
 #include "bluetooth/BluetoothPeer.h"
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
 #include <sys/socket.h>

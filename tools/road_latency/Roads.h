@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/IoThread.h"
-#include "hid/HidInputClient.h"
+#include "core/common/run/IoThread.h"
+#include "hid/link/HidInputClient.h"
 #include "tools/aim_report/Surface.h"
 #include "tools/road_latency/Receiver.h"
 

@@ -1,8 +1,8 @@
 #include "tools/aim_report/Table.h"
+#include "tools/program/Parse.h"
+#include "tools/program/ProgramMain.h"
 #include "tools/road_latency/Receiver.h"
 #include "tools/road_latency/Roads.h"
-#include "tools/virtual_phone/Parse.h"
-#include "tools/virtual_phone/ProgramMain.h"
 
 #include <sched.h>
 

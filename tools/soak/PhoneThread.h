@@ -1,11 +1,11 @@
 #pragma once
 
-#include "tools/virtual_phone/Control.h"
-#include "tools/virtual_phone/Driver.h"
-#include "tools/virtual_phone/EventLog.h"
-#include "tools/virtual_phone/Phone.h"
-#include "tools/virtual_phone/linux/ControlPipe.h"
-#include "tools/virtual_phone/linux/DeviceServer.h"
+#include "tools/virtual_phone/driver/Driver.h"
+#include "tools/virtual_phone/driver/linux/DeviceServer.h"
+#include "tools/virtual_phone/log/EventLog.h"
+#include "tools/virtual_phone/phone/Phone.h"
+#include "tools/virtual_phone/program/Control.h"
+#include "tools/virtual_phone/program/linux/ControlPipe.h"
 
 #include <unistd.h>
 

@@ -1,6 +1,6 @@
 #include "tools/soak/Session.h"
 
-#include "core/common/KVStore.h"
+#include "core/common/config/KVStore.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
 

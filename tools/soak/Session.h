@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bluetooth/BluetoothPeer.h"
-#include "hid/HidInputClient.h"
+#include "hid/link/HidInputClient.h"
 #include "tools/soak/PhoneThread.h"
 #include "tools/soak/Surface.h"
 

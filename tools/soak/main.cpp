@@ -1,8 +1,8 @@
 #include "tools/aim_report/Table.h"
+#include "tools/program/Parse.h"
+#include "tools/program/ProgramMain.h"
 #include "tools/soak/ProcessUse.h"
 #include "tools/soak/Session.h"
-#include "tools/virtual_phone/Parse.h"
-#include "tools/virtual_phone/ProgramMain.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "bluetooth/DriverProtocol.h"
 #include "bluetooth/linux/LinuxErrors.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 #include "tests/bluetooth/linux/DeviceFolderFixture.h"
 
 #include <unistd.h>

@@ -4,8 +4,8 @@
 #include "bluetooth/DriverProtocol.h"
 #include "bluetooth/WindowsBluetoothHIDDevice.h"
 #include "bluetooth/linux/LinuxErrors.h"
-#include "core/common/ErrorAreas.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorAreas.h"
+#include "core/common/errors/ErrorCode.h"
 #include "tests/bluetooth/linux/DeviceFolderFixture.h"
 
 #include <pthread.h>

@@ -2,8 +2,8 @@
 
 #include "bluetooth/BluetoothDriver.h"
 #include "bluetooth/DriverProtocol.h"
-#include "core/common/ErrorAreas.h"
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorAreas.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>

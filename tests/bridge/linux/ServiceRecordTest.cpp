@@ -1,6 +1,6 @@
 #include "tools/l2cap_bridge/ServiceRecord.h"
 
-#include "hid/HIDServiceRecord.h"
+#include "hid/link/HIDServiceRecord.h"
 
 #include <gtest/gtest.h>
 

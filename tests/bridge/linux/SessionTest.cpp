@@ -1,6 +1,6 @@
 #include "bluetooth/DriverApi.h"
-#include "core/common/ErrorAreas.h"
-#include "hid/HIDDeviceClient.h"
+#include "core/common/errors/ErrorAreas.h"
+#include "hid/channel/HIDDeviceClient.h"
 #include "tests/bridge/linux/FakeL2cap.h"
 #include "tests/phone/linux/TestHost.h"
 #include "tests/support/HandClock.h"

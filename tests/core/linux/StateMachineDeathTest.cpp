@@ -1,4 +1,4 @@
-#include "core/common/StateMachine.h"
+#include "core/common/run/StateMachine.h"
 
 #include <gtest/gtest.h>
 

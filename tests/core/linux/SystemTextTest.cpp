@@ -1,4 +1,4 @@
-#include "core/common/SystemText.h"
+#include "core/common/errors/SystemText.h"
 
 #include <gtest/gtest.h>
 

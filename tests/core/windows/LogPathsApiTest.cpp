@@ -1,4 +1,4 @@
-#include "core/common/LogPathsApi.h"
+#include "core/common/log/LogPathsApi.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

@@ -1,4 +1,4 @@
-#include "core/common/ThreadName.h"
+#include "core/common/run/ThreadName.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

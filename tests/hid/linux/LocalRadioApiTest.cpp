@@ -1,7 +1,7 @@
-#include "hid/LocalRadioApi.h"
+#include "hid/channel/LocalRadioApi.h"
 
-#include "core/common/ErrorCode.h"
-#include "hid/WindowsBluetoothHIDDeviceClient.h"
+#include "core/common/errors/ErrorCode.h"
+#include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

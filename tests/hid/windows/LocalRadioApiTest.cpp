@@ -1,6 +1,6 @@
-#include "hid/LocalRadioApi.h"
+#include "hid/channel/LocalRadioApi.h"
 
-#include "core/common/ErrorCode.h"
+#include "core/common/errors/ErrorCode.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

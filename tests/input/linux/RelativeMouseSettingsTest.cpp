@@ -1,4 +1,4 @@
-#include "input/MouseSettingsApi.h"
+#include "input/relative/MouseSettingsApi.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "tools/virtual_phone/linux/Program.h"
+#include "tools/virtual_phone/program/linux/Program.h"
 
 #include "tests/phone/linux/TestHost.h"
 

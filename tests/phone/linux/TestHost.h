@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/phone/Packets.h"
-#include "tools/virtual_phone/linux/FileDescriptor.h"
+#include "tools/program/linux/FileDescriptor.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

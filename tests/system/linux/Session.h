@@ -1,8 +1,8 @@
 #pragma once
 
 #include "bluetooth/BluetoothPeer.h"
-#include "core/common/KVStore.h"
-#include "hid/HidInputClient.h"
+#include "core/common/config/KVStore.h"
+#include "hid/link/HidInputClient.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/input/FakeInputContext.h"
 

@@ -2,7 +2,7 @@
 
 #include "tools/l2cap_bridge/Options.h"
 #include "tools/l2cap_bridge/linux/Handle.h"
-#include "tools/virtual_phone/linux/DeviceSocket.h"
+#include "tools/virtual_phone/driver/linux/DeviceSocket.h"
 
 #include <poll.h>
 

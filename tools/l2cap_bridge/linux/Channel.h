@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tools/device_socket/Protocol.h"
-#include "tools/virtual_phone/linux/FileDescriptor.h"
+#include "tools/program/linux/FileDescriptor.h"
 
 #include <array>
 #include <chrono>

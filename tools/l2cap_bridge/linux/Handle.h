@@ -2,8 +2,8 @@
 
 #include "tools/device_socket/Protocol.h"
 #include "tools/l2cap_bridge/linux/Channel.h"
-#include "tools/virtual_phone/EventLog.h"
-#include "tools/virtual_phone/linux/FileDescriptor.h"
+#include "tools/program/linux/FileDescriptor.h"
+#include "tools/virtual_phone/log/EventLog.h"
 
 #include <poll.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/virtual_phone/Address.h"
-#include "tools/virtual_phone/linux/FileDescriptor.h"
+#include "tools/program/linux/FileDescriptor.h"
+#include "tools/virtual_phone/driver/Address.h"
 
 #include <cstddef>
 #include <cstdint>

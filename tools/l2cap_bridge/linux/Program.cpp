@@ -1,12 +1,12 @@
 #include "tools/l2cap_bridge/linux/Program.h"
 
-#include "hid/HIDServiceRecord.h"
+#include "hid/link/HIDServiceRecord.h"
 #include "tools/l2cap_bridge/ServiceRecord.h"
 #include "tools/l2cap_bridge/linux/Bridge.h"
 #include "tools/l2cap_bridge/linux/Errors.h"
 #include "tools/l2cap_bridge/linux/L2capApi.h"
 #include "tools/l2cap_bridge/linux/ServiceProfile.h"
-#include "tools/virtual_phone/linux/StopSignal.h"
+#include "tools/program/linux/StopSignal.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,7 +1,7 @@
 #include "tools/l2cap_bridge/Options.h"
 #include "tools/l2cap_bridge/linux/L2capApi.h"
 #include "tools/l2cap_bridge/linux/Program.h"
-#include "tools/virtual_phone/ProgramMain.h"
+#include "tools/program/ProgramMain.h"
 
 int main(int argc, char** argv) {
     using namespace orbelantine;

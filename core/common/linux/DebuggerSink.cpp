@@ -1,9 +1,0 @@
-#include "core/common/DebuggerSink.h"
-
-namespace orbelantine {
-
-std::shared_ptr<spdlog::sinks::sink> debuggerSink() {
-    return nullptr;
-}
-
-} // namespace orbelantine

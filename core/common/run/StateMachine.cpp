@@ -1,0 +1,13 @@
+#include "core/common/run/StateMachine.h"
+
+#include <boost/asio/executor_work_guard.hpp>
+
+namespace orbelantine {
+
+void runStateMachine(boost::asio::io_context& ioService) noexcept {
+    ORB_TRACED();
+    const auto work = boost::asio::make_work_guard(ioService);
+    ioService.run();
+}
+
+} // namespace orbelantine

@@ -1,0 +1,44 @@
+#include "input/relative/CallbackWait.h"
+
+#include "core/common/run/IDelayTimer.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
+
+#include <utility>
+
+namespace orbelantine {
+
+namespace {
+
+using boost::asio::io_context;
+
+/// What the copies of a callback share. They may outlive the wait.
+class Ending {
+  public:
+    explicit Ending(boost::shared_ptr<io_context> queue)
+        : mQueue(std::move(queue)) {}
+
+    ~Ending() { end(); }
+
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+
+    void end() { mQueue->stop(); }
+
+  private:
+    boost::shared_ptr<io_context> mQueue;
+};
+
+} // namespace
+
+bool waitForCallback(IClock& clock, IClock::Duration bound,
+                     const boost::function<void(boost::function<void(error_code)>)>& operation) {
+    const auto queue = boost::make_shared<io_context>();
+    const auto timer = clock.makeTimer(*queue, laterBy(clock.now(), bound));
+    timer->asyncWait([](const error_code&) {});
+    operation([ending = boost::make_shared<Ending>(queue)](error_code) { ending->end(); });
+    return queue->run_one() == 0;
+}
+
+} // namespace orbelantine
