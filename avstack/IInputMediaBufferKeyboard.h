@@ -19,6 +19,7 @@ class IInputMediaBufferKeyboard
         /// Scan code of set 1, extended codes with bit 7 set; 0 where `extra` tells the key.
         std::uint8_t ch;
         std::uint8_t type;
+        std::uint8_t reserved[2] = {};
         /// All ones beside a scan code; otherwise a virtual key code or a UTF-16 code unit.
         std::uint32_t extra;
     };

@@ -29,6 +29,7 @@ class IInputMediaBufferMouse : public InputMediaBuffer<IInputMediaBufferMouse, e
         /// As x; the amount for wheel events.
         std::int32_t y;
         std::uint8_t type;
+        std::uint8_t reserved[3] = {};
         std::int32_t maxX;
         std::int32_t maxY;
     };

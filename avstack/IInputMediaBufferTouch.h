@@ -16,10 +16,12 @@ class IInputMediaBufferTouch : public InputMediaBuffer<IInputMediaBufferTouch, e
     struct EventData {
         /// The contact; 0 stands for no touch, and sources then send a mouse buffer.
         std::uint8_t id;
+        std::uint8_t reserved[3] = {};
         /// 0..65535 on both axes.
         std::int32_t x;
         std::int32_t y;
         std::uint8_t type;
+        std::uint8_t reservedEnd[3] = {};
     };
 
     /// With `convert`, `x` and `y` are swapped from network to host order. A timestamp of all ones

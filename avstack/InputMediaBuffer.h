@@ -7,7 +7,8 @@
 namespace orbelantine {
 
 /// What the input event buffers share: an inline payload, the EventData of `Buffer`, which
-/// consumers read by offset, and copies that are new buffers from the stored fields.
+/// consumers read by offset (its reserved bytes are 0), and copies that are new buffers from the
+/// stored fields.
 template <class Buffer, std::uint8_t kType>
 class InputMediaBuffer : public IMediaBuffer {
   public:

@@ -1,5 +1,6 @@
 #include "bluetooth/BluetoothDriver.h"
 
+#include "bluetooth/DeviceBreaker.h"
 #include "bluetooth/DevicePath.h"
 #include "bluetooth/DriverHandles.h"
 #include "core/common/errors/ApiCategory.h"
@@ -8,6 +9,7 @@
 #include "core/common/run/IoThread.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -17,6 +19,9 @@ namespace {
 
 // Generic code of "no such device" here, for a search without a hit and for a removal.
 constexpr int kNoSuitableDevice = 19;
+
+// A request may begin only after it should have been cancelled.
+constexpr std::chrono::milliseconds kCancelAgain(10);
 
 struct ExclusivePaths {
     std::mutex mutex;
@@ -44,18 +49,25 @@ error_code noSuitableDevice() {
 
 } // namespace
 
-BluetoothDriver::BluetoothDriver(bool exclusivePath, DriverApi& api)
+BluetoothDriver::BluetoothDriver(bool exclusivePath, DriverApi& api, DeviceBreaker* breaker)
     : mApi(api)
-    , mMonitoringThread(std::make_unique<IoThread>("BluetoothDriverMonitoringThread"))
-    , mExclusivePath(exclusivePath) {}
+    , mBreaker(breaker)
+    , mExclusivePath(exclusivePath)
+    , mMonitoringThread(std::make_unique<IoThread>("BluetoothDriverMonitoringThread")) {
+    if (mBreaker)
+        mBreaker->add(*this);
+}
 
 BluetoothDriver::~BluetoothDriver() {
+    if (mBreaker)
+        mBreaker->remove(*this);
     close();
 }
 
 error_code BluetoothDriver::open(const Guid& interfaceGuid, std::uint32_t flags,
                                  RemovalCallback removalCallback) {
-    if (isOpen()) {
+    std::unique_lock life(mLife);
+    if (mHandle != DriverApi::kInvalidHandle) {
         ORB_LOG(kLogWarning, "%s() Already open");
         return DriverErrors::getErrorCode(DriverErrors::AlreadyOpen);
     }
@@ -78,18 +90,23 @@ error_code BluetoothDriver::open(const Guid& interfaceGuid, std::uint32_t flags,
     }
     if (!startDeviceRemovalMonitoring())
         ORB_LOG(kLogError, "%s() unable to start device removal monitoring, non-fatal error");
+    life.unlock();
+    if (mBreaker && mBreaker->isBreaking()) {
+        close();
+        return driverError(win32::kErrorOperationAborted, "Driver:CreateFile");
+    }
     return {};
 }
 
 // A driver that is installed and not running shows only among the devices that are not present.
 error_code BluetoothDriver::explainMissingDevice(const Guid& guid, error_code firstFailure) {
-    if (firstFailure.value() != win32::kErrorNoMoreItems)
+    if (firstFailure.value() != int{win32::kErrorNoMoreItems})
         return firstFailure;
     std::wstring path;
     const error_code ec = getUnboundDevicePath(guid, path, false);
     if (!ec)
         return DriverErrors::getErrorCode(DriverErrors::DriverFailedToLoad);
-    if (ec.value() == win32::kErrorNoMoreItems)
+    if (ec.value() == int{win32::kErrorNoMoreItems})
         return DriverErrors::getErrorCode(DriverErrors::DriverNotInstalled);
     return firstFailure;
 }
@@ -160,14 +177,17 @@ error_code BluetoothDriver::openLocked(const std::wstring& path, std::uint32_t f
                    ? DriverErrors::getErrorCode(DriverErrors::DriverNotInstalled)
                    : driverError(error, "Driver:CreateFile");
     }
-    const std::lock_guard lock(mMutex);
-    mDevicePath = path;
+    {
+        const std::lock_guard lock(mMutex);
+        mDevicePath = path;
+    }
+    ++mOpening;
     mHandle = opened;
+    mUses.open();
     return {};
 }
 
 bool BluetoothDriver::startDeviceRemovalMonitoring() {
-    const std::lock_guard lock(mMutex);
     if (mNotification != kNoNotification) {
         ORB_LOG(kLogError, "%s() Already monitoring device handle, device path: %ls",
                 mDevicePath.c_str());
@@ -189,12 +209,15 @@ DriverApi::Error BluetoothDriver::onNotification(void* context, std::uint32_t ac
     auto* driver = static_cast<BluetoothDriver*>(context);
     // Only posts: close() waits for this call to end, and may hold what the callback needs.
     if (driver && action == DriverApi::kNotifyActionQueryRemove)
-        driver->mMonitoringThread->post([driver] { driver->onDriverRemoval(); });
+        driver->mMonitoringThread->post(
+            [driver, opening = driver->mOpening.load()] { driver->onDriverRemoval(opening); });
     return win32::kErrorSuccess;
 }
 
-void BluetoothDriver::onDriverRemoval() {
+void BluetoothDriver::onDriverRemoval(std::uint64_t opening) {
     std::unique_lock lock(mMutex);
+    if (opening != mOpening)
+        return;
     const std::wstring path = mDevicePath;
     const RemovalCallback removed = mRemovalCallback;
     lock.unlock();
@@ -204,13 +227,14 @@ void BluetoothDriver::onDriverRemoval() {
 }
 
 void BluetoothDriver::close() {
-    stopDeviceRemovalMonitoring();
-    // Taken at once, so that of two closers one closes.
-    const DriverApi::Handle opened = mHandle.exchange(DriverApi::kInvalidHandle);
-    if (opened != DriverApi::kInvalidHandle) {
+    const std::lock_guard life(mLife);
+    const DriverApi::Handle notification = std::exchange(mNotification, kNoNotification);
+    if (notification != kNoNotification)
+        mApi.unregisterNotification(notification);
+    if (mHandle != DriverApi::kInvalidHandle) {
         const std::wstring path = devicePath();
         ORB_LOG(kLogDebug, "%s() Closing %ls device", path.c_str());
-        mApi.closeHandle(opened);
+        closeHandle();
         ORB_LOG(kLogDebug, "%s() Closed %ls device", path.c_str());
         if (mExclusivePath) {
             ORB_LOG(kLogDebug, "%s() Removing %ls from map", path.c_str());
@@ -219,18 +243,24 @@ void BluetoothDriver::close() {
     }
     RemovalCallback dropped;
     const std::lock_guard lock(mMutex);
-    if (opened != DriverApi::kInvalidHandle)
-        mDevicePath.clear();
+    mDevicePath.clear();
     mRemovalCallback.swap(dropped);
 }
 
+void BluetoothDriver::closeHandle() {
+    do
+        mApi.cancelRequests(mHandle);
+    while (!mUses.shut(kCancelAgain));
+    mApi.closeHandle(mHandle.exchange(DriverApi::kInvalidHandle));
+}
+
 error_code BluetoothDriver::getVersion(std::uint32_t requestCode, std::int16_t& out) {
-    const DriverApi::Handle opened = mHandle;
-    if (opened == DriverApi::kInvalidHandle)
+    const Use use(*this);
+    if (!use)
         return driverError(win32::kErrorInvalidHandle, "Driver:NotOpen");
     std::uint32_t returned = 0;
     const auto error =
-        mApi.deviceIoControl(opened, requestCode, nullptr, 0, &out, sizeof(out), returned);
+        mApi.deviceIoControl(use.handle(), requestCode, nullptr, 0, &out, sizeof(out), returned);
     if (!error)
         return {};
     ORB_LOG(kLogError, "%s() DeviceIoControl failed with error %d, device path: %ls",
@@ -243,14 +273,6 @@ error_code BluetoothDriver::getVersion(std::uint32_t requestCode, std::int16_t& 
 std::wstring BluetoothDriver::devicePath() const {
     const std::lock_guard lock(mMutex);
     return mDevicePath;
-}
-
-void BluetoothDriver::stopDeviceRemovalMonitoring() {
-    std::unique_lock lock(mMutex);
-    const DriverApi::Handle notification = std::exchange(mNotification, kNoNotification);
-    lock.unlock();
-    if (notification != kNoNotification)
-        mApi.unregisterNotification(notification);
 }
 
 } // namespace orbelantine

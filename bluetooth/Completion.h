@@ -15,4 +15,20 @@ inline void complete(const Completion& completion, error_code ec) {
         completion(ec);
 }
 
+/// A completion that comes once, whatever becomes of its operation: when it goes without having
+/// been called, it is called with `dropped`, on the thread that drops it.
+class OnceCompletion {
+  public:
+    OnceCompletion(Completion completion, error_code dropped);
+    ~OnceCompletion();
+    OnceCompletion(OnceCompletion&&) = default;
+    OnceCompletion& operator=(OnceCompletion&&) = delete;
+
+    void operator()(error_code ec);
+
+  private:
+    Completion mCompletion;
+    error_code mDropped;
+};
+
 } // namespace orbelantine

@@ -58,7 +58,8 @@ class DriverApi {
 
     static_assert(sizeof(NotifyFilter) == 416);
 
-    /// Runs on a thread of the system; never after unregisterNotification has returned.
+    /// Runs on a thread of the system; never after unregisterNotification has returned, which
+    /// comes before the handle is closed.
     using NotifyCallback = Error (*)(void* context, std::uint32_t action);
 
     virtual ~DriverApi() = default;
@@ -82,8 +83,13 @@ class DriverApi {
     [[nodiscard]] virtual Error createFile(const std::wstring& path, std::uint32_t access,
                                            std::uint32_t share, std::uint32_t disposition,
                                            std::uint32_t flags, Handle& file) = 0;
+    /// Nobody uses the handle any more: on Windows, closing waits for a request in progress, and a
+    /// handle's value may come again with the next opening.
     virtual void closeHandle(Handle file) = 0;
-    /// Blocks until the driver answers or the handle is closed.
+    /// Ends the requests and writes in progress on the handle: they fail, with
+    /// kErrorOperationAborted on Windows. On Linux so do all to come.
+    virtual void cancelRequests(Handle file) = 0;
+    /// Blocks until the driver answers or the request is cancelled.
     [[nodiscard]] virtual Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
                                                 std::uint32_t inputSize, void* output,
                                                 std::uint32_t outputSize,

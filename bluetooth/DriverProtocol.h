@@ -2,6 +2,7 @@
 
 #include "bluetooth/Guid.h"
 
+#include <cstddef>
 #include <cstdint>
 
 /// What the private driver understands; docs/driver-protocol.md draws it.
@@ -19,6 +20,9 @@ inline constexpr Guid kHandsfreeInterface = {
 
 /// Opens without the system's buffers: FILE_FLAG_WRITE_THROUGH and FILE_FLAG_NO_BUFFERING.
 inline constexpr std::uint32_t kUnbuffered = 0xA0000000;
+
+/// Of what is written on such a handle; a driver may ask for as much.
+inline constexpr std::size_t kBufferAlignment = 8;
 
 inline constexpr std::uint32_t kConnect = 0x220000;
 inline constexpr std::uint32_t kGetType = 0x220004;

@@ -1,5 +1,7 @@
 #include "bluetooth/IBluetoothService.h"
 
+#include "core/common/run/FireSafely.h"
+
 namespace orbelantine {
 
 // An override may keep it. NOLINTNEXTLINE(performance-unnecessary-value-param)
@@ -8,7 +10,7 @@ void IBluetoothService::forceDisconnect(Completion completion) {
 }
 
 void IBluetoothService::dispatchOnDisconnected(error_code ec) {
-    onDisconnected(ec);
+    fireSafely(onDisconnected, ec);
 }
 
 } // namespace orbelantine

@@ -37,8 +37,9 @@ constexpr int digitValue(char c) {
 
 } // namespace
 
-WindowsBluetoothHIDDevice::WindowsBluetoothHIDDevice(DriverApi& api, IClock& clock)
-    : BluetoothDriver(false, api)
+WindowsBluetoothHIDDevice::WindowsBluetoothHIDDevice(DriverApi& api, IClock& clock,
+                                                     DeviceBreaker* breaker)
+    : BluetoothDriver(false, api, breaker)
     , mClock(clock) {}
 
 error_code WindowsBluetoothHIDDevice::open(const RemovalCallback& removalCallback) {
@@ -73,8 +74,8 @@ error_code WindowsBluetoothHIDDevice::checkVersion() {
 }
 
 std::int32_t WindowsBluetoothHIDDevice::connect(const std::string& address, std::uint16_t psm) {
-    const DriverApi::Handle opened = handle();
-    if (opened == DriverApi::kInvalidHandle) {
+    const Use use(*this);
+    if (!use) {
         ORB_LOG(kLogError, "%s() Device is not open");
         return 0;
     }
@@ -82,7 +83,7 @@ std::int32_t WindowsBluetoothHIDDevice::connect(const std::string& address, std:
     if (!convertBthAddress(address, request.address))
         return 0;
     std::uint32_t returned = 0;
-    if (const auto error = api().deviceIoControl(opened, driver::kConnect, &request,
+    if (const auto error = api().deviceIoControl(use.handle(), driver::kConnect, &request,
                                                  sizeof(request), nullptr, 0, returned)) {
         ORB_LOG(kLogError, "%s() DeviceIoControl failed with error %d", static_cast<int>(error));
         return 0;
@@ -103,15 +104,15 @@ bool WindowsBluetoothHIDDevice::convertBthAddress(const std::string& text, BthAd
 }
 
 WindowsBluetoothHIDDevice::Channel WindowsBluetoothHIDDevice::isConnected() {
-    const DriverApi::Handle opened = handle();
-    if (opened == DriverApi::kInvalidHandle) {
+    const Use use(*this);
+    if (!use) {
         ORB_LOG(kLogError, "%s() Device is not open");
         return Channel::Unknown;
     }
     std::uint32_t answer = 0;
     std::uint32_t returned = 0;
-    if (const auto error = api().deviceIoControl(opened, driver::kIsConnected, nullptr, 0, &answer,
-                                                 sizeof(answer), returned)) {
+    if (const auto error = api().deviceIoControl(use.handle(), driver::kIsConnected, nullptr, 0,
+                                                 &answer, sizeof(answer), returned)) {
         ORB_LOG(kLogError, "%s() DeviceIoControl failed with error %d", static_cast<int>(error));
         return Channel::Unknown;
     }
@@ -119,14 +120,15 @@ WindowsBluetoothHIDDevice::Channel WindowsBluetoothHIDDevice::isConnected() {
 }
 
 bool WindowsBluetoothHIDDevice::sendData(const void* buffer, std::size_t length) {
-    const DriverApi::Handle opened = handle();
-    if (opened == DriverApi::kInvalidHandle) {
+    const Use use(*this);
+    if (!use) {
         ORB_LOG(kLogError, "%s() Device is not open");
         return false;
     }
     const std::uint64_t start = tickCount();
     std::uint32_t written = 0;
-    const auto error = api().writeFile(opened, buffer, static_cast<std::uint32_t>(length), written);
+    const auto error =
+        api().writeFile(use.handle(), buffer, static_cast<std::uint32_t>(length), written);
     if (error)
         ORB_LOG(kLogError, "%s() WriteFile failed with error %d", static_cast<int>(error));
     if (const auto took = tickCount() - start; took > kSlowWriteMs)
@@ -135,14 +137,14 @@ bool WindowsBluetoothHIDDevice::sendData(const void* buffer, std::size_t length)
 }
 
 bool WindowsBluetoothHIDDevice::getType(std::uint32_t& type) {
-    const DriverApi::Handle opened = handle();
-    if (opened == DriverApi::kInvalidHandle) {
+    const Use use(*this);
+    if (!use) {
         ORB_LOG(kLogError, "%s() Device is not open");
         return false;
     }
     std::uint32_t returned = 0;
-    const auto error =
-        api().deviceIoControl(opened, driver::kGetType, nullptr, 0, &type, sizeof(type), returned);
+    const auto error = api().deviceIoControl(use.handle(), driver::kGetType, nullptr, 0, &type,
+                                             sizeof(type), returned);
     if (error)
         ORB_LOG(kLogError, "%s() DeviceIoControl failed with error %d", static_cast<int>(error));
     return error == 0;

@@ -17,7 +17,8 @@ class WindowsBluetoothHIDDevice : public BluetoothDriver {
 
     /// Many instances may share one device path: each channel has a handle of its own.
     explicit WindowsBluetoothHIDDevice(DriverApi& api = DriverApi::system(),
-                                       IClock& clock = IClock::system());
+                                       IClock& clock = IClock::system(),
+                                       DeviceBreaker* breaker = nullptr);
 
     /// Opens the driver by the first of its interface classes that works.
     [[nodiscard]] error_code open(const RemovalCallback& removalCallback = {});

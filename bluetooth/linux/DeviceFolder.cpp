@@ -2,6 +2,7 @@
 
 #include "bluetooth/linux/LinuxErrors.h"
 #include "core/common/errors/ErrorCode.h"
+#include "core/common/log/Log.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,15 +48,25 @@ bool isDevice(const fs::directory_entry& entry, bool presentOnly) {
     return entry.is_socket(ignored) || (!presentOnly && entry.is_regular_file(ignored));
 }
 
-// A name that is no text can't be shown as a device path.
+// Of the locale, a host may have left the "C" one in place. Wide characters are UTF-32 here.
+std::wstring wideText(const fs::path& path) {
+    const std::u32string text = path.u32string();
+    return {text.begin(), text.end()};
+}
+
 void addPath(const fs::path& path, std::vector<std::wstring>& paths) {
     try {
-        paths.push_back(path.wstring());
+        paths.push_back(wideText(path));
     } catch (const fs::filesystem_error&) {
+        ORB_LOG(kLogWarning, "%s() left out, since its name is no UTF-8: %s", path.c_str());
     }
 }
 
 } // namespace
+
+fs::path deviceFile(const std::wstring& path) {
+    return {std::u32string(path.begin(), path.end())};
+}
 
 fs::path deviceFolder() {
     if (fs::path folder = folderOfEnvironment("ORBELANTINE_DEVICE_DIR"); !folder.empty())

@@ -1,9 +1,11 @@
 #include "bluetooth/linux/DeviceSocket.h"
 
+#include "bluetooth/linux/DeviceFolder.h"
 #include "bluetooth/linux/LinuxErrors.h"
 #include "core/common/errors/ErrorCode.h"
 
 #include <endian.h>
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -55,18 +57,22 @@ DeviceSocket::DeviceSocket(int fd)
 
 DriverApi::Error DeviceSocket::connect(const std::wstring& path,
                                        std::unique_ptr<DeviceSocket>& socket) {
-    const std::string name = std::filesystem::path(path).string();
+    const std::string name = deviceFile(path).string();
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (name.size() >= sizeof(address.sun_path))
         return win32::kErrorFilenameTooLong;
     std::memcpy(address.sun_path, name.data(), name.size());
 
-    auto made = std::make_unique<DeviceSocket>(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    // Whoever doesn't accept would keep a blocking call for ever.
+    auto made = std::make_unique<DeviceSocket>(
+        ::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (made->fd() < 0)
         return windowsError(errno);
     const auto* generic = reinterpret_cast<const sockaddr*>(&address);
     if (untilUninterrupted([&] { return ::connect(made->fd(), generic, sizeof(address)); }) < 0)
+        return errno == EAGAIN ? win32::kErrorBusy : windowsError(errno);
+    if (::fcntl(made->fd(), F_SETFL, 0) < 0)
         return windowsError(errno);
     socket = std::move(made);
     return win32::kErrorSuccess;
@@ -95,7 +101,6 @@ DriverApi::Error DeviceSocket::write(const void* data, std::size_t size) {
 }
 
 void DeviceSocket::shutDown() {
-    mShutDown = true;
     ::shutdown(fd(), SHUT_RDWR);
 }
 

@@ -3,7 +3,6 @@
 #include "bluetooth/DriverApi.h"
 #include "bluetooth/linux/FileDescriptor.h"
 
-#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -17,6 +16,7 @@ class DeviceSocket {
     /// Takes over a connected SOCK_SEQPACKET socket.
     explicit DeviceSocket(int fd);
 
+    /// kErrorBusy if too many wait to be accepted there.
     [[nodiscard]] static DriverApi::Error connect(const std::wstring& path,
                                                   std::unique_ptr<DeviceSocket>& socket);
 
@@ -28,8 +28,6 @@ class DeviceSocket {
 
     /// Wakes and fails every call in progress and to come.
     void shutDown();
-
-    [[nodiscard]] bool isShutDown() const { return mShutDown; }
 
     [[nodiscard]] int fd() const { return mFd.get(); }
 
@@ -43,7 +41,6 @@ class DeviceSocket {
 
     FileDescriptor mFd;
     std::mutex mRequestMutex;
-    std::atomic<bool> mShutDown = false;
 };
 
 } // namespace orbelantine

@@ -1,7 +1,7 @@
 #include "bluetooth/DriverApi.h"
 
 #include "bluetooth/linux/DeviceFolder.h"
-#include "bluetooth/linux/DeviceTable.h"
+#include "bluetooth/linux/DeviceSocket.h"
 #include "bluetooth/linux/LinuxErrors.h"
 #include "bluetooth/linux/RemovalWatch.h"
 #include "core/common/errors/ErrorCode.h"
@@ -15,6 +15,10 @@
 namespace orbelantine {
 
 namespace {
+
+// CONFIGRETs, which are numbered apart.
+constexpr DriverApi::Error kCrOutOfMemory = 2;
+constexpr DriverApi::Error kCrInvalidData = 31;
 
 using DevicePaths = std::vector<std::wstring>;
 
@@ -76,43 +80,38 @@ class LinuxDriverApi final : public DriverApi {
         std::unique_ptr<DeviceSocket> socket;
         if (const Error error = DeviceSocket::connect(path, socket))
             return error;
-        const Handle added = mDevices.add(std::move(socket));
-        if (added == kInvalidHandle)
-            return win32::kErrorTooManyOpenFiles;
-        file = added;
+        file = handleOf(socket.release());
         return win32::kErrorSuccess;
     }
 
-    void closeHandle(Handle file) override { mDevices.close(file); }
+    void closeHandle(Handle file) override { delete objectOf<DeviceSocket>(file); }
+
+    void cancelRequests(Handle file) override { objectOf<DeviceSocket>(file)->shutDown(); }
 
     Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
                           std::uint32_t inputSize, void* output, std::uint32_t outputSize,
                           std::uint32_t& returned) override {
-        const auto device = mDevices.lease(file);
-        return device ? device->request(code, input, inputSize, output, outputSize, returned)
-                      : win32::kErrorInvalidHandle;
+        return objectOf<DeviceSocket>(file)->request(code, input, inputSize, output, outputSize,
+                                                     returned);
     }
 
     Error writeFile(Handle file, const void* data, std::uint32_t size,
                     std::uint32_t& written) override {
-        const auto device = mDevices.lease(file);
-        if (!device)
-            return win32::kErrorInvalidHandle;
-        const Error error = device->write(data, size);
+        const Error error = objectOf<DeviceSocket>(file)->write(data, size);
         written = error ? 0 : size;
         return error;
     }
 
     Error registerNotification(const NotifyFilter& filter, void* context, NotifyCallback callback,
                                Handle& notification) override {
-        auto device = mDevices.lease(filter.target);
-        if (filter.size != sizeof(filter) || filter.type != kNotifyFilterDeviceHandle || !device)
-            return win32::kCrInvalidData;
+        if (filter.size != sizeof(filter) || filter.type != kNotifyFilterDeviceHandle)
+            return kCrInvalidData;
         try {
             const auto onRemoval = [=] { callback(context, kNotifyActionQueryRemove); };
-            notification = handleOf(new RemovalWatch(std::move(device), onRemoval));
+            notification =
+                handleOf(new RemovalWatch(objectOf<DeviceSocket>(filter.target)->fd(), onRemoval));
         } catch (const std::system_error&) {
-            return win32::kCrOutOfMemory;
+            return kCrOutOfMemory;
         }
         return win32::kErrorSuccess;
     }
@@ -120,17 +119,13 @@ class LinuxDriverApi final : public DriverApi {
     void unregisterNotification(Handle notification) override {
         delete objectOf<RemovalWatch>(notification);
     }
-
-  private:
-    DeviceTable mDevices;
 };
 
 } // namespace
 
 DriverApi& DriverApi::system() {
-    // Never destroyed: threads may outlive the end of main.
-    static DriverApi* api = new LinuxDriverApi;
-    return *api;
+    static LinuxDriverApi api;
+    return api;
 }
 
 } // namespace orbelantine

@@ -1,6 +1,7 @@
 #include "bluetooth/linux/RemovalWatch.h"
 
 #include "core/common/run/ThreadName.h"
+#include "core/common/run/WorkerThread.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -22,11 +23,11 @@ int makeEvent() {
 
 } // namespace
 
-RemovalWatch::RemovalWatch(DeviceTable::Lease device, std::function<void()> onRemoval)
-    : mDevice(std::move(device))
+RemovalWatch::RemovalWatch(int socket, std::function<void()> onRemoval)
+    : mSocket(socket)
     , mOnRemoval(std::move(onRemoval))
     , mStop(makeEvent())
-    , mThread([this] { run(); }) {}
+    , mThread(startWorkerThread([this] { run(); })) {}
 
 RemovalWatch::~RemovalWatch() {
     eventfd_write(mStop.get(), 1);
@@ -36,11 +37,11 @@ RemovalWatch::~RemovalWatch() {
 void RemovalWatch::run() {
     setThreadName("DriverRemovalThread");
     // Replies are none of its business: only the hang-up is.
-    pollfd watched[] = {{mDevice->fd(), POLLRDHUP, 0}, {mStop.get(), POLLIN, 0}};
+    pollfd watched[] = {{mSocket, POLLRDHUP, 0}, {mStop.get(), POLLIN, 0}};
     while (poll(watched, std::size(watched), -1) < 0 && errno == EINTR) {
     }
     const bool stopped = watched[1].revents != 0;
-    if (!stopped && watched[0].revents != 0 && !mDevice->isShutDown())
+    if (!stopped && watched[0].revents != 0)
         mOnRemoval();
 }
 

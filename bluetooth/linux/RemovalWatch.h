@@ -1,18 +1,18 @@
 #pragma once
 
-#include "bluetooth/linux/DeviceTable.h"
+#include "bluetooth/linux/FileDescriptor.h"
 
-#include <atomic>
 #include <functional>
 #include <thread>
 
 namespace orbelantine {
 
-/// Calls once, from a thread of its own, when the device hangs up; not when its handle is closed
-/// here. After destruction it calls no more.
+/// Calls once, from a thread of its own, when the device hangs up. After destruction, which comes
+/// before the socket is closed or shut down here, it calls no more.
 class RemovalWatch {
   public:
-    RemovalWatch(DeviceTable::Lease device, std::function<void()> onRemoval);
+    /// Throws std::system_error if there can be no event or no thread.
+    RemovalWatch(int socket, std::function<void()> onRemoval);
     /// Waits for a call in progress; not from within it.
     ~RemovalWatch();
     RemovalWatch(const RemovalWatch&) = delete;
@@ -21,7 +21,7 @@ class RemovalWatch {
   private:
     void run();
 
-    DeviceTable::Lease mDevice;
+    const int mSocket;
     std::function<void()> mOnRemoval;
     FileDescriptor mStop;
     std::thread mThread;

@@ -121,6 +121,8 @@ class WindowsDriverApi final : public DriverApi {
 
     void closeHandle(Handle file) override { CloseHandle(handleOf(file)); }
 
+    void cancelRequests(Handle file) override { CancelIoEx(handleOf(file), nullptr); }
+
     Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
                           std::uint32_t inputSize, void* output, std::uint32_t outputSize,
                           std::uint32_t& returned) override {

@@ -1,5 +1,6 @@
 #include "hid/channel/HIDDeviceClient.h"
 
+#include "bluetooth/DeviceBreaker.h"
 #include "bluetooth/DriverProtocol.h"
 #include "core/common/OSAL.h"
 #include "core/common/errors/ErrorAreas.h"
@@ -22,9 +23,9 @@ using l2cap::l2cap_protocol;
 using Socket = l2cap_protocol::socket;
 using SocketPtr = boost::shared_ptr<Socket>;
 
-constexpr std::uint8_t kGreeting[] = {0xA1, 0x13, 0x03};
+alignas(driver::kBufferAlignment) constexpr std::uint8_t kGreeting[] = {0xA1, 0x13, 0x03};
 // HID_CONTROL transaction, virtual cable unplug.
-constexpr std::uint8_t kVirtualCableUnplug[] = {0x15};
+alignas(driver::kBufferAlignment) constexpr std::uint8_t kVirtualCableUnplug[] = {0x15};
 
 constexpr int kUnplugRounds = 10;
 constexpr std::chrono::milliseconds kUnplugRound(500);
@@ -63,8 +64,8 @@ void closeChannel(const SocketPtr& socket) {
 struct HIDDeviceClient::Link {
     Link(DriverApi& api, IClock& unplugClock)
         : clock(unplugClock) {
-        boost::asio::make_service<l2cap::l2cap_socket_service<l2cap_protocol>>(ioService, api,
-                                                                               unplugClock);
+        boost::asio::make_service<l2cap::l2cap_socket_service<l2cap_protocol>>(
+            ioService, api, unplugClock, &breaker);
     }
 
     void drop() {
@@ -73,6 +74,7 @@ struct HIDDeviceClient::Link {
     }
 
     IClock& clock;
+    DeviceBreaker breaker;
     // Never run: it owns the socket service.
     boost::asio::io_service ioService;
     SocketPtr interruptSocket;
@@ -141,7 +143,9 @@ void HIDDeviceClient::disconnect() {
     mConnected = false;
 }
 
+// Whoever holds the lock may wait for the driver: that wait is broken first.
 void HIDDeviceClient::forceDisconnect() {
+    const DeviceBreaker::Breaking breaking(mLink->breaker);
     const std::lock_guard lock(mLink->mutex);
     closeChannel(mLink->interruptSocket);
     closeChannel(mLink->controlSocket);

@@ -2,6 +2,7 @@
 
 #include "core/common/errors/ErrorAreas.h"
 
+#include <system_error>
 #include <utility>
 
 namespace orbelantine::l2cap {
@@ -28,7 +29,9 @@ error_code l2cap_socket_service<Protocol>::connect(implementation_type& impl,
                                                    const endpoint_type& peer, error_code& ec) {
     ORB_LOG(kLogDebug, "%s() Connecting socket, impl:%p", static_cast<const void*>(&impl));
     impl.device.reset();
-    auto device = std::make_unique<WindowsBluetoothHIDDevice>(mApi, mClock);
+    auto device = makeDevice(ec);
+    if (!device)
+        return ec;
     const auto onRemoval = [raw = device.get()](error_code reason) {
         ORB_LOG(kLogWarning, "%s() System initiated device removal. Error: %s",
                 reason.message().c_str());
@@ -51,6 +54,19 @@ error_code l2cap_socket_service<Protocol>::connect(implementation_type& impl,
     }
     impl.device = std::move(device);
     return ec = {};
+}
+
+/// Null, with `ec`, if there can be no thread for it.
+template <class Protocol>
+std::unique_ptr<WindowsBluetoothHIDDevice>
+l2cap_socket_service<Protocol>::makeDevice(error_code& ec) {
+    try {
+        return std::make_unique<WindowsBluetoothHIDDevice>(mApi, mClock, mBreaker);
+    } catch (const std::system_error& e) {
+        ORB_LOG(kLogError, "%s() no thread can be started: %s", e.what());
+        ec = {e.code().value(), boost::system::generic_category()};
+        return nullptr;
+    }
 }
 
 template <class Protocol>

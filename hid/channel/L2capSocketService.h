@@ -43,12 +43,15 @@ class l2cap_socket_service : public boost::asio::execution_context::service {
 
     static boost::asio::execution_context::id id;
 
+    /// `breaker`, if any, breaks what is under way on the sockets.
     explicit l2cap_socket_service(boost::asio::execution_context& context,
                                   DriverApi& api = DriverApi::system(),
-                                  IClock& clock = IClock::system())
+                                  IClock& clock = IClock::system(),
+                                  DeviceBreaker* breaker = nullptr)
         : service(context)
         , mApi(api)
-        , mClock(clock) {}
+        , mClock(clock)
+        , mBreaker(breaker) {}
 
     void construct(implementation_type& impl) { impl = {}; }
 
@@ -72,10 +75,12 @@ class l2cap_socket_service : public boost::asio::execution_context::service {
   private:
     void shutdown() override {}
 
+    [[nodiscard]] std::unique_ptr<WindowsBluetoothHIDDevice> makeDevice(error_code& ec);
     [[nodiscard]] error_code probe(implementation_type& impl);
 
     DriverApi& mApi;
     IClock& mClock;
+    DeviceBreaker* const mBreaker;
 };
 
 template <class Protocol>

@@ -1,5 +1,6 @@
 #include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 
+#include "bluetooth/DeviceBreaker.h"
 #include "bluetooth/DriverHandles.h"
 #include "bluetooth/WindowsBluetoothHIDDevice.h"
 #include "core/common/OSAL.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <system_error>
 
 namespace orbelantine {
 
@@ -30,6 +32,12 @@ constexpr std::uint32_t kReloadLocalName = 4;
 
 constexpr std::uint32_t kInstanceIdCapacity = 200;
 constexpr std::uint32_t kComputerNameCapacity = 1024;
+
+/// The answer counts for nothing, so that all queries of the process may be broken together.
+DeviceBreaker& queries() {
+    static DeviceBreaker& breaker = *new DeviceBreaker;
+    return breaker;
+}
 
 std::wstring usbDevicePath(std::wstring instanceId) {
     std::ranges::replace(instanceId, L'\\', L'#');
@@ -54,16 +62,24 @@ WindowsBluetoothHIDDeviceClient::WindowsBluetoothHIDDeviceClient(DriverApi& driv
 
 void WindowsBluetoothHIDDeviceClient::queryHidType() {
     mHidType = kRelativeMouse;
-    WindowsBluetoothHIDDevice device(mDriverApi);
-    const auto onRemoval = [](error_code reason) {
-        ORB_LOG(kLogWarning, "%s() System initiated device removal. Error: %s",
-                reason.message().c_str());
-    };
-    // Asked and not used: the input path relies on a relative mouse, whatever the driver answers.
-    std::uint32_t answer = 0;
-    (void)device.open(onRemoval);
-    (void)device.getType(answer);
-    device.close();
+    try {
+        WindowsBluetoothHIDDevice device(mDriverApi, IClock::system(), &queries());
+        const auto onRemoval = [](error_code reason) {
+            ORB_LOG(kLogWarning, "%s() System initiated device removal. Error: %s",
+                    reason.message().c_str());
+        };
+        // Asked and not used: the input path relies on a relative mouse, whatever the answer.
+        std::uint32_t answer = 0;
+        (void)device.open(onRemoval);
+        (void)device.getType(answer);
+        device.close();
+    } catch (const std::system_error& e) {
+        ORB_LOG(kLogError, "%s() no thread can be started: %s", e.what());
+    }
+}
+
+void WindowsBluetoothHIDDeviceClient::breakQueries() {
+    const DeviceBreaker::Breaking breaking(queries());
 }
 
 std::uint32_t WindowsBluetoothHIDDeviceClient::getType() {

@@ -21,6 +21,8 @@ class WindowsBluetoothHIDDeviceClient : public IBluetoothHIDDeviceClient {
     void restoreLocalDeviceName() override;
 
     void queryHidType();
+    /// Any thread: ends the driver's answering in whatever constructor waits for it.
+    static void breakQueries();
     /// The name of the first local radio; false leaves `name` alone.
     [[nodiscard]] bool getRadioDeviceName(std::wstring& name);
 

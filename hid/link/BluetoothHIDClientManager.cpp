@@ -1,5 +1,6 @@
 #include "hid/link/BluetoothHIDClientManager.h"
 
+#include "avstack/IInputFlow.h"
 #include "avstack/IInputSource.h"
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
@@ -7,6 +8,7 @@
 #include "core/common/OSAL.h"
 #include "core/common/errors/ErrorAreas.h"
 #include "core/common/log/Log.h"
+#include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 #include "hid/link/IBluetoothHIDClient.h"
 #include "hid/link/IBluetoothSDPController.h"
 #include "hid/link/InputGate.h"
@@ -33,6 +35,11 @@ constexpr std::uint32_t kTypeFlags = 2;
 constexpr const char* kDiscardText =
     "%s() Got an input event while stopping, discarding this event";
 
+/// For a completion that a task carries to the worker.
+OnceCompletion carried(Completion completion) {
+    return {std::move(completion), HidErrors::getErrorCode(HidErrors::InvalidState)};
+}
+
 } // namespace
 
 BluetoothHIDClientManager::BluetoothHIDClientManager(const KVStore& settings, IClock& clock,
@@ -46,14 +53,14 @@ BluetoothHIDClientManager::BluetoothHIDClientManager(const KVStore& settings, IC
 }
 
 BluetoothHIDClientManager::~BluetoothHIDClientManager() {
-    mWorker.stop();
+    mWorker.stop([this] { forceDisconnect(); });
     if (mInputGate)
         mInputGate->close();
 }
 
 void BluetoothHIDClientManager::init(Completion completion) {
     ORB_LOG(kLogDebug, "%s() ");
-    mWorker.post([this, completion = std::move(completion)] { complete(completion, init()); });
+    mWorker.post([this, done = carried(std::move(completion))]() mutable { done(init()); });
 }
 
 error_code BluetoothHIDClientManager::init() {
@@ -78,9 +85,9 @@ error_code BluetoothHIDClientManager::init() {
 void BluetoothHIDClientManager::cleanup(Completion completion) {
     ORB_LOG(kLogDebug, "%s() ");
     mStopping = true;
-    mWorker.post([this, completion = std::move(completion)] {
+    mWorker.post([this, done = carried(std::move(completion))]() mutable {
         cleanup();
-        complete(completion, error_code());
+        done(error_code());
     });
 }
 
@@ -100,9 +107,8 @@ void BluetoothHIDClientManager::cleanup() {
 
 void BluetoothHIDClientManager::start(std::string address, Completion completion) {
     ORB_LOG(kLogDebug, "%s() ");
-    mWorker.post([this, address = std::move(address), completion = std::move(completion)] {
-        complete(completion, start(address));
-    });
+    mWorker.post([this, address = std::move(address),
+                  done = carried(std::move(completion))]() mutable { done(start(address)); });
 }
 
 error_code BluetoothHIDClientManager::start(const std::string& address) {
@@ -129,7 +135,7 @@ void BluetoothHIDClientManager::createClient(const KVStore& store) {
 
 void BluetoothHIDClientManager::buildChain(KVStore& store) {
     orbelantine::setInputContext(store, mInputContext.load());
-    mInputGate = boost::make_shared<InputGate>(mWorker.ioService(), mInputWait);
+    mInputGate = boost::make_shared<InputGate>(mWorker, mInputWait);
     mInputSource = osalCreate<IInputSource, InputFormat>(
         OSALFactory::instance(), "IInputSource", store, "",
         InputFormat(kMouseType, kKeyboardType, kTouchType, kTypeFlags));
@@ -145,7 +151,7 @@ void BluetoothHIDClientManager::buildChain(KVStore& store) {
 
 void BluetoothHIDClientManager::stop(Completion completion) {
     ORB_LOG(kLogDebug, "%s() ");
-    mWorker.post([this, completion = std::move(completion)] { complete(completion, stop()); });
+    mWorker.post([this, done = carried(std::move(completion))]() mutable { done(stop()); });
 }
 
 error_code BluetoothHIDClientManager::stop() {
@@ -239,7 +245,7 @@ void BluetoothHIDClientManager::pauseConnection() {
 void BluetoothHIDClientManager::resumeConnection(Completion completion) {
     ORB_LOG(kLogDebug, "%s() ");
     mWorker.post(
-        [this, completion = std::move(completion)] { complete(completion, resumeConnection()); });
+        [this, done = carried(std::move(completion))]() mutable { done(resumeConnection()); });
 }
 
 error_code BluetoothHIDClientManager::resumeConnection() {
@@ -250,7 +256,24 @@ error_code BluetoothHIDClientManager::resumeConnection() {
     return reconnectIfNecessary();
 }
 
+void BluetoothHIDClientManager::flush(Completion completion) {
+    mWorker.post(
+        [this, done = carried(std::move(completion))]() mutable { flush(std::move(done)); });
+}
+
+// What the sources have delivered may still be queued here, where an input thread waits no longer.
+void BluetoothHIDClientManager::flush(OnceCompletion done) {
+    const auto behindSources = boost::make_shared<OnceCompletion>(std::move(done));
+    const boost::shared_ptr<void> mark(nullptr, [worker = mWorker.weak(), behindSources](void*) {
+        IoThread::post(worker, [behindSources] { (*behindSources)(error_code()); });
+    });
+    if (auto* flow = dynamic_cast<IInputFlow*>(mInputSource.get()))
+        flow->follow(mark);
+}
+
 void BluetoothHIDClientManager::forceDisconnect() {
+    // The client may only be in the making.
+    WindowsBluetoothHIDDeviceClient::breakQueries();
     if (const auto client = mHidClient.load())
         client->forceDisconnect();
 }

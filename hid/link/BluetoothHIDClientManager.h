@@ -33,8 +33,9 @@ class KVStore;
 ///
 /// Any thread may call. All work is done, and both signals and all completions are called, on a
 /// worker of its own, which owns every field but those named below. Input threads wait for it at
-/// each event. Destruction drops what is still posted, without its completions; not from the
-/// worker.
+/// each event. Every completion comes once: what destruction takes back, and all that is asked of a
+/// worker that an exception has ended, completes with HidErrors::InvalidState. Destruction breaks
+/// what hangs in the driver; not from the worker.
 class BluetoothHIDClientManager final {
   public:
     /// How long an input thread waits for one event.
@@ -68,8 +69,10 @@ class BluetoothHIDClientManager final {
     /// Puts the link to sleep until the next input or resumeConnection.
     void pauseConnection();
     void resumeConnection(Completion completion);
-    /// Breaks the link on the calling thread, without waiting for the worker; a device client that
-    /// is in the middle of a call lets it end first.
+    /// Completes, with success, once the input that was raised before has been sent or given up.
+    void flush(Completion completion);
+    /// Breaks the link on the calling thread, without waiting for the worker; what waits for the
+    /// driver there fails.
     void forceDisconnect();
     /// The surface that the next start's input comes from.
     void setInputContext(const boost::shared_ptr<IInputContext>& context);
@@ -98,6 +101,7 @@ class BluetoothHIDClientManager final {
     void cleanupConnection();
     void clientDisconnected(error_code ec);
     [[nodiscard]] error_code reconnectIfNecessary();
+    void flush(OnceCompletion done);
     void suspendConnection();
     void applyIdleTimeout(std::uint64_t milliseconds);
     void restartIdleTimer();

@@ -2,23 +2,27 @@
 
 #include "bluetooth/BluetoothPeer.h"
 #include "core/common/OSAL.h"
+#include "core/common/errors/ErrorAreas.h"
 #include "core/common/log/Log.h"
+#include "core/common/run/FireSafely.h"
+#include "core/common/run/WorkerThread.h"
 #include "hid/link/BluetoothHIDClientManager.h"
 #include "hid/link/IBluetoothHIDClient.h"
 
-#include <boost/asio/dispatch.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
 
 #include <algorithm>
 #include <chrono>
 #include <future>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 namespace orbelantine {
 
 namespace {
 
-constexpr const char* kThreadName = "HidInputClientIoThread";
+constexpr const char* kClientThreadName = "HidInputClientIoThread";
 
 // The time that a phone takes to read a new record.
 constexpr std::chrono::seconds kRecordPause(3);
@@ -31,7 +35,22 @@ std::string addressText(const BluetoothPeer& peer) {
     return text;
 }
 
-/// Starts an operation of the manager and waits for its completion.
+/// Of an operation that this object's end takes back.
+error_code takenBack() {
+    return HidErrors::getErrorCode(HidErrors::InvalidState);
+}
+
+/// Lets the manager go on a thread of its own, which waits for the workers under it.
+void endElsewhere(boost::shared_ptr<BluetoothHIDClientManager> manager) {
+    auto* const left = new auto(std::move(manager));
+    try {
+        makeThread([left] { delete left; }).detach();
+    } catch (const std::system_error& e) {
+        ORB_LOG(kLogError, "%s() no thread can be started, the link stays: %s", e.what());
+    }
+}
+
+/// Starts an operation of the manager and waits for its completion, which always comes.
 template <class Operation>
 error_code await(Operation operation) {
     const auto promise = std::make_shared<std::promise<error_code>>();
@@ -44,19 +63,21 @@ error_code await(Operation operation) {
 
 HidInputClient::HidInputClient(const KVStore& settings, IClock& clock)
     : mClock(clock)
-    , mWorker(kThreadName)
+    , mWorker(kClientThreadName)
     , mManager(boost::make_shared<BluetoothHIDClientManager>(settings, clock))
-    , mStore(boost::make_shared<KVStore>(settings)) {
+    , mStore(boost::make_shared<KVStore>(settings))
+    , mLife(boost::make_shared<bool>()) {
     connectManager();
 }
 
-// Teardown drops the manager before the io_service goes, so that its slots may always post.
 void HidInputClient::connectManager() {
-    mManager->onDisconnected.connect([this](error_code ec) {
-        boost::asio::dispatch(mWorker.ioService(), [this, ec] { onManagerDisconnected(ec); });
-    });
-    mManager->onConnected.connect(
-        [this] { boost::asio::dispatch(mWorker.ioService(), [this] { onManagerConnected(); }); });
+    const auto relay = [worker = mWorker.weak()](auto task) {
+        if (const auto queue = worker.lock())
+            queue->dispatch(std::move(task));
+    };
+    mManager->onDisconnected.connect(
+        [this, relay](error_code ec) { relay([this, ec] { onManagerDisconnected(ec); }); });
+    mManager->onConnected.connect([this, relay] { relay([this] { onManagerConnected(); }); });
 }
 
 HidInputClient::~HidInputClient() {
@@ -64,9 +85,19 @@ HidInputClient::~HidInputClient() {
 }
 
 void HidInputClient::teardown() {
-    mWorker.stop();
+    // A worker of the manager's, or of a source's, can't wait for its own end.
+    const bool onForeignWorker = onWorkerThread() && !mWorker.isCurrent();
+    mWorker.stop([this] { breakLink(); });
+    if (onForeignWorker)
+        endElsewhere(std::move(mManager));
     mManager.reset();
     mStore.reset();
+}
+
+void HidInputClient::breakLink() {
+    mManager->forceDisconnect();
+    if (const auto client = mRefreshClient.load())
+        client->forceDisconnect();
 }
 
 void HidInputClient::onManagerDisconnected(error_code ec) {
@@ -76,19 +107,25 @@ void HidInputClient::onManagerDisconnected(error_code ec) {
 
 void HidInputClient::onManagerConnected() {
     ORB_LOG(kLogDebug, "%s() onConnected");
-    onConnected();
+    fireSafely(onConnected);
 }
 
 void HidInputClient::connect(const BluetoothPeer& peer, Completion completion) {
-    mWorker.post([this, peer, completion = std::move(completion)] {
-        complete(completion, connectTo(addressText(peer)));
+    mWorker.post([this, address = addressText(peer),
+                  done = OnceCompletion(std::move(completion), takenBack())]() mutable {
+        done(connectTo(address));
     });
 }
 
 error_code HidInputClient::connectTo(const std::string& address) {
     if (!mHidRemoteSdpRefresh.exchange(false))
         return startHID(address);
-    onHidSdpRefresh(refreshHidSdpRecords(address));
+    const error_code refreshed = refreshHidSdpRecords(address);
+    mRefreshClient.store(nullptr);
+    const boost::weak_ptr<void> life = mLife;
+    fireSafely(onHidSdpRefresh, refreshed);
+    if (life.expired())
+        return takenBack();
     // A refresh succeeds whatever becomes of the link, which tells of itself by onDisconnected.
     (void)startHID(address);
     mClock.sleepFor(kRecordPause);
@@ -110,7 +147,9 @@ error_code HidInputClient::startHID(const std::string& address) {
 }
 
 void HidInputClient::disconnect(Completion completion) {
-    mWorker.post([this, completion = std::move(completion)] { complete(completion, stopHID()); });
+    mWorker.post([this, done = OnceCompletion(std::move(completion), takenBack())]() mutable {
+        done(stopHID());
+    });
 }
 
 error_code HidInputClient::stopHID() {
@@ -120,9 +159,17 @@ error_code HidInputClient::stopHID() {
 }
 
 void HidInputClient::forceDisconnect(Completion completion) {
-    if (mManager)
-        mManager->forceDisconnect();
+    breakLink();
     complete(completion, error_code());
+}
+
+void HidInputClient::flush(Completion completion) {
+    const auto done = boost::make_shared<OnceCompletion>(std::move(completion), takenBack());
+    mWorker.post([this, done] {
+        mManager->flush([worker = mWorker.weak(), done](error_code ec) {
+            IoThread::post(worker, [done, ec] { (*done)(ec); });
+        });
+    });
 }
 
 void HidInputClient::setIdleTimeout(std::uint64_t milliseconds) {
@@ -153,6 +200,7 @@ void HidInputClient::setInputContext(const boost::shared_ptr<IInputContext>& con
 error_code HidInputClient::refreshHidSdpRecords(const std::string& address) {
     const auto client = osalCreate<IBluetoothHIDClient>(OSALFactory::instance(),
                                                         "IBluetoothHIDClient", *mStore, "");
+    mRefreshClient.store(client);
     if (const error_code ec = client->connect(address)) {
         ORB_LOG(kLogDebug, "%s() failed connecting to hid=%s", ec.message().c_str());
         return ec;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <boost/asio/io_service.hpp>
-#include <boost/asio/post.hpp>
+#include "core/common/run/IoThread.h"
+
 #include <boost/smart_ptr/enable_shared_from_this.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 
@@ -20,11 +20,11 @@ class InputGate : public boost::enable_shared_from_this<InputGate> {
   public:
     enum class Outcome { Passed, TimedOut, Closed };
 
-    /// `ioService` has one worker, and lives until the gate is closed.
-    InputGate(boost::asio::io_service& ioService, std::chrono::milliseconds bound);
+    InputGate(const IoThread& worker, std::chrono::milliseconds bound);
 
     /// Runs `event` on the worker, with this gate, and waits for its end or the closing of the
-    /// gate, up to the bound; it stays posted after that. A closed gate doesn't take it.
+    /// gate, up to the bound; it stays posted after that. A closed gate doesn't take it; a worker
+    /// that has ended drops it.
     template <class Event>
     Outcome pass(Event event);
     /// For good. Whoever waits goes on at once.
@@ -33,22 +33,36 @@ class InputGate : public boost::enable_shared_from_this<InputGate> {
   private:
     using Ticket = std::uint64_t;
 
-    /// Ends an event, also one that throws.
-    struct End {
-        InputGate& gate;
-        Ticket ticket;
+    /// An event on its way, which ends with this: also one that throws or is dropped.
+    class Passing {
+      public:
+        Passing(boost::shared_ptr<InputGate> gate, Ticket ticket)
+            : mGate(std::move(gate))
+            , mTicket(ticket) {}
 
-        ~End() { gate.finish(ticket); }
+        ~Passing() {
+            if (mGate)
+                mGate->finish(mTicket);
+        }
+
+        Passing(Passing&&) = default;
+        Passing& operator=(Passing&&) = delete;
+
+        [[nodiscard]] const InputGate& gate() const { return *mGate; }
+
+      private:
+        boost::shared_ptr<InputGate> mGate;
+        Ticket mTicket;
     };
 
-    Outcome wait(std::unique_lock<std::mutex>& lock, Ticket ticket);
+    Outcome wait(std::unique_lock<std::mutex>& lock, Ticket ticket, IoThread::Queue& worker);
     void finish(Ticket ticket);
 
-    boost::asio::io_service& mIoService;
     const std::chrono::milliseconds mBound;
     std::mutex mMutex;
     std::condition_variable mChanged;
-    bool mClosed = false;
+    // Null once closed: the events in it hold this gate.
+    boost::shared_ptr<IoThread::Queue> mWorker;
     // The worker takes the events in the order of their tickets.
     Ticket mPosted = 0;
     Ticket mFinished = 0;
@@ -56,16 +70,16 @@ class InputGate : public boost::enable_shared_from_this<InputGate> {
 
 template <class Event>
 InputGate::Outcome InputGate::pass(Event event) {
+    // Let go last, without the lock: it may drop events, which end.
+    boost::shared_ptr<IoThread::Queue> worker;
     std::unique_lock lock(mMutex);
-    if (mClosed)
+    worker = mWorker;
+    if (!worker)
         return Outcome::Closed;
     const Ticket ticket = ++mPosted;
-    boost::asio::post(mIoService,
-                      [self = shared_from_this(), ticket, event = std::move(event)]() mutable {
-                          const End end{*self, ticket};
-                          event(*self);
-                      });
-    return wait(lock, ticket);
+    worker->enqueue([passing = Passing(shared_from_this(), ticket),
+                     event = std::move(event)]() mutable { event(passing.gate()); });
+    return wait(lock, ticket, *worker);
 }
 
 } // namespace orbelantine

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bluetooth/DriverProtocol.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +21,7 @@ struct HIDReport {
         size = 0;
     }
 
-    std::array<std::uint8_t, 24> bytes{};
+    alignas(driver::kBufferAlignment) std::array<std::uint8_t, 24> bytes{};
     const std::uint8_t* data = nullptr;
     std::size_t size = 0;
 };

@@ -4,7 +4,7 @@ namespace android {
 
 namespace {
 
-constexpr std::int64_t kHorizonNs = 200000000;
+constexpr std::int64_t kLegacyHorizonNs = 200000000;
 constexpr std::int64_t kMinimumDurationNs = 10000000;
 
 /// The mean velocity of a motion, sample by sample.
@@ -31,7 +31,7 @@ struct Average {
 } // namespace
 
 std::uint32_t LegacyVelocityTrackerStrategy::oldestSlot(std::uint32_t id) const {
-    const std::int64_t horizon = history().newest().eventTime - kHorizonNs;
+    const std::int64_t horizon = history().newest().eventTime - kLegacyHorizonNs;
     std::uint32_t oldest = history().newestSlot();
     for (std::uint32_t samples = 1; samples < MovementHistory::kSize; ++samples) {
         const std::uint32_t slot = MovementHistory::older(oldest);

@@ -35,8 +35,9 @@ class IInputContext {
     /// The middle of the system's 1 to 20.
     static constexpr std::int32_t DEFAULT_MOUSE_SPEED = 10;
 
-    IInputContext() = default;
-    virtual ~IInputContext() = default;
+    // Out of line: with them every surface would instantiate all of the signals.
+    IInputContext();
+    virtual ~IInputContext();
     IInputContext(const IInputContext&) = delete;
     IInputContext& operator=(const IInputContext&) = delete;
 

@@ -1,6 +1,7 @@
 #include "input/relative/CallbackWait.h"
 
 #include "core/common/run/IDelayTimer.h"
+#include "core/common/run/RunQueue.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/smart_ptr/make_shared_object.hpp>
@@ -36,9 +37,11 @@ bool waitForCallback(IClock& clock, IClock::Duration bound,
                      const boost::function<void(boost::function<void(error_code)>)>& operation) {
     const auto queue = boost::make_shared<io_context>();
     const auto timer = clock.makeTimer(*queue, laterBy(clock.now(), bound));
-    timer->asyncWait([](const error_code&) {});
+    bool tooLate = false;
+    timer->asyncWait([&](const error_code&) { tooLate = true; });
     operation([ending = boost::make_shared<Ending>(queue)](error_code) { ending->end(); });
-    return queue->run_one() == 0;
+    runQueue(*queue);
+    return !tooLate;
 }
 
 } // namespace orbelantine

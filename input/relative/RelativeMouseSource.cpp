@@ -157,6 +157,10 @@ void RelativeMouseSource::rotationChanged(std::int32_t rotation) {
     postEvent(&RelativeMouseState::rotationChanged, rotation);
 }
 
+void RelativeMouseSource::follow(const boost::shared_ptr<void>& mark) {
+    enqueue([mark](const auto&) {});
+}
+
 void RelativeMouseSource::updateLogicalDimensions(std::uint32_t width, std::uint32_t height) {
     ORB_LOG(kLogDebug, "%s() width=%u, height=%u", width, height);
     mLogical = {.width = saturated(width), .height = saturated(height)};

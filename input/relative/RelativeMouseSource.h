@@ -1,5 +1,6 @@
 #pragma once
 
+#include "avstack/IInputFlow.h"
 #include "core/common/config/KVStore.h"
 #include "core/common/run/CallGate.h"
 #include "core/common/run/StateMachine.h"
@@ -24,7 +25,8 @@ class IRemoteMouseInfoProvider;
 /// posted to the machine's worker, which alone touches the fields and pauses on purpose to pace
 /// what goes out. The destructor drops what is queued, ends the source as stop() does and waits for
 /// it; it isn't run on the worker.
-class RelativeMouseSource final : public StateMachine<RelativeMouseSource, RelativeMouseState> {
+class RelativeMouseSource final : public StateMachine<RelativeMouseSource, RelativeMouseState>,
+                                  public IInputFlow {
   public:
     /// Reads "hint" (the phone's profile) and "apple" from its copy of `store` at each start. The
     /// model begins with the logical dimensions that any source has last been told of.
@@ -53,6 +55,8 @@ class RelativeMouseSource final : public StateMachine<RelativeMouseSource, Relat
     void rmiLogicalDimensions(std::int32_t width, std::int32_t height, double scale,
                               std::int32_t inset) override;
     void rotationChanged(std::int32_t rotation) override;
+
+    void follow(const boost::shared_ptr<void>& mark) override;
 
     [[nodiscard]] std::string getName() const override { return "RelativeMouseSource"; }
 

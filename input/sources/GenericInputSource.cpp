@@ -76,6 +76,14 @@ void GenericInputSource::refresh() {
     mRefreshPending = 1;
 }
 
+void GenericInputSource::follow(const boost::shared_ptr<void>& mark) {
+    const std::lock_guard lock(mMutex);
+    if (mKeyboardSource)
+        mKeyboardSource->follow(mark);
+    if (auto* flow = dynamic_cast<IInputFlow*>(mMouseSource.get()))
+        flow->follow(mark);
+}
+
 /// Handlers run under the lock. The slot tracks this object: an event under way on the surface's
 /// thread keeps it alive to the event's end, and may find it stopped.
 template <class Signal, class Handler>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "avstack/IInputFlow.h"
 #include "avstack/IInputSource.h"
 #include "input/context/IInputContext.h"
 
@@ -23,6 +24,7 @@ struct InputFormat;
 /// format asks for one, a mouse source, which deliver to the target by themselves. Held by a shared
 /// pointer. Any thread may call; one lock guards all, and is held while a source takes an event.
 class GenericInputSource final : public IInputSource,
+                                 public IInputFlow,
                                  public boost::enable_shared_from_this<GenericInputSource> {
   public:
     /// Reads the surface and "apple".
@@ -39,6 +41,7 @@ class GenericInputSource final : public IInputSource,
     void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override;
     /// The next click tells the mouse source that the phone may have come back.
     void refresh() override;
+    void follow(const boost::shared_ptr<void>& mark) override;
 
   private:
     enum class PointerEvent { Down, Up, Update };

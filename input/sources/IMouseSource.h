@@ -14,8 +14,6 @@ class IMediaElement;
 /// made from the class itself.
 class IMouseSource {
   public:
-    class Dummy;
-
     virtual void registerTarget(const boost::shared_ptr<IMediaElement>& target) = 0;
     virtual void start(const boost::shared_ptr<IInputContext>& context) = 0;
     virtual void stop() = 0;

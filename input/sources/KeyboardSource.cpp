@@ -22,6 +22,9 @@ namespace {
 
 constexpr int kFirstAndroidWithWinSpace = 7;
 
+constexpr char kVersionText[] = "%s() \"osVersion\" is to begin with Android's major version, as "
+                                "in 8.1.0, and not as in \"%s\"";
+
 constexpr char kWinSpaceText[] =
     "%s() Ctrl + Space identified with Android 7+. Making it Win + Space";
 
@@ -30,8 +33,10 @@ int majorVersion(const std::string& version) {
     try {
         return std::stoi(version.substr(0, version.find_first_of(".,")));
     } catch (const std::invalid_argument&) {
+        ORB_LOG(kLogError, kVersionText, version.c_str());
         throw std::invalid_argument("invalid stoi argument");
     } catch (const std::out_of_range&) {
+        ORB_LOG(kLogError, kVersionText, version.c_str());
         throw std::out_of_range("stoi argument out of range");
     }
 }
@@ -55,6 +60,7 @@ KeyboardSource::KeyboardSource(const KVStore& settings, const InputFormat& forma
 
 KeyboardSource::~KeyboardSource() {
     ORB_TRACED();
+    mEnding = true;
     mWorker.stop();
 }
 
@@ -73,6 +79,10 @@ void KeyboardSource::keyUp(std::uint32_t vk, std::uint32_t scanCode) {
 
 void KeyboardSource::releaseAllKeys() {
     mWorker.post([this] { releaseAllKeysInternal(); });
+}
+
+void KeyboardSource::follow(const boost::shared_ptr<void>& mark) {
+    mWorker.post([mark] {});
 }
 
 bool KeyboardSource::handleUnicode(std::uint32_t vk, bool down) {
@@ -97,7 +107,7 @@ void KeyboardSource::keyDownInternal(std::uint32_t vk, std::uint32_t scanCode,
     }
     if (isPressed(scanCode))
         return;
-    for (std::int32_t i = 0; i < repeatCount; ++i)
+    for (std::int32_t i = 0; i < repeatCount && !mEnding; ++i)
         sendKey(true, scanCode, vk);
     press(vk, scanCode);
 }

@@ -5,6 +5,7 @@
 #include <boost/smart_ptr/atomic_shared_ptr.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 
@@ -39,6 +40,8 @@ class KeyboardSource {
     void keyUp(std::uint32_t vk, std::uint32_t scanCode);
     /// A key's own up that follows sends nothing.
     void releaseAllKeys();
+    /// Lets go of `mark` behind the events so far.
+    void follow(const boost::shared_ptr<void>& mark);
 
   private:
     [[nodiscard]] bool handleUnicode(std::uint32_t vk, bool down);
@@ -60,6 +63,8 @@ class KeyboardSource {
     std::map<std::int32_t, std::uint32_t> mPressed;
     bool mCtrlSpaceFix = false;
     bool mWinSubstituted = false;
+    // Set by the destructor: a run of repeats may be long.
+    std::atomic<bool> mEnding = false;
     IoThread mWorker{"KeyboardSource"};
 };
 

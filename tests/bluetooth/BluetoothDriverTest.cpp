@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <thread>
+#include <utility>
 
 namespace orbelantine {
 namespace {
@@ -193,6 +195,43 @@ TEST_F(BluetoothDriverTest, OtherNotificationsAreNoRemoval) {
         removed.get_future().wait();
     }
     EXPECT_EQ(removals, 1);
+}
+
+TEST_F(BluetoothDriverTest, RemovalOfAnEarlierOpeningIsNotThePresentOnes) {
+    std::promise<void> mayEnd;
+    std::promise<void> entered;
+    std::atomic<int> removals = 0;
+    ASSERT_FALSE(open([&](error_code) {
+        ++removals;
+        entered.set_value();
+        mayEnd.get_future().wait();
+    }));
+    mApi.simulateRemoval();
+    entered.get_future().wait();
+    // Told of twice: the second waits behind the first.
+    mApi.simulateRemoval();
+    mDriver.close();
+    std::promise<void> removed;
+    ASSERT_FALSE(open([&](error_code) {
+        ++removals;
+        removed.set_value();
+    }));
+    mayEnd.set_value();
+    mApi.simulateRemoval();
+    removed.get_future().wait();
+    EXPECT_EQ(removals, 2);
+}
+
+TEST_F(BluetoothDriverTest, CloseEndsARequestThatHangsBeforeItGivesBackTheHandle) {
+    ASSERT_FALSE(open());
+    mApi.simulateHang(driver::kGetVersion);
+    std::int16_t version = 0;
+    auto asking = std::async(std::launch::async,
+                             [&] { return mDriver.getVersion(driver::kGetVersion, version); });
+    mApi.awaitHang();
+    mDriver.close();
+    EXPECT_EQ(mApi.held(), 0u);
+    EXPECT_EQ(asking.get(), apiCode(995, "Driver:DeviceIoControl"));
 }
 
 TEST_F(BluetoothDriverTest, CloseDropsTheCallbackEvenWhenNothingIsOpen) {

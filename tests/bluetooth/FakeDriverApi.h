@@ -4,6 +4,7 @@
 #include "bluetooth/DriverProtocol.h"
 #include "core/common/errors/ErrorCode.h"
 
+#include <condition_variable>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -61,6 +62,15 @@ class FakeDriverApi : public DriverApi {
 
     /// The peer refuses a channel.
     void simulateRefusedPsm(std::uint16_t psm) { mRefusedPsm = psm; }
+
+    /// Requests of that code don't come back until they are cancelled.
+    void simulateHang(std::uint32_t code) { mHangingCode = code; }
+
+    /// Until a request hangs.
+    void awaitHang() {
+        std::unique_lock lock(mMutex);
+        mChanged.wait(lock, [&] { return mHanging > 0; });
+    }
 
     /// The peer closes its channels: the driver answers that none stands.
     void simulateChannelsGone() {
@@ -175,6 +185,12 @@ class FakeDriverApi : public DriverApi {
         mFiles.erase(file);
     }
 
+    void cancelRequests(Handle file) override {
+        const std::lock_guard lock(mMutex);
+        mFiles.at(file).cancelled = true;
+        mChanged.notify_all();
+    }
+
     Error deviceIoControl(Handle file, std::uint32_t code, const void* input,
                           std::uint32_t inputSize, void* output, std::uint32_t outputSize,
                           std::uint32_t& returned) override {
@@ -184,6 +200,8 @@ class FakeDriverApi : public DriverApi {
             std::uint32_t answered = 0;
             if (mFiles.count(file) == 0)
                 return win32::kErrorInvalidHandle;
+            if (code == mHangingCode)
+                return hang(mFiles[file]);
             if (const Error error = answer(mFiles[file], mRequests.back(), answered, returned))
                 return error;
             if (returned > outputSize)
@@ -247,6 +265,7 @@ class FakeDriverApi : public DriverApi {
     struct OpenFile {
         std::uint16_t psm = 0;
         bool stands = false;
+        bool cancelled = false;
     };
 
     template <class T>
@@ -266,6 +285,17 @@ class FakeDriverApi : public DriverApi {
         if (found != mFailures.end() && found->second)
             return found->second;
         return static_cast<Error>(action());
+    }
+
+    /// Under the lock, which it lets go.
+    Error hang(const OpenFile& file) {
+        ++mHanging;
+        mChanged.notify_all();
+        std::unique_lock lock(mMutex, std::adopt_lock);
+        mChanged.wait(lock, [&] { return file.cancelled; });
+        lock.release();
+        --mHanging;
+        return win32::kErrorOperationAborted;
     }
 
     Error answer(OpenFile& file, const Request& request, std::uint32_t& output,
@@ -302,6 +332,9 @@ class FakeDriverApi : public DriverApi {
     std::int16_t mVersion = driver::kExpectedHidVersion;
     std::uint32_t mType = 0;
     std::uint16_t mRefusedPsm = 0;
+    std::uint32_t mHangingCode = 0;
+    int mHanging = 0;
+    std::condition_variable mChanged;
     std::pair<std::size_t, Error> mFailingCall;
     std::map<std::string, Error> mFailures;
     std::function<void()> mOnWrite;

@@ -17,8 +17,8 @@ using test::HandClock;
 using Channel = WindowsBluetoothHIDDevice::Channel;
 using Bytes = FakeDriverApi::Bytes;
 
-constexpr const char* kAddress = "01:23:45:67:89:AB";
-const std::string kLogName = "orbelantine::WindowsBluetoothHIDDevice::";
+constexpr const char* kPhone = "01:23:45:67:89:AB";
+const std::string kDeviceLogName = "orbelantine::WindowsBluetoothHIDDevice::";
 
 class WindowsBluetoothHIDDeviceTest : public testing::Test {
   protected:
@@ -53,11 +53,11 @@ TEST_F(WindowsBluetoothHIDDeviceTest, ChecksForExactlyOneVersion) {
 }
 
 TEST_F(WindowsBluetoothHIDDeviceTest, ConnectSendsAddressBackwardsThenPsmThenChannel) {
-    EXPECT_EQ(mDevice.connect(kAddress, 17), 1);
-    EXPECT_EQ(mDevice.connect(kAddress, 19), 2);
+    EXPECT_EQ(mDevice.connect(kPhone, 17), 1);
+    EXPECT_EQ(mDevice.connect(kPhone, 19), 2);
     EXPECT_EQ(mDevice.channel(), 2);
     mApi.simulateRefusedPsm(0x1234);
-    EXPECT_EQ(mDevice.connect(kAddress, 0x1234), 0);
+    EXPECT_EQ(mDevice.connect(kPhone, 0x1234), 0);
     EXPECT_EQ(mDevice.channel(), 2);
     const std::vector<FakeDriverApi::Request> expected = {
         {0x220000, {0xAB, 0x89, 0x67, 0x45, 0x23, 0x01, 17, 0, 1, 0}},
@@ -89,9 +89,9 @@ TEST_F(WindowsBluetoothHIDDeviceTest, AddressIsReadByPositionAloneAndHasSeventee
     for (const char* text : {"", "01:23:45:67:89:A", "01:23:45:67:89:ABC"})
         EXPECT_EQ(mDevice.connect(text, 17), 0) << text;
     EXPECT_EQ(mApi.requests().size(), std::size(addresses));
-    EXPECT_EQ(
-        log.take(),
-        std::vector(3, CapturedLog::Line{kLogError, kLogName + "convertBthAddress() Wrong size"}));
+    EXPECT_EQ(log.take(),
+              std::vector(3, CapturedLog::Line{kLogError,
+                                               kDeviceLogName + "convertBthAddress() Wrong size"}));
 }
 
 TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAWriteOfMoreThanFiveMillisecondsIsLoggedAsSlow) {
@@ -101,7 +101,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAWriteOfMoreThanFiveMillisecondsIsLogg
         EXPECT_TRUE(mDevice.sendData("x", 1));
         std::vector<CapturedLog::Line> expected;
         if (ms > 5)
-            expected.push_back({kLogTrace, kLogName + "sendData() WriteFile took " +
+            expected.push_back({kLogTrace, kDeviceLogName + "sendData() WriteFile took " +
                                                std::to_string(ms) + " ms!!!"});
         EXPECT_EQ(log.take(), expected) << ms;
     }
@@ -114,14 +114,14 @@ TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAnOpenDeviceIsAsked) {
     EXPECT_EQ(type, 0x01020304u);
     mDevice.close();
     CapturedLog log(kLogError);
-    EXPECT_EQ(mDevice.connect(kAddress, 17), 0);
+    EXPECT_EQ(mDevice.connect(kPhone, 17), 0);
     EXPECT_EQ(mDevice.isConnected(), Channel::Unknown);
     EXPECT_FALSE(mDevice.sendData("x", 1));
     EXPECT_FALSE(mDevice.getType(type));
     EXPECT_EQ(type, 0x01020304u);
     std::vector<CapturedLog::Line> expected;
     for (const char* name : {"connect", "isConnected", "sendData", "getType"})
-        expected.push_back({kLogError, kLogName + name + "() Device is not open"});
+        expected.push_back({kLogError, kDeviceLogName + name + "() Device is not open"});
     EXPECT_EQ(log.take(), expected);
     EXPECT_EQ(mApi.requests().size(), 1u);
     EXPECT_TRUE(mApi.writes().empty());

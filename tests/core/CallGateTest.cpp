@@ -8,8 +8,8 @@
 namespace orbelantine {
 namespace {
 
-constexpr std::chrono::milliseconds kLong{60000};
-constexpr std::chrono::milliseconds kShort{1};
+constexpr std::chrono::milliseconds kLongBound{60000};
+constexpr std::chrono::milliseconds kShortBound{1};
 
 TEST(CallGate, LetsCallsInUntilItIsShut) {
     CallGate gate;
@@ -18,18 +18,18 @@ TEST(CallGate, LetsCallsInUntilItIsShut) {
         const CallGate::Call inner(gate);
         EXPECT_TRUE(outer.inside() && inner.inside());
     }
-    EXPECT_TRUE(gate.shut(kLong));
+    EXPECT_TRUE(gate.shut(kLongBound));
     EXPECT_FALSE(CallGate::Call(gate).inside());
-    EXPECT_TRUE(gate.shut(kLong));
+    EXPECT_TRUE(gate.shut(kLongBound));
 }
 
 TEST(CallGate, ShuttingGivesUpOnACallThatStays) {
     CallGate gate;
     auto call = std::make_unique<CallGate::Call>(gate);
-    EXPECT_FALSE(gate.shut(kShort));
+    EXPECT_FALSE(gate.shut(kShortBound));
     EXPECT_FALSE(CallGate::Call(gate).inside());
     call.reset();
-    EXPECT_TRUE(gate.shut(kShort));
+    EXPECT_TRUE(gate.shut(kShortBound));
 }
 
 TEST(CallGate, ShuttingEndsWithTheLastCall) {
@@ -40,7 +40,7 @@ TEST(CallGate, ShuttingEndsWithTheLastCall) {
             std::this_thread::yield();
         call.reset();
     });
-    EXPECT_TRUE(gate.shut(kLong));
+    EXPECT_TRUE(gate.shut(kLongBound));
     leaver.join();
 }
 

@@ -1,6 +1,10 @@
 #include "core/common/run/IDelayTimer.h"
+#include "core/common/run/RunQueue.h"
 #include "tests/support/HandClock.h"
 
+#include <boost/asio/error.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>
 
@@ -48,7 +52,7 @@ TEST_P(DelayTimer, DueTimersEndFromTheQueueInOrderOfExpiry) {
         later->asyncWait(note("later"));
         EXPECT_TRUE(mEnded.empty());
     });
-    mIoService->run();
+    runQueue(*mIoService);
     EXPECT_EQ(mEnded, (std::vector<std::string>{"earlier", "later"}));
 }
 
@@ -63,7 +67,7 @@ TEST_P(DelayTimer, CancelEndsTheWaitAndTakesBackAQueuedSuccess) {
     });
     due->asyncWait(note("due"));
     late->asyncWait(note("late"));
-    mIoService->run();
+    runQueue(*mIoService);
     EXPECT_EQ(mEnded, (std::vector<std::string>{"due aborted", "late aborted"}));
 }
 

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orbelantine {
@@ -72,12 +73,40 @@ TEST(KVStore, CopyIsDeepAndSharesOnlyThePointee) {
     EXPECT_EQ(copy.getContextAt("window"), &pointee);
 }
 
-TEST(KVStore, StoreMayHoldACopyOfItself) {
-    KVStore store;
-    store.setIntAt("a", 1);
-    store.setKVStoreAt("self", store);
-    EXPECT_EQ(store.getKVStoreAt("self").getIntAt("a"), 1);
-    EXPECT_TRUE(store.getKVStoreAt("self").getKVStoreMap().empty());
+/// The store's number and, within parentheses, its nested stores.
+std::string shape(KVStore& store) {
+    std::string text = std::to_string(store.getIntAt("number"));
+    for (auto& [key, inner] : store.getKVStoreMap())
+        text += " " + key + "(" + shape(inner) + ")";
+    return text;
+}
+
+KVStore& innermost(KVStore& store) {
+    return store.getKVStoreAt("a").getKVStoreAt("b");
+}
+
+TEST(KVStore, WhatIsPlacedMayLieWithinWhatItReplacesOrAroundIt) {
+    const struct {
+        void (*place)(KVStore&);
+        const char* result;
+    } cases[] = {
+        {[](KVStore& s) { s.setKVStoreAt("a", innermost(s)); }, "1 a(3)"},
+        {[](KVStore& s) { s.setKVStoreAt("a", s); }, "1 a(1 a(2 b(3)))"},
+        {[](KVStore& s) { s.getKVStoreMap()["a"] = innermost(s); }, "1 a(3)"},
+        {[](KVStore& s) { s.getKVStoreMap()["c"] = s; }, "1 a(2 b(3)) c(1 a(2 b(3)))"},
+        {[](KVStore& s) { s = innermost(s); }, "3"},
+        {[](KVStore& s) { s = std::move(s.getKVStoreAt("a")); }, "2 b(3)"},
+        {[](KVStore& s) { (void)s.getKVStoreAt("c", s); }, "1 a(2 b(3)) c(1 a(2 b(3)))"},
+    };
+
+    for (const auto& [place, result] : cases) {
+        KVStore store;
+        store.setIntAt("number", 1);
+        store.getKVStoreAt("a").setIntAt("number", 2);
+        innermost(store).setIntAt("number", 3);
+        place(store);
+        EXPECT_EQ(shape(store), result);
+    }
 }
 
 } // namespace

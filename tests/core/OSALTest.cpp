@@ -1,7 +1,7 @@
 #include "core/common/OSAL.h"
 
-#include "core/common/IPerfManager.h"
 #include "core/common/config/INetworkOptimizer.h"
+#include "core/common/config/NullObjects.h"
 #include "core/common/config/PipelineNames.h"
 
 #include <boost/exception/get_error_info.hpp>

@@ -13,7 +13,7 @@ using Mouse = IInputMediaBufferMouse;
 using Bytes = test::FakeHidDevice::Bytes;
 using test::CapturedLog;
 
-constexpr const char* kAddress = "01:23:45:67:89:AB";
+constexpr const char* kPhone = "01:23:45:67:89:AB";
 
 boost::shared_ptr<IMediaBuffer> mouseBuffer(std::uint8_t type, std::int32_t x = 0) {
     return boost::make_shared<Mouse>(x, 0, type, false);
@@ -48,16 +48,16 @@ TEST_F(BluetoothHidClient, FrameThatIsNoInputIsLoggedAndNotSent) {
 
 TEST_F(BluetoothHidClient, ForwardsToTheDeviceAndRelaysItsDisconnection) {
     const error_code failure(7, boost::system::generic_category());
-    EXPECT_EQ(mClient.connect(kAddress), error_code());
+    EXPECT_EQ(mClient.connect(kPhone), error_code());
     EXPECT_TRUE(mClient.isConnected());
     mScript.onConnect = [&] { return failure; };
-    EXPECT_EQ(mClient.connect(kAddress), failure);
+    EXPECT_EQ(mClient.connect(kPhone), failure);
     EXPECT_FALSE(mClient.isConnected());
     mScript.unplugResult = failure;
     EXPECT_EQ(mClient.virtualCableUnplug(), failure);
     mClient.forceDisconnect();
     mClient.disconnect();
-    const std::string connect = std::string("connect ") + kAddress;
+    const std::string connect = std::string("connect ") + kPhone;
     EXPECT_EQ(mScript.journal.take(),
               (test::Names{connect, connect, "unplug", "force", "disconnect"}));
     std::vector<error_code> raised;
@@ -73,7 +73,7 @@ TEST(BluetoothHidClientFactory, GivesTheRealClientAndTheDummyByName) {
     };
     EXPECT_NE(dynamic_cast<BluetoothHIDClient*>(create("").get()), nullptr);
     const auto dummy = create("IBluetoothHIDClient::Dummy");
-    EXPECT_EQ(dummy->connect(kAddress), error_code());
+    EXPECT_EQ(dummy->connect(kPhone), error_code());
     EXPECT_FALSE(dummy->isConnected());
 }
 

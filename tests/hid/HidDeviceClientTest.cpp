@@ -2,6 +2,7 @@
 
 #include "core/common/OSAL.h"
 #include "core/common/errors/ErrorAreas.h"
+#include "core/common/run/WorkerThread.h"
 #include "hid/channel/IHIDDeviceClientDummy.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/support/CapturedLog.h"
@@ -10,7 +11,11 @@
 #include <boost/smart_ptr/make_shared.hpp>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cerrno>
 #include <functional>
+#include <future>
+#include <system_error>
 #include <thread>
 
 namespace orbelantine {
@@ -23,12 +28,12 @@ using Write = FakeDriverApi::Write;
 using Lines = std::vector<CapturedLog::Line>;
 using Pauses = std::vector<IClock::Duration>;
 
-constexpr const char* kAddress = "01:23:45:67:89:AB";
+constexpr const char* kPeer = "01:23:45:67:89:AB";
 constexpr std::uint8_t kReport[] = {0xA1, 0x02, 0x05};
 const Write kGreeting = {17, {0xA1, 0x13, 0x03}};
 const Write kUnplug = {17, {0x15}};
 
-error_code hidCode(int value) {
+error_code codeOf(int value) {
     return HidErrors::getErrorCode(value);
 }
 
@@ -48,7 +53,7 @@ class HidDeviceClient : public testing::Test {
         mClient->onDisconnected.connect([this](error_code ec) { mDisconnected.push_back(ec); });
     }
 
-    void connect() { ASSERT_EQ(mClient->connect(kAddress), error_code()); }
+    void connect() { ASSERT_EQ(mClient->connect(kPeer), error_code()); }
 
     FakeDriverApi mApi;
     HandClock mClock;
@@ -58,8 +63,8 @@ class HidDeviceClient : public testing::Test {
 
 TEST_F(HidDeviceClient, ConnectsControlThenInterruptThenGreetsTwiceAndRefusesToConnectAgain) {
     EXPECT_FALSE(mClient->isConnected());
-    EXPECT_EQ(mClient->connect(kAddress), error_code());
-    EXPECT_EQ(mClient->connect(kAddress), hidCode(HidErrors::InvalidState));
+    EXPECT_EQ(mClient->connect(kPeer), error_code());
+    EXPECT_EQ(mClient->connect(kPeer), codeOf(HidErrors::InvalidState));
     EXPECT_TRUE(mClient->isConnected());
     EXPECT_EQ(mApi.openFiles(), 2u);
     std::vector<std::uint16_t> psms;
@@ -83,7 +88,7 @@ TEST_F(HidDeviceClient, EachCallThatFailsDuringConnectHasItsCodeAndLeavesEveryth
         const bool harmless = calls[i] == "CM_Register_Notification" || i == 18;
         const error_code expected = harmless ? error_code() : socketCode(asksVersion ? 136 : -1);
         mApi.simulateFailure(mApi.calls().size() + i + 1, 1450);
-        EXPECT_EQ(mClient->connect(kAddress), expected) << calls[i] << ' ' << i;
+        EXPECT_EQ(mClient->connect(kPeer), expected) << calls[i] << ' ' << i;
         EXPECT_EQ(mClient->isConnected(), harmless) << calls[i] << ' ' << i;
         EXPECT_EQ(mApi.openFiles(), harmless ? 2u : 0u) << calls[i] << ' ' << i;
         mClient->disconnect();
@@ -142,15 +147,60 @@ TEST_F(HidDeviceClient, ForcedDisconnectClosesTheDevicesUnderAClientThatStaysCon
     EXPECT_TRUE(mClient->isConnected());
 }
 
+TEST_F(HidDeviceClient, ForcedDisconnectBreaksACallThatHangsInTheDriverAndTheNextOneConnects) {
+    const struct {
+        std::uint32_t hangingCode;
+        int expected;
+    } cases[] = {{driver::kGetVersion, 136}, {driver::kConnect, -1}};
+
+    for (const auto& [hangingCode, expected] : cases) {
+        mApi.simulateHang(hangingCode);
+        auto connected = std::async(std::launch::async, [&] { return mClient->connect(kAddress); });
+        mApi.awaitHang();
+        mClient->forceDisconnect();
+        EXPECT_EQ(connected.get(), socketCode(expected)) << hangingCode;
+        EXPECT_EQ(mApi.held(), 0u) << hangingCode;
+        mApi.simulateHang(0);
+        connect();
+        mClient->disconnect();
+    }
+    connect();
+    mApi.simulateHang(driver::kIsConnected);
+    auto unplugged = std::async(std::launch::async, [&] { return mClient->virtualCableUnplug(); });
+    mApi.awaitHang();
+    mClient->forceDisconnect();
+    EXPECT_EQ(unplugged.get(), hidCode(HidErrors::SocketIsDisconnected));
+}
+
+std::atomic<int> threadsLeft;
+
+std::thread makeThreadIfAnyIsLeft(std::function<void()> body) {
+    if (threadsLeft-- <= 0)
+        throw std::system_error(EAGAIN, std::generic_category());
+    return makeThread(std::move(body));
+}
+
+TEST_F(HidDeviceClient, ChannelWithoutAThreadIsAFailedConnect) {
+    setThreadMaker(&makeThreadIfAnyIsLeft);
+    for (const int left : {0, 1}) {
+        threadsLeft = left;
+        EXPECT_EQ(mClient->connect(kAddress), error_code(11, boost::system::generic_category()))
+            << left;
+        EXPECT_EQ(mApi.held(), 0u) << left;
+    }
+    setThreadMaker(&makeThread);
+    connect();
+}
+
 TEST_F(HidDeviceClient, UnplugThatCannotBeAskedForIsRefusedAtOnce) {
-    EXPECT_EQ(mClient->virtualCableUnplug(), hidCode(HidErrors::InvalidState));
+    EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::InvalidState));
     EXPECT_TRUE(mApi.calls().empty());
     connect();
     mApi.simulateFailureOf("WriteFile", 433);
     EXPECT_EQ(mClient->virtualCableUnplug(), socketCode(-1));
     mApi.simulateFailureOf("WriteFile", 0);
     mApi.simulateChannelsGone();
-    EXPECT_EQ(mClient->virtualCableUnplug(), hidCode(HidErrors::SocketIsDisconnected));
+    EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::SocketIsDisconnected));
     EXPECT_EQ(mApi.writes().back(), kGreeting);
     EXPECT_TRUE(mClock.pauses().empty());
     EXPECT_TRUE(mClient->isConnected());
@@ -181,7 +231,7 @@ TEST_F(HidDeviceClient, UnplugEndsWhenThePeerClosesItsSideOrTheProbeFails) {
 TEST_F(HidDeviceClient, PeerThatNeverClosesTimesOutAndStaysConnected) {
     connect();
     CapturedLog log(kLogWarning);
-    EXPECT_EQ(mClient->virtualCableUnplug(), hidCode(HidErrors::TimeoutReached));
+    EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::TimeoutReached));
     EXPECT_EQ(mClock.pauses(), Pauses(10, std::chrono::milliseconds(500)));
     EXPECT_EQ(log.take().size(), 10u);
     EXPECT_TRUE(mClient->isConnected());
@@ -207,7 +257,7 @@ TEST_F(HidDeviceClient, ThreadsMaySendAndTearDownAtWill) {
                 else if (i == 1)
                     mApi.simulateRemoval();
                 else
-                    mClient->disconnect(), (void)mClient->connect(kAddress);
+                    mClient->disconnect(), (void)mClient->connect(kPeer);
             }
         });
     for (auto& thread : threads)
@@ -223,7 +273,7 @@ TEST(HidDeviceClientFactory, GivesTheRealClientAndTheDummyByName) {
     const auto dummy = osalCreate<IHIDDeviceClient>(factory, "IHIDDeviceClient", KVStore(),
                                                     "IHIDDeviceClient::Dummy");
     EXPECT_NE(dynamic_cast<IHIDDeviceClient::Dummy*>(dummy.get()), nullptr);
-    EXPECT_EQ(dummy->connect(kAddress), error_code());
+    EXPECT_EQ(dummy->connect(kPeer), error_code());
     EXPECT_FALSE(dummy->isConnected());
 }
 

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <thread>
 
 namespace orbelantine {
@@ -19,28 +20,29 @@ using test::Names;
 using Lines = std::vector<CapturedLog::Line>;
 using Pauses = std::vector<IClock::Duration>;
 
-const std::string kConnect = "connect 01:23:45:67:89:AB";
-const error_code kRefused(111, boost::system::generic_category());
+const std::string kPhoneConnect = "connect 01:23:45:67:89:AB";
+const error_code kPhoneRefused(111, boost::system::generic_category());
+const error_code kTakenBack = HidErrors::getErrorCode(HidErrors::InvalidState);
 const std::string kClient = "orbelantine::HidInputClient::";
 
 class HidInput : public testing::Test {
   protected:
     HidInput() {
-        mClient.onConnected.connect([this] { note("onConnected"); });
-        mClient.onDisconnected.connect(
+        mClient->onConnected.connect([this] { note("onConnected"); });
+        mClient->onDisconnected.connect(
             [this](error_code ec) { note("onDisconnected " + std::to_string(ec.value())); });
-        mClient.onHidSdpRefresh.connect(
+        mClient->onHidSdpRefresh.connect(
             [this](error_code ec) { note("refreshed " + std::to_string(ec.value())); });
     }
 
     void note(const std::string& what) { mChain.script.journal.note(what); }
 
     error_code connect() {
-        return test::await([this](const auto& done) { mClient.connect(mPeer, done); });
+        return test::await([this](const auto& done) { mClient->connect(mPeer, done); });
     }
 
     error_code disconnect() {
-        return test::await([this](const auto& done) { mClient.disconnect(done); });
+        return test::await([this](const auto& done) { mClient->disconnect(done); });
     }
 
     /// What was noted since the last call, the service record left out.
@@ -53,7 +55,8 @@ class HidInput : public testing::Test {
     const BluetoothPeer mPeer{CMacAddress(std::uint64_t{0x0123456789AB})};
     test::FakeChain mChain;
     test::HandClock mClock;
-    HidInputClient mClient{KVStore(), mClock};
+    boost::shared_ptr<HidInputClient> mClient =
+        boost::make_shared<HidInputClient>(KVStore(), mClock);
 };
 
 TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
@@ -61,8 +64,8 @@ TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
     EXPECT_EQ(connect(), error_code());
     EXPECT_EQ(connect(), HidErrors::getErrorCode(HidErrors::AlreadyStarted));
     EXPECT_EQ(disconnect(), error_code());
-    EXPECT_EQ(take(), (Names{"client", "source 3 2 1 2", "source start", kConnect, "onConnected",
-                             "source stop", "disconnect"}));
+    EXPECT_EQ(take(), (Names{"client", "source 3 2 1 2", "source start", kPhoneConnect,
+                             "onConnected", "source stop", "disconnect"}));
     EXPECT_EQ(connect(), error_code());
     const std::string already = HidErrors::getErrorCode(HidErrors::AlreadyStarted).message();
     EXPECT_EQ(log.take(),
@@ -75,21 +78,21 @@ TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
 
 TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
     CapturedLog log(kLogError);
-    mChain.script.onConnect = [] { return kRefused; };
+    mChain.script.onConnect = [] { return kPhoneRefused; };
     std::thread::id onCompletion;
     std::promise<std::thread::id> onSignal;
-    mClient.onDisconnected.connect(
+    mClient->onDisconnected.connect(
         [&](error_code) { onSignal.set_value(std::this_thread::get_id()); });
     const auto operation = [&](const auto& done) {
-        mClient.connect(mPeer, [&, done](error_code ec) {
+        mClient->connect(mPeer, [&, done](error_code ec) {
             onCompletion = std::this_thread::get_id();
             done(ec);
         });
     };
-    EXPECT_EQ(test::await(operation), kRefused);
+    EXPECT_EQ(test::await(operation), kPhoneRefused);
     EXPECT_EQ(onSignal.get_future().get(), onCompletion);
     EXPECT_EQ(take().back(), "onDisconnected 111");
-    const std::string refused = kRefused.message();
+    const std::string refused = kPhoneRefused.message();
     EXPECT_EQ(
         log.take(),
         (Lines{{kLogError, kClient + "startHID() failed starting HID, ec=" + refused},
@@ -97,40 +100,41 @@ TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
 }
 
 TEST_F(HidInput, RecordRefreshRunsOnceAndGivesThePhoneThreeSeconds) {
-    mClient.setHidRemoteSdpRefresh(true);
-    mChain.script.unplugResult = kRefused;
+    mClient->setHidRemoteSdpRefresh(true);
+    mChain.script.unplugResult = kPhoneRefused;
     EXPECT_EQ(connect(), error_code());
     EXPECT_EQ(mClock.pauses(), Pauses{3s});
     EXPECT_EQ(disconnect(), error_code());
-    EXPECT_EQ(take(), (Names{"client", kConnect, "unplug", "disconnect", kConnect, "disconnect",
-                             "refreshed 111", "client", "source 3 2 1 2", "source start", kConnect,
-                             "onConnected", "source stop", "disconnect"}));
+    EXPECT_EQ(take(),
+              (Names{"client", kPhoneConnect, "unplug", "disconnect", kPhoneConnect, "disconnect",
+                     "refreshed 111", "client", "source 3 2 1 2", "source start", kPhoneConnect,
+                     "onConnected", "source stop", "disconnect"}));
     EXPECT_EQ(connect(), error_code());
     EXPECT_EQ(mClock.pauses(), Pauses{3s});
 }
 
 TEST_F(HidInput, RefreshThatCannotReachThePeerStillStartsAndSucceeds) {
-    mClient.setHidRemoteSdpRefresh(true);
-    mChain.script.onConnect = [] { return kRefused; };
+    mClient->setHidRemoteSdpRefresh(true);
+    mChain.script.onConnect = [] { return kPhoneRefused; };
     EXPECT_EQ(connect(), error_code());
     EXPECT_EQ(mClock.pauses(), Pauses{3s});
     EXPECT_EQ(disconnect(), error_code());
-    EXPECT_EQ(take(),
-              (Names{"client", kConnect, "refreshed 111", "client", "source 3 2 1 2",
-                     "source start", kConnect, "onDisconnected 111", "source stop", "disconnect"}));
+    EXPECT_EQ(take(), (Names{"client", kPhoneConnect, "refreshed 111", "client", "source 3 2 1 2",
+                             "source start", kPhoneConnect, "onDisconnected 111", "source stop",
+                             "disconnect"}));
 }
 
 TEST_F(HidInput, PauseResumeAndIdleTimeoutReachTheLink) {
     EXPECT_EQ(connect(), error_code());
     mChain.script.journal.await("onConnected");
     take();
-    mClient.pauseConnection();
+    mClient->pauseConnection();
     mChain.script.journal.await("source refresh");
-    mClient.resumeConnection();
+    mClient->resumeConnection();
     mChain.script.journal.await("onConnected");
-    EXPECT_EQ(take(), (Names{"disconnect", "source refresh", kConnect, "onConnected"}));
+    EXPECT_EQ(take(), (Names{"disconnect", "source refresh", kPhoneConnect, "onConnected"}));
     CapturedLog log(kLogDebug);
-    mClient.setIdleTimeout(1500);
+    mClient->setIdleTimeout(1500);
     EXPECT_EQ(connect(), HidErrors::getErrorCode(HidErrors::AlreadyStarted));
     EXPECT_EQ(log.take().at(0).text, kClient + "setIdleTimeout() ms=1500");
     mClock.advance(1500ms);
@@ -139,19 +143,85 @@ TEST_F(HidInput, PauseResumeAndIdleTimeoutReachTheLink) {
 
 TEST_F(HidInput, ForcedDisconnectBreaksAConnectThatHangs) {
     int completions = 0;
-    mClient.forceDisconnect([&](error_code ec) { completions += !ec; });
-    mClient.forceDisconnect({});
+    mClient->forceDisconnect([&](error_code ec) { completions += !ec; });
+    mClient->forceDisconnect({});
     EXPECT_EQ(completions, 1);
     mChain.script.onConnect = [this] {
         mChain.script.journal.await("force");
-        return kRefused;
+        return kPhoneRefused;
     };
     std::promise<error_code> connected;
-    mClient.connect(mPeer, [&](error_code ec) { connected.set_value(ec); });
-    mChain.script.journal.await(kConnect);
-    mClient.forceDisconnect([&](error_code ec) { completions += !ec; });
+    mClient->connect(mPeer, [&](error_code ec) { connected.set_value(ec); });
+    mChain.script.journal.await(kPhoneConnect);
+    mClient->forceDisconnect([&](error_code ec) { completions += !ec; });
     EXPECT_EQ(completions, 2);
-    EXPECT_EQ(connected.get_future().get(), kRefused);
+    EXPECT_EQ(connected.get_future().get(), kPhoneRefused);
+}
+
+TEST_F(HidInput, MayBeDeletedOnItsWorkerInACompletionOrASignal) {
+    const std::function<void(const std::function<void()>& end)> places[] = {
+        [&](const auto& end) { mClient->connect(mPeer, [=](error_code) { end(); }); },
+        [&](const auto& end) {
+            mClient->onConnected.connect(end);
+            mClient->connect(mPeer, {});
+        },
+        [&](const auto& end) {
+            mChain.script.onConnect = [] { return kPhoneRefused; };
+            mClient->onDisconnected.connect([=](error_code) { end(); });
+            mClient->connect(mPeer, {});
+        },
+        [&](const auto& end) {
+            mClient->setHidRemoteSdpRefresh(true);
+            mClient->onHidSdpRefresh.connect([=](error_code) { end(); });
+            mClient->connect(mPeer, {});
+        },
+    };
+
+    for (const auto& place : places) {
+        mClient = boost::make_shared<HidInputClient>(KVStore(), mClock);
+        std::promise<void> ended;
+        std::promise<error_code> dropped;
+        place([&] {
+            mClient->disconnect([&](error_code ec) { dropped.set_value(ec); });
+            mClient.reset();
+            ended.set_value();
+        });
+        ended.get_future().wait();
+        EXPECT_EQ(dropped.get_future().get(), kTakenBack);
+    }
+}
+
+TEST_F(HidInput, DeletionBreaksAConnectThatHangsAndCompletesWhatWaits) {
+    mChain.script.onConnect = [this] {
+        mChain.script.journal.await("force");
+        return kPhoneRefused;
+    };
+    std::promise<error_code> connected;
+    std::promise<error_code> disconnected;
+    mClient->connect(mPeer, [&](error_code ec) { connected.set_value(ec); });
+    mClient->disconnect([&](error_code ec) { disconnected.set_value(ec); });
+    mChain.script.journal.await(kPhoneConnect);
+    mClient.reset();
+    EXPECT_EQ(connected.get_future().get(), kPhoneRefused);
+    EXPECT_EQ(disconnected.get_future().get(), kTakenBack);
+}
+
+TEST_F(HidInput, ExceptionOnAWorkerFailsAllThatIsAskedAndIsToldInTheLog) {
+    CapturedLog log(kLogError);
+    mChain.script.onConnect = []() -> error_code { throw std::runtime_error("out of order"); };
+    EXPECT_EQ(connect(), kTakenBack);
+    EXPECT_EQ(connect(), kTakenBack);
+    EXPECT_EQ(disconnect(), kTakenBack);
+    mClient->onEventError.connect([](error_code) {});
+    mClient->connect(mPeer, [](error_code) { throw std::runtime_error("a completion's"); });
+    EXPECT_EQ(connect(), kTakenBack);
+    mClient.reset();
+    std::string told;
+    for (const auto& line : log.take())
+        told += line.text + '\n';
+    for (const char* part : {"what: out of order", "BluetoothHIDClientManagerIoThread has ended",
+                             "what: a completion's", "HidInputClientIoThread has ended"})
+        EXPECT_NE(told.find(part), std::string::npos) << part << " in\n" << told;
 }
 
 } // namespace

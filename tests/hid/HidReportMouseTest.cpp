@@ -67,9 +67,11 @@ TEST_F(HidReportMouse, DigitizerCountsItsReportsAndWraps) {
 TEST_F(HidReportMouse, IntegersAreTakenAsStoredWhateverTheirOrder) {
     EXPECT_EQ(convert(boost::make_shared<IInputMediaBufferMouse>(5, 6, std::uint8_t{0}, true)),
               (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(convert(boost::make_shared<IInputMediaBufferMouse>(
-                  IInputMediaBufferMouse::EventData{5, 6, 0, 0, 0}, true, std::uint64_t{0})),
-              (Bytes{0xA1, 1, 0, 5, 0, 6, 0, 0, 0}));
+    EXPECT_EQ(
+        convert(boost::make_shared<IInputMediaBufferMouse>(
+            IInputMediaBufferMouse::EventData{.x = 5, .y = 6, .type = 0, .maxX = 0, .maxY = 0},
+            true, std::uint64_t{0})),
+        (Bytes{0xA1, 1, 0, 5, 0, 6, 0, 0, 0}));
 }
 
 TEST_F(HidReportMouse, OtherModesGiveNoReportAndAClearedRecordAndKeepTheState) {

@@ -23,8 +23,8 @@ using test::InputFrame;
 const std::map<std::uint32_t, std::uint32_t> kVirtualKeys{
     {0x1D, 17}, {0x39, 32}, {0xDB, 91}, {0x1E, 65}, {0, 173}};
 // A key that no script has: its up is the last frame of what was posted before.
-constexpr std::uint32_t kMarker = 250;
-constexpr InputFrame kMarkerUp{.mediaType = 9, .ch = kMarker, .event = 1, .extra = 0xFFFFFFFF};
+constexpr std::uint32_t kMarkerKey = 250;
+constexpr InputFrame kMarkerUp{.mediaType = 9, .ch = kMarkerKey, .event = 1, .extra = 0xFFFFFFFF};
 
 /// "+1e" for a down by scan code, "-v7b" for an up by virtual key, "+u20ac" for a character.
 std::string textOf(const InputFrame& frame) {
@@ -56,8 +56,8 @@ class Keyboard {
         std::istringstream words(script);
         for (std::string word; words >> word;)
             perform(word);
-        mSource.keyDown(kMarker, kMarker, 1);
-        mSource.keyUp(kMarker, kMarker);
+        mSource.keyDown(kMarkerKey, kMarkerKey, 1);
+        mSource.keyUp(kMarkerKey, kMarkerKey);
         std::string text;
         for (const InputFrame& frame : mTarget->takeUpTo(kMarkerUp))
             text += textOf(frame) + ' ';

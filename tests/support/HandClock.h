@@ -1,23 +1,17 @@
 #pragma once
 
 #include "core/common/run/Clock.h"
-#include "core/common/run/IDelayTimer.h"
 
-#include <boost/asio/error.hpp>
-#include <boost/asio/execution_context.hpp>
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/smart_ptr/enable_shared_from_this.hpp>
-#include <boost/smart_ptr/make_shared_object.hpp>
+#include <boost/smart_ptr/shared_ptr.hpp>
 
-#include <algorithm>
 #include <functional>
-#include <list>
 #include <map>
 #include <mutex>
-#include <utility>
 #include <vector>
+
+namespace boost::asio {
+class execution_context;
+}
 
 namespace orbelantine::test {
 
@@ -25,135 +19,29 @@ namespace orbelantine::test {
 /// their io_services, in order of expiry, when advance or sleepFor returns. Any thread may call.
 class HandClock final : public IClock {
   public:
-    [[nodiscard]] TimePoint now() const override {
-        const std::lock_guard lock(mMutex);
-        return mNow;
-    }
+    HandClock();
+    ~HandClock();
 
-    void sleepFor(Duration pause) override {
-        std::function<void()> hook;
-        {
-            const std::lock_guard lock(mMutex);
-            mPauses.push_back(pause);
-            hook = mOnPause;
-        }
-        advance(pause);
-        if (hook)
-            hook();
-    }
-
+    [[nodiscard]] TimePoint now() const override;
+    void sleepFor(Duration pause) override;
     [[nodiscard]] boost::shared_ptr<IDelayTimer> makeTimer(boost::asio::io_context& ioService,
-                                                           TimePoint expiry) override {
-        boost::asio::use_service<Leaving>(ioService).clock = this;
-        return boost::make_shared<Timer>(*this, ioService, expiry);
-    }
+                                                           TimePoint expiry) override;
 
-    void advance(Duration time) {
-        const std::lock_guard lock(mMutex);
-        mNow = laterBy(mNow, time);
-        wakeDue();
-    }
-
+    void advance(Duration time);
     /// Runs at the end of each pause.
-    void onPause(std::function<void()> hook) {
-        const std::lock_guard lock(mMutex);
-        mOnPause = std::move(hook);
-    }
-
-    [[nodiscard]] std::vector<Duration> pauses() const {
-        const std::lock_guard lock(mMutex);
-        return mPauses;
-    }
+    void onPause(std::function<void()> hook);
+    [[nodiscard]] std::vector<Duration> pauses() const;
 
   private:
     class Timer;
-
-    struct Wait {
-        boost::shared_ptr<Timer> timer;
-        IDelayTimer::Handler handler;
-        // Keeps the io_service running, as a real timer does.
-        boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work;
-    };
-
+    struct Leaving;
+    struct Wait;
     using Waits = std::multimap<TimePoint, Wait>;
 
-    class Timer final : public IDelayTimer, public boost::enable_shared_from_this<Timer> {
-      public:
-        Timer(HandClock& clock, boost::asio::io_context& ioService, TimePoint expiry)
-            : mClock(clock)
-            , mIoService(ioService)
-            , mExpiry(expiry) {}
-
-        void asyncWait(Handler handler) override {
-            mClock.add(mExpiry, {shared_from_this(), std::move(handler),
-                                 boost::asio::make_work_guard(mIoService)});
-        }
-
-        void cancel() override {
-            mCancelled = true;
-            mClock.wake(*this);
-        }
-
-        [[nodiscard]] boost::system::error_code result() const {
-            if (mCancelled)
-                return boost::asio::error::operation_aborted;
-            return {};
-        }
-
-      private:
-        HandClock& mClock;
-        boost::asio::io_context& mIoService;
-        const TimePoint mExpiry;
-        bool mCancelled = false;
-    };
-
-    /// Drops an io_service's waits with it, as the service of real timers does.
-    struct Leaving final : boost::asio::execution_context::service {
-        static inline boost::asio::execution_context::id id;
-        HandClock* clock = nullptr;
-
-        explicit Leaving(boost::asio::execution_context& context)
-            : service(context) {}
-
-        void shutdown() override {
-            if (clock != nullptr)
-                clock->drop(context());
-        }
-    };
-
-    void add(TimePoint expiry, Wait wait) {
-        const std::lock_guard lock(mMutex);
-        mWaits.emplace(expiry, std::move(wait));
-        wakeDue();
-    }
-
-    void wake(const Timer& timer) {
-        const std::lock_guard lock(mMutex);
-        const auto found = std::find_if(mWaits.begin(), mWaits.end(), [&](const auto& entry) {
-            return entry.second.timer.get() == &timer;
-        });
-        if (found != mWaits.end())
-            finish(mWaits.extract(found).mapped());
-    }
-
-    void drop(const boost::asio::execution_context& context) {
-        std::list<Waits::node_type> dropped;
-        const std::lock_guard lock(mMutex);
-        for (auto it = mWaits.begin(); it != mWaits.end();)
-            if (const auto here = it++; &here->second.work.get_executor().context() == &context)
-                dropped.push_back(mWaits.extract(here));
-    }
-
-    void wakeDue() {
-        while (!mWaits.empty() && mWaits.begin()->first <= mNow)
-            finish(mWaits.extract(mWaits.begin()).mapped());
-    }
-
-    static void finish(Wait& wait) {
-        const auto executor = wait.work.get_executor();
-        boost::asio::post(executor, [timer = std::move(wait.timer),
-                                     call = std::move(wait.handler)] { call(timer->result()); });
-    }
+    void add(TimePoint expiry, Wait wait);
+    void wake(const Timer& timer);
+    void drop(const boost::asio::execution_context& context);
+    void wakeDue();
 
     mutable std::mutex mMutex;
     TimePoint mNow{};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/common/errors/ErrorCode.h"
 #include "tools/virtual_phone/driver/Address.h"
 
 #include <boost/endian/conversion.hpp>
@@ -25,10 +26,11 @@ inline constexpr std::size_t kMaxPacket = 1024;
 inline constexpr std::uint32_t kRelativeMouse = 2;
 
 // The system's own error numbers, as DeviceIoControl would give them.
-inline constexpr std::uint32_t kErrorInvalidFunction = 1;
-inline constexpr std::uint32_t kErrorInvalidParameter = 87;
-inline constexpr std::uint32_t kErrorNotFound = 1168;
-inline constexpr std::uint32_t kErrorConnectionRefused = 1225;
+using win32::kErrorBusy;
+using win32::kErrorConnectionRefused;
+using win32::kErrorInvalidFunction;
+using win32::kErrorInvalidParameter;
+using win32::kErrorNotFound;
 
 template <typename T>
 [[nodiscard]] Reply littleEndian(T value) {

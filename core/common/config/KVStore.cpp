@@ -15,6 +15,18 @@ boost::shared_ptr<void> unowned(void* pointer) {
 
 } // namespace
 
+KVStore& KVStore::operator=(KVStore other) noexcept {
+    mBools.swap(other.mBools);
+    mInts.swap(other.mInts);
+    mStrings.swap(other.mStrings);
+    mWStrings.swap(other.mWStrings);
+    mStores.swap(other.mStores);
+    mContexts.swap(other.mContexts);
+    mDatas.swap(other.mDatas);
+    mFloats.swap(other.mFloats);
+    return *this;
+}
+
 bool KVStore::getBoolAt(const std::string& key, bool defaultValue) {
     return valueAt(mBools, key, defaultValue);
 }

@@ -16,6 +16,13 @@ namespace orbelantine {
 /// whatever default it names. References stay valid as long as the store.
 class KVStore {
   public:
+    KVStore() = default;
+    KVStore(const KVStore&) = default;
+    KVStore(KVStore&&) = default;
+    /// Takes the copy before it lets go of what it held, so `other` may be a store within this one.
+    KVStore& operator=(KVStore other) noexcept;
+    ~KVStore() = default;
+
     bool getBoolAt(const std::string& key, bool defaultValue = false);
     int getIntAt(const std::string& key, int defaultValue = 0);
     float getFloatAt(const std::string& key, float defaultValue = 0.0F);

@@ -2,6 +2,8 @@
 
 #include <boost/system/error_code.hpp>
 
+#include <cstdint>
+
 namespace orbelantine {
 
 /// The result of every fallible operation; a value of zero is success in every category.
@@ -12,12 +14,9 @@ inline constexpr int kErrorBase = 20000;
 
 /// The Windows numbers that cross to the host as they stand, on every platform.
 namespace win32 {
-inline constexpr int kErrorSuccess = 0;
-inline constexpr int kErrorInvalidFunction = 1;
-inline constexpr int kErrorFileNotFound = 2;
-inline constexpr int kErrorInvalidHandle = 6;
-inline constexpr int kErrorInsufficientBuffer = 122;
-inline constexpr int kErrorNoMoreItems = 259;
+#define ORB_WIN32_ERROR(name, number, ...) inline constexpr std::uint32_t name = number;
+#include "core/common/errors/Win32Errors.inc"
+#undef ORB_WIN32_ERROR
 } // namespace win32
 
 } // namespace orbelantine

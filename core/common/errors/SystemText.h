@@ -4,8 +4,8 @@
 
 namespace orbelantine {
 
-/// The operating system's text for one of its error numbers as it stands, trailing line end
-/// included; empty for a number it doesn't know.
+/// What a Windows error number says. On Windows the system's own text as it stands, trailing line
+/// end included; elsewhere a sentence for each number of `win32`. Empty for an unknown number.
 [[nodiscard]] std::string systemErrorText(int code);
 
 } // namespace orbelantine

@@ -8,8 +8,8 @@
 
 namespace orbelantine {
 
-/// Counts the calls inside a service, so that it can be shut for good once they have left. Any
-/// thread may call; a thread may enter again while it is inside.
+/// Counts the calls inside a service, so that it can be shut once they have left. Any thread may
+/// call; a thread may enter again while it is inside.
 class CallGate {
   public:
     /// One call, inside from its making to its end unless the gate was shut.
@@ -34,8 +34,16 @@ class CallGate {
         bool mInside;
     };
 
+    enum class Start { Open, Shut };
+
+    explicit CallGate(Start start = Start::Open)
+        : mCalls(start == Start::Open ? 0 : kShut) {}
+
     /// Lets nobody in any more and waits up to `bound` for the calls inside. False if some remain.
     [[nodiscard]] bool shut(std::chrono::milliseconds bound);
+
+    /// Lets calls in, once it is shut and empty.
+    void open() { mCalls.fetch_and(~kShut); }
 
   private:
     static constexpr std::uint64_t kShut = std::uint64_t{1} << 63;
@@ -55,7 +63,7 @@ class CallGate {
     void tellEmpty() noexcept;
 
     // The calls inside; kShut is added when the gate is shut.
-    std::atomic<std::uint64_t> mCalls{0};
+    std::atomic<std::uint64_t> mCalls;
     std::mutex mMutex;
     std::condition_variable mEmpty;
 };

@@ -22,8 +22,8 @@ class IClock {
     [[nodiscard]] virtual TimePoint now() const = 0;
     /// Blocks the calling thread.
     virtual void sleepFor(Duration pause) = 0;
-    /// A timer that ends on `ioService` when this clock reaches `expiry`, or at once if it has.
-    /// The clock outlives the io_service.
+    /// A timer that ends on `ioService`, which is run by runQueue, when this clock reaches
+    /// `expiry`, or at once if it has. The clock outlives the io_service.
     [[nodiscard]] virtual boost::shared_ptr<IDelayTimer>
     makeTimer(boost::asio::io_context& ioService, TimePoint expiry) = 0;
 

@@ -2,8 +2,8 @@
 
 #include "core/common/errors/Exception.h"
 #include "core/common/log/Log.h"
+#include "core/common/run/RunQueue.h"
 
-#include <boost/asio/io_context.hpp>
 #include <boost/exception/diagnostic_information.hpp>
 
 #include <exception>
@@ -13,9 +13,7 @@ namespace orbelantine {
 void safeIoServiceRunWithPtr(boost::asio::io_context* ioService) {
     std::string diagnostics;
     try {
-        // A queue of Windows hands out what was posted ahead of the stop: here it is left alone.
-        while (!ioService->stopped())
-            ioService->run_one();
+        runQueue(*ioService);
         return;
     } catch (const Exception& e) {
         diagnostics = boost::diagnostic_information(e);

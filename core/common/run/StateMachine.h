@@ -3,6 +3,7 @@
 #include "core/common/log/Log.h"
 #include "core/common/run/Clock.h"
 #include "core/common/run/IDelayTimer.h"
+#include "core/common/run/WorkerThread.h"
 
 #include <boost/asio/io_service.hpp>
 #include <boost/asio/post.hpp>
@@ -129,7 +130,7 @@ template <class Owner, class StateT, class DelayUnit>
 StateMachine<Owner, StateT, DelayUnit>::StateMachine(IClock& clock)
     : mClock(clock) {
     ORB_TRACED();
-    thread = std::thread([this] { runStateMachine(ioService); });
+    thread = startWorkerThread([this] { runStateMachine(ioService); });
     mWorker = thread.get_id();
 }
 

@@ -11,7 +11,6 @@ namespace orbelantine {
 
 namespace {
 
-constexpr LocalRadioApi::Error kErrorBufferOverflow = 111;
 constexpr LocalRadioApi::Error kCrNoSuchDevInst = 13;
 
 /// A machine without a radio that takes its name from the registry, and without a registry.
@@ -41,7 +40,7 @@ class LinuxLocalRadioApi final : public LocalRadioApi {
         gethostname(host.data(), host.size() - 1);
         const std::string_view text(host.data());
         if (text.size() >= size)
-            return kErrorBufferOverflow;
+            return win32::kErrorBufferOverflow;
         *std::ranges::copy(text, name).out = L'\0';
         size = static_cast<std::uint32_t>(text.size());
         return win32::kErrorSuccess;

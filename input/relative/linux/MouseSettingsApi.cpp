@@ -14,8 +14,6 @@ namespace orbelantine {
 
 namespace {
 
-constexpr MouseSettingsApi::Error kErrorInvalidData = 13;
-
 std::filesystem::path configFolder() {
     // A relative path in the variable counts as none.
     const char* config = std::getenv("XDG_CONFIG_HOME");
@@ -30,7 +28,7 @@ MouseSettingsApi::Error parse(const std::string& text, std::uint32_t& value) {
     const char* const end = text.data() + text.size();
     const auto [rest, failure] = std::from_chars(text.data(), end, parsed);
     if (failure != std::errc() || rest != end)
-        return kErrorInvalidData;
+        return win32::kErrorInvalidData;
     value = parsed;
     return win32::kErrorSuccess;
 }

@@ -45,15 +45,18 @@ TEST_F(DeviceFolder, ClassFolderIsTheGuidInLowerCaseWithoutBraces) {
 
 TEST_F(DeviceFolder, SocketsArePresentAndPlainFilesOnlyInstalled) {
     EXPECT_EQ(list(false), Paths()) << "there is no folder of the class";
-    const fs::path socket = devicePath(kClass, "b");
+    // Shown whatever the locale; tests run in the "C" one.
+    const fs::path socket = devicePath(kClass, "b \xC3\xA9\xF0\x9F\x93\xB1");
+    const std::wstring shown = devicePath(kClass, "b ").wstring() + L"\u00E9\U0001F4F1";
     const ScriptedDevice device(socket, [](auto&&...) { return true; });
     const fs::path file = devicePath(kClass, "a");
     std::ofstream(file).close();
     fs::create_directory(devicePath(kClass, "folder"));
     // Not a text in UTF-8.
     std::ofstream(devicePath(kClass, "\xFF")).close();
-    EXPECT_EQ(list(true), Paths{socket.wstring()});
-    EXPECT_EQ(list(false), (Paths{file.wstring(), socket.wstring()}));
+    EXPECT_EQ(list(true), Paths{shown});
+    EXPECT_EQ(list(false), (Paths{file.wstring(), shown}));
+    EXPECT_EQ(deviceFile(shown), socket);
 }
 
 TEST_F(DeviceFolder, FileInPlaceOfTheClassFolderIsAnError) {

@@ -44,9 +44,7 @@ class ScriptedDevice {
     ScriptedDevice(const ScriptedDevice&) = delete;
     ScriptedDevice& operator=(const ScriptedDevice&) = delete;
 
-  private:
-    static constexpr std::size_t kLongestPacket = 4096;
-
+    /// A socket that listens there, for the caller to close.
     static int listenAt(const std::filesystem::path& path) {
         std::filesystem::create_directories(path.parent_path());
         const int fd = ::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
@@ -57,6 +55,9 @@ class ScriptedDevice {
         ::listen(fd, 1);
         return fd;
     }
+
+  private:
+    static constexpr std::size_t kLongestPacket = 4096;
 
     void serve(const Script& script) {
         const FileDescriptor link(::accept(mListener.get(), nullptr, nullptr));

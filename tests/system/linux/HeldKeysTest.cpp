@@ -23,7 +23,9 @@ class HeldKeys : public testing::Test {
   protected:
     HeldKeys() {
         EXPECT_EQ(mSession.connect(), error_code());
-        wakeMouse();
+        // The mouse listens for its screen from there on.
+        EXPECT_EQ(mSession.flush(), error_code());
+        mSession.surface->onLogicalDimensionsChanged(1080, 2340, 1.0, 0);
         mSession.key(true, kScanShift);
         mSession.key(true, kScanA);
         mSession.surface->onMouseClickDown(IInputContext::MouseButtonLeft, 1, 1);
@@ -33,14 +35,6 @@ class HeldKeys : public testing::Test {
     }
 
     ~HeldKeys() override { EXPECT_EQ(mSession.disconnect(), error_code()); }
-
-    /// The mouse listens for its screen some time after the link is up, and begins by parking.
-    void wakeMouse() {
-        const auto parks = [](const Seen& seen) { return seen.tally.moves > 0; };
-        do
-            mSession.surface->onLogicalDimensionsChanged(1080, 2340, 1.0, 0);
-        while (!mPhone.await(parks, std::chrono::milliseconds(100)));
-    }
 
     [[nodiscard]] std::uint64_t reportsSince() const {
         return mPhone.seen().tally.reports - mReports;
@@ -62,6 +56,13 @@ TEST_F(HeldKeys, LostFocusLetsAllButTheRightButtonGoByReports) {
     mSession.surface->onInputSurfaceLostFocus();
     EXPECT_TRUE(mPhone.await(shows(R"("held_keys":[],"modifiers":0,"buttons":2)")));
     EXPECT_GT(reportsSince(), 2U);
+}
+
+TEST_F(HeldKeys, WhatIsRaisedBeforeAFlushIsOutWhenTheDisconnectBehindItComes) {
+    mSession.surface->onInputSurfaceLostFocus();
+    mSession.surface->onMouseClickUp(IInputContext::MouseButtonRight, 1, 1);
+    EXPECT_EQ(mSession.flush(), error_code());
+    EXPECT_EQ(mPhone.seen().tally.reports, mReports + 5) << "three ups, the parking, one more up";
 }
 
 TEST_F(HeldKeys, SleepingLinkForgetsThemUntilTheyArePressedAnew) {

@@ -38,6 +38,10 @@ class Session {
         return await([this](const auto& done) { client->disconnect(done); });
     }
 
+    error_code flush() {
+        return await([this](const auto& done) { client->flush(done); });
+    }
+
     /// Until the client's and the manager's workers have done what was posted to them. Connected
     /// sessions only.
     void settle() { (void)connect(); }

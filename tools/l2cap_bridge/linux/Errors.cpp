@@ -1,5 +1,7 @@
 #include "tools/l2cap_bridge/linux/Errors.h"
 
+#include "core/common/errors/ErrorCode.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -10,34 +12,34 @@ namespace orbelantine::bridge {
 
 namespace {
 
-constexpr std::uint32_t kErrorGenFailure = 31;
-
 struct WindowsNumber {
     int error;
     std::uint32_t number;
 };
 
 constexpr WindowsNumber kWindowsNumbers[] = {
-    {EMFILE, 4},           // too many open files
-    {ENFILE, 4},           //
-    {EACCES, 5},           // access denied: the phone or the kernel refuses the key
-    {EPERM, 5},            //
-    {EBADE, 5},            // no key: the phone isn't paired
-    {ENOMEM, 8},           // not enough memory
-    {ENOBUFS, 8},          //
-    {EAFNOSUPPORT, 50},    // not supported
-    {EPROTONOSUPPORT, 50}, //
-    {EINVAL, 87},          // invalid parameter
-    {EMSGSIZE, 87},        //
-    {EBUSY, 170},          // busy
-    {ENODEV, 1167},        // device not connected: no adapter
-    {ENETDOWN, 1167},      //
-    {EHOSTUNREACH, 1167},  // no adapter that leads to the phone
-    {EHOSTDOWN, 1168},     // not found: the phone doesn't answer
-    {ECONNREFUSED, 1225},  // connection refused
-    {ECONNRESET, 1236},    // connection aborted
-    {ECONNABORTED, 1236},  //
-    {ETIMEDOUT, 1460},     // timeout
+    {EMFILE, win32::kErrorTooManyOpenFiles},
+    {ENFILE, win32::kErrorTooManyOpenFiles},
+    // The phone or the kernel refuses the key, or there is none: the phone isn't paired.
+    {EACCES, win32::kErrorAccessDenied},
+    {EPERM, win32::kErrorAccessDenied},
+    {EBADE, win32::kErrorAccessDenied},
+    {ENOMEM, win32::kErrorNotEnoughMemory},
+    {ENOBUFS, win32::kErrorNotEnoughMemory},
+    {EAFNOSUPPORT, win32::kErrorNotSupported},
+    {EPROTONOSUPPORT, win32::kErrorNotSupported},
+    {EINVAL, win32::kErrorInvalidParameter},
+    {EMSGSIZE, win32::kErrorInvalidParameter},
+    {EBUSY, win32::kErrorBusy},
+    // No adapter, or none that leads to the phone.
+    {ENODEV, win32::kErrorDeviceNotConnected},
+    {ENETDOWN, win32::kErrorDeviceNotConnected},
+    {EHOSTUNREACH, win32::kErrorDeviceNotConnected},
+    {EHOSTDOWN, win32::kErrorNotFound},
+    {ECONNREFUSED, win32::kErrorConnectionRefused},
+    {ECONNRESET, win32::kErrorConnectionAborted},
+    {ECONNABORTED, win32::kErrorConnectionAborted},
+    {ETIMEDOUT, win32::kErrorTimeout},
 };
 
 struct Advice {
@@ -102,7 +104,7 @@ constexpr NamedAdvice kRecordAdvice[] = {
 
 std::uint32_t windowsError(int error) {
     const auto* found = std::ranges::find(kWindowsNumbers, error, &WindowsNumber::error);
-    return found == std::end(kWindowsNumbers) ? kErrorGenFailure : found->number;
+    return found == std::end(kWindowsNumbers) ? win32::kErrorGenFailure : found->number;
 }
 
 std::string radioAdvice(int error) {

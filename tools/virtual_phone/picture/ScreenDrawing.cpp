@@ -11,7 +11,7 @@ namespace orbelantine::phone {
 namespace {
 
 constexpr double kLongestSide = 800;
-constexpr double kMargin = 16;
+constexpr double kTextMargin = 16;
 constexpr double kStatusBar = 44;
 constexpr double kCorner = 30;
 constexpr int kColourSteps = 40;
@@ -171,7 +171,7 @@ void drawTextField(SvgWriter& svg, const TextField& field, DrawnSize size) {
     constexpr double kLineHeight = 20;
     constexpr double kCharacterWidth = 8.6;
     constexpr double kPadding = 14;
-    const double width = size.width - 2 * kMargin;
+    const double width = size.width - 2 * kTextMargin;
     const double columns = (width - 2 * kPadding) / kCharacterWidth - 1;
     if (columns < 1)
         return;
@@ -180,7 +180,7 @@ void drawTextField(SvgWriter& svg, const TextField& field, DrawnSize size) {
         visibleLines(field.text(), field.caret(),
                      {static_cast<std::size_t>(columns), static_cast<std::size_t>(lines)});
     const double height = kLineHeight * static_cast<double>(shown.size()) + 2 * kPadding - 4;
-    svg.leaf("rect", {{"x", kMargin},
+    svg.leaf("rect", {{"x", kTextMargin},
                       {"y", kStatusBar},
                       {"width", width},
                       {"height", height},
@@ -191,7 +191,7 @@ void drawTextField(SvgWriter& svg, const TextField& field, DrawnSize size) {
                       {"stroke-width", 1.5}});
     double y = kStatusBar + kPadding + kLineHeight * 0.6;
     for (const TextLine& line : shown) {
-        drawLineOfText(svg, line, kMargin + kPadding, y);
+        drawLineOfText(svg, line, kTextMargin + kPadding, y);
         y += kLineHeight;
     }
 }

@@ -55,12 +55,6 @@ std::string expandVariables(std::string_view text) {
     return expanded;
 }
 
-std::string expandHome(std::string text) {
-    const bool isHome = text == "~" || text.starts_with("~/");
-    const std::string home = isHome ? environmentValue("HOME") : std::string();
-    return home.empty() ? text : text.replace(0, 1, home);
-}
-
 class LinuxLogPathsApi final : public LogPathsApi {
   public:
     std::vector<std::wstring> commandLine() override {
@@ -73,7 +67,7 @@ class LinuxLogPathsApi final : public LogPathsApi {
 
     std::wstring expandEnvironment(const std::wstring& text) override {
         const std::string narrow = boost::nowide::narrow(text);
-        std::wstring expanded = boost::nowide::widen(expandVariables(expandHome(narrow)));
+        std::wstring expanded = boost::nowide::widen(expandVariables(narrow));
         return expanded.size() < kExpandedSize ? expanded : std::wstring();
     }
 

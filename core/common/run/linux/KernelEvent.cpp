@@ -18,7 +18,6 @@ namespace {
 
 constexpr std::uint32_t kInfinite = 0xFFFFFFFF;
 constexpr std::size_t kMaximumWaitObjects = 64;
-constexpr std::uint32_t kErrorInvalidParameter = 87;
 
 struct Event {
     bool manualReset;
@@ -66,7 +65,7 @@ class EventTable {
 
     WaitResult wait(std::span<const Handle> events, bool all, std::uint32_t milliseconds) {
         if (events.empty() || events.size() > kMaximumWaitObjects)
-            return {kWaitFailed, kErrorInvalidParameter};
+            return {kWaitFailed, win32::kErrorInvalidParameter};
         std::unique_lock lock(mMutex);
         if (!std::ranges::all_of(events, [this](Handle event) { return find(event) != nullptr; }))
             return {kWaitFailed, win32::kErrorInvalidHandle};
@@ -134,7 +133,8 @@ class EventTable {
 };
 
 EventTable& table() {
-    static EventTable table;
+    // Never destroyed: threads may make and set events while the process ends.
+    static EventTable& table = *new EventTable;
     return table;
 }
 

@@ -17,7 +17,7 @@ namespace orbelantine::phone {
 
 namespace {
 
-constexpr mode_t kOwnerOnly = 0600;
+constexpr mode_t kPipeMode = 0600;
 
 [[noreturn]] void fail(const std::string& path) {
     throw std::runtime_error("cannot make the FIFO " + path + ": " + std::strerror(errno));
@@ -34,11 +34,11 @@ bool isStale(const std::string& path) {
 }
 
 void makeFifo(const std::string& path) {
-    if (::mkfifo(path.c_str(), kOwnerOnly) == 0)
+    if (::mkfifo(path.c_str(), kPipeMode) == 0)
         return;
     const int error = errno;
     if (error == EEXIST && isStale(path) && ::unlink(path.c_str()) == 0 &&
-        ::mkfifo(path.c_str(), kOwnerOnly) == 0)
+        ::mkfifo(path.c_str(), kPipeMode) == 0)
         return;
     errno = error;
     fail(path);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+#include <thread>
+
+namespace orbelantine {
+
+/// Starts one of the library's workers. Throws std::system_error if there can be no thread.
+[[nodiscard]] std::thread startWorkerThread(std::function<void()> body);
+
+/// Whether the calling thread is one that startWorkerThread has made.
+[[nodiscard]] bool onWorkerThread();
+
+/// What startWorkerThread makes a thread with: std::thread. Tests put in what fails.
+using ThreadMaker = std::thread (*)(std::function<void()> body);
+void setThreadMaker(ThreadMaker maker);
+[[nodiscard]] std::thread makeThread(std::function<void()> body);
+
+} // namespace orbelantine
