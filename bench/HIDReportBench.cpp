@@ -21,7 +21,11 @@ using Buffers = std::pair<boost::shared_ptr<IMediaBuffer>, boost::shared_ptr<IMe
 Buffers mouseMoves() {
     const auto move = [](std::int32_t delta) {
         return boost::make_shared<IInputMediaBufferMouse>(
-            IInputMediaBufferMouse::EventData{delta, -delta, IInputMediaBufferMouse::Move, 0, 0},
+            IInputMediaBufferMouse::EventData{.x = delta,
+                                              .y = -delta,
+                                              .type = IInputMediaBufferMouse::Move,
+                                              .maxX = 0,
+                                              .maxY = 0},
             false, std::uint64_t{0});
     };
     return {move(3), move(-4)};

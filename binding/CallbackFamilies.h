@@ -9,8 +9,6 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace orbelantine::binding {
@@ -30,24 +28,6 @@ struct CallbackImpl<Result(Arguments...)> {
     virtual Result call(Arguments... arguments) = 0;
 };
 
-/// A function that calls the host's object. Its copies share one hold on it.
-template <class Result, class... Arguments>
-boost::function<Result(Arguments...)> hold(CallbackImpl<Result(Arguments...)>* impl) {
-    using Impl = CallbackImpl<Result(Arguments...)>;
-    impl->pin();
-    const boost::shared_ptr<Impl> held(impl, [](Impl* released) {
-        if (released->unpin())
-            delete released;
-    });
-    return [held](Arguments... arguments) -> Result { return held->call(std::move(arguments)...); };
-}
-
-/// The function behind a host's handle; no handle is an empty function.
-template <class Signature>
-boost::function<Signature> functionOf(const boost::function<Signature>* handle) {
-    return handle ? *handle : boost::function<Signature>();
-}
-
 /// A completion that may be called: one that does nothing for no function and for an empty one.
 inline boost::function<void(boost::system::error_code)>
 completionOf(const boost::function<void(boost::system::error_code)>* handle) {
@@ -56,17 +36,30 @@ completionOf(const boost::function<void(boost::system::error_code)>* handle) {
     return [](boost::system::error_code) {};
 }
 
+/// What a family does, instantiated once for each row of the tables (CallbackSignals*.cpp).
+/// @{
+
+/// A function that calls the host's object. Its copies share one hold on it.
+template <class Signature>
+boost::function<Signature> hold(CallbackImpl<Signature>* impl);
+
+/// No handle is an empty function.
 template <class Signature>
 boost::signals2::connection connect(boost::signals2::signal<Signature>& signal,
-                                    const boost::function<Signature>* slot) {
-    return signal.connect(functionOf(slot));
-}
-
+                                    const boost::function<Signature>* slot);
 template <class Signature>
 boost::signals2::connection connect(boost::signals2::signal<Signature>& signal, int group,
-                                    const boost::function<Signature>* slot) {
-    return signal.connect(group, functionOf(slot));
-}
+                                    const boost::function<Signature>* slot);
+template <class Signature>
+void disconnectAll(boost::signals2::signal<Signature>& signal);
+
+template <class Signature>
+unsigned slotCount(const boost::signals2::signal<Signature>& signal);
+template <class Signature>
+bool isEmpty(const boost::signals2::signal<Signature>& signal);
+
+template <class Signature>
+void destroy(const boost::signals2::signal<Signature>* signal);
 
 /// Fires a signal as its signature says: a result is the last slot's, and having none throws.
 template <class Signature>
@@ -77,16 +70,13 @@ struct fire<Result(Arguments...)> {
     explicit fire(boost::signals2::signal<Result(Arguments...)>& signal)
         : mSignal(signal) {}
 
-    Result operator()(Arguments... arguments) const {
-        if constexpr (std::is_void_v<Result>)
-            mSignal(std::move(arguments)...);
-        else
-            return mSignal(std::move(arguments)...).value();
-    }
+    Result operator()(Arguments... arguments) const;
 
   private:
     boost::signals2::signal<Result(Arguments...)>& mSignal;
 };
+
+/// @}
 
 } // namespace orbelantine::binding
 

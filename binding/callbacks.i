@@ -79,8 +79,10 @@ namespace signals2 {
 %nodefaultctor signal< RESULT TYPES >;
 template<> class signal< RESULT TYPES > {
 public:
-  virtual ~signal();
   %extend {
+    virtual ~signal() {
+      orbelantine::binding::destroy($self);
+    }
     boost::signals2::connection connect(boost::function< RESULT TYPES > *slot) {
       return orbelantine::binding::connect(*$self, slot);
     }
@@ -91,11 +93,15 @@ public:
       return orbelantine::binding::fire< RESULT TYPES >(*$self) ORB_ARGUMENTS_ ## COUNT;
     }
     unsigned int num_slots() {
-      return static_cast< unsigned int >($self->num_slots());
+      return orbelantine::binding::slotCount(*$self);
+    }
+    void disconnect_all_slots() {
+      orbelantine::binding::disconnectAll(*$self);
+    }
+    bool empty() {
+      return orbelantine::binding::isEmpty(*$self);
     }
   }
-  void disconnect_all_slots();
-  bool empty() const;
 };
 
 } }

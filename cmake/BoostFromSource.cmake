@@ -24,5 +24,6 @@ target_include_directories(orbelantine_boost_filesystem PRIVATE "${boost_libs}/f
 foreach(target orbelantine_boost_thread orbelantine_boost_filesystem)
     target_link_libraries(${target} PUBLIC orbelantine_deps)
     target_compile_options(${target} PRIVATE -w)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD OFF)
     target_compile_definitions(${target} PRIVATE _WIN32_WINNT=0x0A00)
 endforeach()

@@ -8,7 +8,8 @@ find_package(Threads REQUIRED)
 add_library(orbelantine_deps INTERFACE)
 target_link_libraries(orbelantine_deps INTERFACE Threads::Threads)
 target_compile_definitions(orbelantine_deps INTERFACE
-    BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB BOOST_THREAD_VERSION=4)
+    BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB BOOST_THREAD_VERSION=4
+    BOOST_ASIO_SEPARATE_COMPILATION)
 
 add_library(orbelantine_deps_logging INTERFACE)
 target_compile_definitions(orbelantine_deps_logging INTERFACE

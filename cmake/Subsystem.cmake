@@ -16,6 +16,23 @@ function(orbelantine_sources variable folder)
     set(${variable} ${sources} PARENT_SCOPE)
 endfunction()
 
+# orbelantine_units(TARGET)
+# Compiles the files of each folder as one unit, where CMAKE_UNITY_BUILD is on: most of a file's time
+# goes to headers and templates that its neighbours need too. The platform's folders are small and
+# make one unit together.
+function(orbelantine_units target)
+    get_target_property(sources ${target} SOURCES)
+    foreach(source IN LISTS sources)
+        cmake_path(ABSOLUTE_PATH source OUTPUT_VARIABLE folder)
+        cmake_path(GET folder PARENT_PATH folder)
+        cmake_path(RELATIVE_PATH folder BASE_DIRECTORY "${PROJECT_SOURCE_DIR}")
+        string(REGEX REPLACE "/.*/(${orbelantine_platform})$" "/\\1" group "${folder}")
+        string(MAKE_C_IDENTIFIER "${group}" group)
+        set_source_files_properties("${source}" PROPERTIES UNITY_GROUP ${group})
+    endforeach()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+endfunction()
+
 # orbelantine_subsystem(NAME [PATH folder] [ROOMS folder...] [USES subsystem...] [LIBRARIES target...])
 # The object library orbelantine_NAME of a folder's portable sources and those of the platform.
 function(orbelantine_subsystem name)
@@ -25,6 +42,7 @@ function(orbelantine_subsystem name)
     endif()
     orbelantine_sources(sources "${PROJECT_SOURCE_DIR}/${arg_PATH}" ${arg_ROOMS})
     add_library(orbelantine_${name} OBJECT ${sources})
+    orbelantine_units(orbelantine_${name})
     list(TRANSFORM arg_USES PREPEND orbelantine_)
     target_link_libraries(orbelantine_${name}
         PUBLIC orbelantine_options orbelantine_deps ${arg_USES}
@@ -40,6 +58,15 @@ function(orbelantine_link_all target)
     target_link_libraries(${target} PRIVATE ${subsystems})
 endfunction()
 
+# orbelantine_test_options(TARGET): tests compile often and run briefly.
+function(orbelantine_test_options target)
+    target_compile_options(${target} PRIVATE -O0)
+    if(WIN32)
+        # Unoptimised templates need more sections than an object file has by default.
+        target_compile_options(${target} PRIVATE -Wa,-mbig-obj)
+    endif()
+endfunction()
+
 # orbelantine_tests(NAME [ONE_PROCESS_EACH] [LIBRARIES target...])
 # The suite NAME_tests of the sources in this folder's subfolder NAME (and NAME/<platform>). With
 # ONE_PROCESS_EACH each case starts a process of its own, for state that lasts as long as one.
@@ -53,13 +80,9 @@ function(orbelantine_tests name)
     endif()
     add_executable(${name}_tests ${sources})
     orbelantine_link_all(${name}_tests)
-    target_link_libraries(${name}_tests PRIVATE ${arg_LIBRARIES} gtest_main)
-    # Tests compile often and run briefly.
-    target_compile_options(${name}_tests PRIVATE -O0 -g1)
-    if(WIN32)
-        # Unoptimised templates need more sections than an object file has by default.
-        target_compile_options(${name}_tests PRIVATE -Wa,-mbig-obj)
-    endif()
+    target_link_libraries(${name}_tests PRIVATE ${arg_LIBRARIES} orbelantine_test_support gtest_main)
+    orbelantine_test_options(${name}_tests)
+    orbelantine_units(${name}_tests)
     if(arg_ONE_PROCESS_EACH)
         gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60)
     else()

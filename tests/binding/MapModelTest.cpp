@@ -40,13 +40,13 @@ unsigned number(int n) {
 }
 
 template <class K, class V>
-struct Kind {
+struct MapKind {
     using Key = K;
     using Value = V;
     static constexpr const char* kModule = "common";
 };
 
-struct TextsByText : Kind<std::string, std::string> {
+struct TextsByText : MapKind<std::string, std::string> {
     static constexpr const char* kName = "MapStringString";
     static constexpr const char* kKeys = "StringVector";
 
@@ -55,7 +55,7 @@ struct TextsByText : Kind<std::string, std::string> {
     static Value value(int n) { return text(n); }
 };
 
-struct WideTextsByText : Kind<std::string, std::u16string> {
+struct WideTextsByText : MapKind<std::string, std::u16string> {
     static constexpr const char* kName = "MapStringWString";
     static constexpr const char* kKeys = "StringVector";
 
@@ -64,7 +64,7 @@ struct WideTextsByText : Kind<std::string, std::u16string> {
     static Value value(int n) { return wideText(n); }
 };
 
-struct WideTextsByNumber : Kind<unsigned, std::u16string> {
+struct WideTextsByNumber : MapKind<unsigned, std::u16string> {
     static constexpr const char* kName = "MapUintWString";
     static constexpr const char* kKeys = "UintVector";
 
@@ -73,7 +73,7 @@ struct WideTextsByNumber : Kind<unsigned, std::u16string> {
     static Value value(int n) { return wideText(n); }
 };
 
-struct TextsByWideText : Kind<std::u16string, std::string> {
+struct TextsByWideText : MapKind<std::u16string, std::string> {
     static constexpr const char* kName = "MapWStringString";
     static constexpr const char* kKeys = "WStringVector";
 
@@ -82,7 +82,7 @@ struct TextsByWideText : Kind<std::u16string, std::string> {
     static Value value(int n) { return text(n); }
 };
 
-struct WideTextsByWideText : Kind<std::u16string, std::u16string> {
+struct WideTextsByWideText : MapKind<std::u16string, std::u16string> {
     static constexpr const char* kName = "MapWstringWstring";
     static constexpr const char* kKeys = "WStringVector";
 
@@ -91,7 +91,7 @@ struct WideTextsByWideText : Kind<std::u16string, std::u16string> {
     static Value value(int n) { return wideText(n); }
 };
 
-struct Stores : Kind<std::string, Store> {
+struct Stores : MapKind<std::string, Store> {
     static constexpr const char* kName = "KVStoreMap";
     static constexpr const char* kKeys = "StringVector";
 
@@ -100,7 +100,7 @@ struct Stores : Kind<std::string, Store> {
     static Value value(int n) { return {n}; }
 };
 
-struct Descriptors : Kind<int, Buffer> {
+struct Descriptors : MapKind<int, Buffer> {
     static constexpr const char* kModule = "input";
     static constexpr const char* kName = "HIDDescriptorsMap";
     // Their vector has no exports.
@@ -248,9 +248,9 @@ class MapModel : public testing::Test {
     Handle map = nullptr;
 };
 
-using Kinds = testing::Types<TextsByText, WideTextsByText, WideTextsByNumber, TextsByWideText,
-                             WideTextsByWideText, Stores, Descriptors>;
-TYPED_TEST_SUITE(MapModel, Kinds);
+using MapKinds = testing::Types<TextsByText, WideTextsByText, WideTextsByNumber, TextsByWideText,
+                                WideTextsByWideText, Stores, Descriptors>;
+TYPED_TEST_SUITE(MapModel, MapKinds);
 
 TYPED_TEST(MapModel, DoesWhatAMapDoesAndReportsKeysThatAreMissingOrThere) {
     for (int i = 0; i < 2000; ++i) {

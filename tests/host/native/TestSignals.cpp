@@ -86,8 +86,8 @@ struct Firing<Result(Arguments...)> {
   private:
     template <std::size_t... I>
     static void fireWith(void* signal, std::index_sequence<I...>) {
-        (*static_cast<Signal*>(signal))(
-            Sample<std::remove_cvref_t<Arguments>>::value(static_cast<int>(I))...);
+        const orbelantine::binding::fire<Result(Arguments...)> fire(*static_cast<Signal*>(signal));
+        fire(Sample<std::remove_cvref_t<Arguments>>::value(static_cast<int>(I))...);
     }
 };
 
