@@ -6,6 +6,9 @@
 #include <cstdarg>
 %}
 
+// What it is given is not looked at, so anything may be given.
+%typemap(in) const wchar_t *ignored %{ (void)$input; %}
+
 namespace orbelantine {
 
 void lumiport_log(unsigned int level, const char *tag, const char *message);
@@ -22,7 +25,7 @@ void set_log_folder(const wchar_t *folder);
 void set_log_name_prefix(const char *prefix);
 void set_log_name_suffix(const char *suffix);
 void set_log_header(const char *header);
-void set_log_directory(const wchar_t *folder);
+void set_log_directory(const wchar_t *ignored);
 
 }
 
