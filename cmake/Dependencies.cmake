@@ -27,7 +27,8 @@ if(WIN32)
         file(CREATE_LINK "/usr/include/${name}" "${header_links}/${name}" SYMBOLIC)
     endforeach()
     target_include_directories(orbelantine_deps SYSTEM INTERFACE "${header_links}")
-    target_link_libraries(orbelantine_deps INTERFACE ws2_32)
+    # What the sockets of asio call, which is compiled whole.
+    target_link_libraries(orbelantine_deps INTERFACE ws2_32 mswsock bcrypt)
     target_link_libraries(orbelantine_deps_system INTERFACE
         orbelantine_boost_thread orbelantine_boost_filesystem
         shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops)
