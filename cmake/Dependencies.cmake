@@ -1,7 +1,6 @@
 # Third-party libraries, all Debian's, as interface targets:
-#   orbelantine_deps          Boost's headers
+#   orbelantine_deps          Boost's headers, and those of spdlog and fmt
 #   orbelantine_deps_system   what of Boost is compiled
-#   orbelantine_deps_logging  spdlog and fmt, for the one file that includes them
 #   GTest::gtest_main         GoogleTest from Debian's sources, with this build's own flags
 find_package(Threads REQUIRED)
 
@@ -10,10 +9,6 @@ target_link_libraries(orbelantine_deps INTERFACE Threads::Threads)
 target_compile_definitions(orbelantine_deps INTERFACE
     BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB BOOST_THREAD_VERSION=4
     BOOST_ASIO_SEPARATE_COMPILATION)
-
-add_library(orbelantine_deps_logging INTERFACE)
-target_compile_definitions(orbelantine_deps_logging INTERFACE
-    SPDLOG_HEADER_ONLY SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
 
 add_library(orbelantine_deps_system INTERFACE)
 
