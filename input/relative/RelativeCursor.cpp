@@ -52,6 +52,10 @@ std::int32_t saturated(std::int64_t value) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, kLeast, kGreatest));
 }
 
+bool isWithinReach(std::int32_t dimension) {
+    return dimension >= -kReach && dimension <= kReach;
+}
+
 CursorExtent extentOf(const IInputContext::Rect& rect) {
     return {.width = saturated(std::int64_t{rect.right} - rect.left),
             .height = saturated(std::int64_t{rect.bottom} - rect.top)};

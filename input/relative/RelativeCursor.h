@@ -25,6 +25,9 @@ struct CursorDelta {
     std::int32_t dy = 0;
 };
 
+/// As far as one report can move the cursor, so as wide or high as a screen may be.
+inline constexpr std::int32_t kReach = 32767;
+
 /// Aligned so that an atomic one is a plain word for every compiler.
 struct alignas(std::int64_t) CursorExtent {
     std::int32_t width = 0;
@@ -32,6 +35,9 @@ struct alignas(std::int64_t) CursorExtent {
 };
 
 [[nodiscard]] std::int32_t saturated(std::int64_t value);
+
+/// Whether a dimension of a screen, or what is set in from its edge, may be told of a phone.
+[[nodiscard]] bool isWithinReach(std::int32_t dimension);
 
 [[nodiscard]] CursorExtent extentOf(const IInputContext::Rect& rect);
 

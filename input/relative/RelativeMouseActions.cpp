@@ -15,7 +15,7 @@ namespace {
 using Mouse = IInputMediaBufferMouse;
 
 /// Drives the cursor into the corner of any phone.
-constexpr CursorDelta kParkingDelta{.dx = 32767, .dy = 32767};
+constexpr CursorDelta kParkingDelta{.dx = kReach, .dy = kReach};
 constexpr std::chrono::milliseconds kHideSettleTime(100);
 constexpr std::int64_t kEchoGuardNs = 201000000;
 
@@ -89,12 +89,12 @@ void RelativeMouseSource::doMoveScaled(const CursorPoint& point) {
     if (isLongMove(move)) {
         const CursorPoint mid = firstLegEnd(mPosition, move);
         doMouseMove(mid);
-        setPosition(mid);
+        placeCursor(mid);
         doMouseMove(point);
         return;
     }
     doSendRotated(curved(move));
-    setPosition(clamped(point, mLogical));
+    placeCursor(clamped(point, mLogical));
 }
 
 void RelativeMouseSource::doMouseMoveHide() {
@@ -119,7 +119,7 @@ void RelativeMouseSource::setPosition(const CursorPoint& point) {
     mPosition.timeNs = nowNs();
 }
 
-void RelativeMouseSource::correctPosition(const CursorPoint& point) {
+void RelativeMouseSource::placeCursor(const CursorPoint& point) {
     setPosition({.x = point.x, .y = point.y, .flags = mPosition.flags});
 }
 

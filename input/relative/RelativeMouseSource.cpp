@@ -138,6 +138,11 @@ void RelativeMouseSource::rmiMouseViewport(std::int32_t width, std::int32_t heig
 
 void RelativeMouseSource::rmiLogicalDimensions(std::int32_t width, std::int32_t height,
                                                double scale, std::int32_t inset) {
+    if (!isWithinReach(width) || !isWithinReach(height) || !isWithinReach(inset)) {
+        ORB_LOG(kLogError, "%s() no phone has a screen of %dx%d with an inset of %d: ignored",
+                width, height, inset);
+        return;
+    }
     enqueue([this, width, height, scale, inset](const auto&) {
         mInset = saturated(-std::int64_t{inset});
         mScaledViewport = scale > 1.0;

@@ -74,8 +74,8 @@ class RelativeMouseSource final : public StateMachine<RelativeMouseSource, Relat
     void setLastError(error_code ec) { mLastError = ec; }
 
     void updateLogicalDimensions(std::uint32_t width, std::uint32_t height);
-    /// Takes x and y from the phone's report.
-    void correctPosition(const CursorPoint& point);
+    /// Takes x and y of `point`; whether the button is held stays.
+    void placeCursor(const CursorPoint& point);
     /// Whether a report of the phone's cursor may still be the echo of an own move.
     [[nodiscard]] bool isEchoTime() const;
 

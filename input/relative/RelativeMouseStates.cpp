@@ -119,7 +119,7 @@ void RelativeMouseStateReady::rmiMousePosition(std::int32_t x, std::int32_t y) {
         return;
     ORB_LOG(kLogDebug, "%s() RMI relative mouse detected: (%d, %d)", point.x, point.y);
     if (!owner().isEchoTime())
-        owner().correctPosition(point);
+        owner().placeCursor(point);
 }
 
 void RelativeMouseStateReady::rmiLogicalDimensions(std::int32_t width, std::int32_t height,

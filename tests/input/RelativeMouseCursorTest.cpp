@@ -74,9 +74,9 @@ TEST(RelativeCursor, MovesOnAScaledScreenAreCurved) {
     const struct {
         CursorDelta move;
         CursorDelta sent;
-    } kCases[] = {{{1, 0}, {3, 0}},     {{-10, 4}, {-11, 4}}, {{3, -4}, {5, -6}},
-                  {{160, 0}, {50, 0}},  {{161, 0}, {50, 0}},  {{-252, 336}, {-54, 72}},
-                  {{0, -420}, {0, -90}}};
+    } kCases[] = {{{1, 0}, {3, 0}},         {{-10, 4}, {-11, 4}}, {{3, -4}, {5, -6}},
+                  {{6, 157}, {2, 49}},      {{160, 0}, {50, 0}},  {{161, 0}, {50, 0}},
+                  {{-252, 336}, {-54, 72}}, {{0, -420}, {0, -90}}};
 
     for (const auto& [move, sent] : kCases) {
         EXPECT_FALSE(isLongMove(move));

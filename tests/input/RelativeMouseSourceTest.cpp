@@ -158,16 +158,35 @@ TEST(RelativeMouseSource, TheModelTakesWhatThePhoneMakesOfADeltaUnlessItIsTurned
     }
 }
 
-TEST_F(NewRelativeMouse, ALongMoveOnAScaledScreenRepeatsTheButton) {
+TEST_F(NewRelativeMouse, OnAScaledScreenALongMoveRepeatsTheButtonAndADragGoesOnUntilItsEnd) {
     beReady(3192, 1596, 2);
     EXPECT_EQ(position(), " 1999,999");
     press(700, 499);
     EXPECT_EQ(take(), (Journal{"move -90,0", "move -53,0"} + kPressed + kPressed));
     EXPECT_EQ(position(), " 1400,998 held");
-    // A move there takes over the flags of its point.
     source->touchMove(810, 699, 0);
-    EXPECT_EQ(take(), Journal{"move 17,0"});
-    EXPECT_EQ(position(), " 1420,998");
+    source->touchMove(300, 449, 0);
+    EXPECT_EQ(take(), (Journal{"move 17,0", "move -81,-39", "move -81,-40", "move -64,-31"}));
+    EXPECT_EQ(position(), " 400,498 held");
+    source->killFocus();
+    EXPECT_EQ(take(), (Journal{"unlockSystemMouse(300, 449)", "leftUp 0,0"} + kParked));
+}
+
+TEST_F(NewRelativeMouse, AScreenBeyondTheReachOfAReportIsRefused) {
+    const struct {
+        std::int32_t width, height, inset;
+    } kBeyond[] = {{50'000'000, 1, 0}, {32768, 1, 0}, {1, -32768, 0}, {1, 1, -30'000'000}};
+
+    beReady(32767, 32767, 1.001, -32767);
+    EXPECT_EQ(position(), " 73786,73786");
+    test::CapturedLog log(kLogError);
+    for (const auto& [width, height, inset] : kBeyond) {
+        source->rmiLogicalDimensions(width, height, 2, inset);
+        EXPECT_EQ(take(), Journal{});
+        EXPECT_EQ(log.take().size(), 1U) << width << ' ' << height << ' ' << inset;
+    }
+    press(0, 0);
+    EXPECT_EQ(position(), " 0,0 held");
 }
 
 TEST_F(ReadyRelativeMouse, ARunOfWheelEventsMovesOnceAndParksASecondAfterTheLast) {
