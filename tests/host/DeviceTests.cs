@@ -70,8 +70,8 @@ namespace Orbelantine.HostTests
         {
             ExpectRefusal("--refuse control", -1);
             ExpectRefusal("--refuse interrupt", -1);
-            ExpectRefusal("--version 3", 136);
-            ExpectRefusal("--version 5", 136);
+            ExpectRefusal("--driver-version 3", 136);
+            ExpectRefusal("--driver-version 5", 136);
         }
 
         [Test]

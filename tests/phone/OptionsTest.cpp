@@ -54,7 +54,7 @@ TEST(Options, EachOptionReachesItsField) {
 
 TEST(Options, EachFaultReachesItsField) {
     const Options options = optionsOf({"--refuse", "control", "--refuse", "interrupt", "--late",
-                                       "20", "--version", "-3", "--vanish-after", "7",
+                                       "20", "--driver-version", "-3", "--vanish-after", "7",
                                        "--return-after", "0", "--keep-after-unplug", "--garbage"});
     const Faults& faults = options.faults;
     EXPECT_TRUE(faults.refuseControl);
@@ -68,9 +68,8 @@ TEST(Options, EachFaultReachesItsField) {
 }
 
 TEST(Options, HelpGoesFromTheFirstOptionToItself) {
-    const Arguments arguments = {"--garbage", "--help", "--unknown"};
-    EXPECT_TRUE(
-        std::holds_alternative<HelpWanted>(parseOptions({arguments.begin(), arguments.size()})));
+    const char* const help[] = {"--garbage", "--help", "--unknown"};
+    EXPECT_TRUE(std::holds_alternative<HelpWanted>(parseOptions(help)));
     for (const char* line : {"\n  --devices DIR ", "\n  --rotation N            how the screen",
                              "\n                          its quarter", "\n  --garbage   ",
                              "\n  --help                  show this text\n"})
@@ -100,7 +99,7 @@ TEST(Options, BadValuesAreRefused) {
         {"--rotation", {"0", "5"}},
         {"--acceleration", {"ios"}},
         {"--late", {"-1", "600001", "5 "}},
-        {"--version", {"32768", "4.0"}},
+        {"--driver-version", {"32768", "4.0"}},
         {"--vanish-after", {"0", "18446744073709551616"}},
         {"--refuse", {"both"}},
         {"--control", {""}},

@@ -49,8 +49,7 @@ phone::CommandLine<Options> commandLine() {
 
 } // namespace
 
-std::variant<Options, phone::HelpWanted, phone::UsageError>
-parseOptions(std::span<const char* const> arguments) {
+phone::Parsed<Options> parseOptions(std::span<const char* const> arguments) {
     return commandLine().parse(arguments);
 }
 

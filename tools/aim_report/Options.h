@@ -5,7 +5,6 @@
 
 #include <span>
 #include <string>
-#include <variant>
 
 namespace orbelantine::aim {
 
@@ -19,8 +18,7 @@ struct Options {
 };
 
 /// Reads the arguments behind the program's name.
-[[nodiscard]] std::variant<Options, phone::HelpWanted, phone::UsageError>
-parseOptions(std::span<const char* const> arguments);
+[[nodiscard]] phone::Parsed<Options> parseOptions(std::span<const char* const> arguments);
 
 [[nodiscard]] std::string helpText();
 

@@ -52,8 +52,7 @@ CommandLine<Options> commandLine() {
 
 } // namespace
 
-std::variant<Options, phone::HelpWanted, phone::UsageError>
-parseOptions(std::span<const char* const> arguments) {
+phone::Parsed<Options> parseOptions(std::span<const char* const> arguments) {
     auto parsed = commandLine().parse(arguments);
     if (const auto* options = std::get_if<Options>(&parsed))
         if (!options->hasAddress)

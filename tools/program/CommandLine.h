@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/program/Version.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <optional>
@@ -13,10 +15,19 @@ namespace orbelantine::phone {
 
 struct HelpWanted {};
 
+struct VersionWanted {
+    /// Program and version.
+    std::string line;
+};
+
 /// One line that says what is wrong with the command line and what to do next.
 struct UsageError {
     std::string message;
 };
+
+/// What a command line comes to.
+template <class Options>
+using Parsed = std::variant<Options, HelpWanted, VersionWanted, UsageError>;
 
 /// An option that sets something in `Options`. `value` is its placeholder in the help, null for a
 /// switch; `wants` ends the sentence "--option wants ..."; `set` answers whether the value will do.
@@ -41,13 +52,14 @@ class CommandLine {
         , mOptions(options) {}
 
     /// Reads the arguments behind the program's name.
-    [[nodiscard]] std::variant<Options, HelpWanted, UsageError>
-    parse(std::span<const char* const> arguments) const {
+    [[nodiscard]] Parsed<Options> parse(std::span<const char* const> arguments) const {
         Options options;
         while (!arguments.empty()) {
             const std::string_view argument = take(arguments);
             if (argument == "--help" || argument == "-h")
                 return HelpWanted{};
+            if (argument == "--version")
+                return VersionWanted{mProgram + " (Orbelantine) " + version()};
             if (std::optional<UsageError> wrong = apply(argument, arguments, options))
                 return *wrong;
         }
@@ -63,7 +75,8 @@ class CommandLine {
         std::string lines;
         for (const Option& option : mOptions)
             lines += helpOf(option);
-        return lines + helpOf({"--help", nullptr, nullptr, "show this text", nullptr});
+        return lines + helpOf({"--help", nullptr, nullptr, "show this text", nullptr}) +
+               helpOf({"--version", nullptr, nullptr, "show the program's version", nullptr});
     }
 
   private:

@@ -17,17 +17,20 @@ inline std::span<const char* const> argumentsOf(int argc, char** argv) {
     return std::span<const char* const>(argv, static_cast<std::size_t>(argc)).subspan(1);
 }
 
-/// What a program does with its command line: help is printed, an error is told and gives status
-/// 2, and options go to `run`, which gives the status.
+/// What a program does with its command line: help or version is printed, an error is told and
+/// gives status 2, and options go to `run`, which gives the status.
 template <class Options, class Run>
-int runParsed(const std::variant<Options, HelpWanted, UsageError>& parsed, const std::string& help,
-              Run run) {
+int runParsed(const Parsed<Options>& parsed, const std::string& help, Run run) {
     if (const auto* error = std::get_if<UsageError>(&parsed)) {
         std::cerr << error->message << '\n';
         return 2;
     }
     if (std::holds_alternative<HelpWanted>(parsed)) {
         std::cout << help;
+        return 0;
+    }
+    if (const auto* version = std::get_if<VersionWanted>(&parsed)) {
+        std::cout << version->line << '\n';
         return 0;
     }
     // What a tool has to tell is on its terminal.

@@ -60,7 +60,7 @@ bool setRefused(Options& options, std::string_view value) {
     return value == "control" || value == "interrupt";
 }
 
-bool setVersion(Options& options, std::string_view value) {
+bool setDriverVersion(Options& options, std::string_view value) {
     using Limits = std::numeric_limits<std::int16_t>;
     return parseNumber(value, Limits::min(), Limits::max(), options.faults.driverVersion);
 }
@@ -107,8 +107,8 @@ constexpr CommandOption<Options> kOptions[] = {
      setRefused},
     {"--late", "MS", "milliseconds from 0 to 600000", "reply to each request MS milliseconds late",
      [](Options& o, std::string_view v) { return parsePause(v, o.faults.late); }},
-    {"--version", "N", "a number from -32768 to 32767", "the driver's version; default 4",
-     setVersion},
+    {"--driver-version", "N", "a number from -32768 to 32767",
+     "the version that the driver tells; default 4", setDriverVersion},
     {"--vanish-after", "N", "a number of reports from 1",
      "after N reports hang up, remove the device and end", setVanishAfter},
     {"--return-after", "MS", "milliseconds from 0 to 600000",
@@ -127,7 +127,7 @@ CommandLine<Options> commandLine() {
 
 } // namespace
 
-std::variant<Options, HelpWanted, UsageError> parseOptions(std::span<const char* const> arguments) {
+Parsed<Options> parseOptions(std::span<const char* const> arguments) {
     auto parsed = commandLine().parse(arguments);
     if (const auto* options = std::get_if<Options>(&parsed))
         if (options->faults.returnAfter && !options->faults.vanishAfter)

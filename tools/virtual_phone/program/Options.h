@@ -10,7 +10,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <variant>
 
 namespace orbelantine::phone {
 
@@ -44,8 +43,7 @@ struct Options {
 };
 
 /// Reads the arguments behind the program's name.
-[[nodiscard]] std::variant<Options, HelpWanted, UsageError>
-parseOptions(std::span<const char* const> arguments);
+[[nodiscard]] Parsed<Options> parseOptions(std::span<const char* const> arguments);
 
 [[nodiscard]] std::string helpText();
 
