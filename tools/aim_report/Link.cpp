@@ -28,22 +28,32 @@ void Link::onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) {
     if (takeRelease(*buffer))
         return;
     HIDReport report;
-    const bool wasHeld = (mState.mouseButtons & 1U) != 0;
+    const bool wasHeld = isHeld();
     if (!mConverter.convertToReport(buffer, HIDMediaReportConverter::kRelative, mState, report))
         return;
     // The pause comes before the report, so that source and phone see it at the same time.
     mClock.sleepUntil(mNextReport);
     mNextReport = mClock.now() + kReportInterval;
     mPhone.receive(phone::Channel::Interrupt, {report.data, report.size});
-    const bool isHeld = (mState.mouseButtons & 1U) != 0;
-    if (isHeld != wasHeld)
-        (isHeld ? mPressed : mReleased) = mPhone.cursor();
+    if (isHeld() == wasHeld) {
+        mMoves += wasHeld ? 0 : 1;
+    } else if (isHeld()) {
+        mPressed = mPhone.cursor();
+        mLegs = mMoves;
+    } else {
+        mReleased = mPhone.cursor();
+    }
+}
+
+bool Link::isHeld() const {
+    return (mState.mouseButtons & 1U) != 0;
 }
 
 bool Link::takeRelease(IMediaBuffer& buffer) {
     const auto* const event = eventOf<IInputMediaBufferMouse::EventData>(buffer);
     if (event == nullptr || event->type != IInputMediaBufferMouse::RightUp)
         return false;
+    mMoves = 0;
     const std::lock_guard lock(mMutex);
     ++mReleases;
     mReleaseCame.notify_all();

@@ -30,7 +30,11 @@ class Link final : public IMediaElement {
 
     [[nodiscard]] phone::Point released() const { return mReleased; }
 
+    /// How many deltas took the cursor from where it was parked to that press.
+    [[nodiscard]] unsigned legs() const { return mLegs; }
+
   private:
+    [[nodiscard]] bool isHeld() const;
     [[nodiscard]] bool takeRelease(IMediaBuffer& buffer);
 
     phone::Phone& mPhone;
@@ -40,6 +44,9 @@ class Link final : public IMediaElement {
     IClock::TimePoint mNextReport{};
     phone::Point mPressed;
     phone::Point mReleased;
+    /// Since a right button release, and up to the press.
+    unsigned mMoves = 0;
+    unsigned mLegs = 0;
     std::mutex mMutex;
     std::condition_variable mReleaseCame;
     unsigned mReleases = 0;

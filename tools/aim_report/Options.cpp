@@ -33,6 +33,8 @@ bool setDrawn(Options& options, std::string_view value) {
 constexpr phone::CommandOption<Options> kOptions[] = {
     {"--grid", "CxR", "columns and rows from 1 to 200, such as 20x40",
      "cells to click on an upright phone; default 20x40", setGrid},
+    {"--all", nullptr, nullptr, "show each phone and each direction of drags too",
+     [](Options& o, std::string_view) { return o.all = true; }},
     {"--csv", "FILE", "a file", "write one line for each click and drag",
      [](Options& o, std::string_view v) { return setText(o.csv, v); }},
     {"--picture", "FILE", "a file",
@@ -56,7 +58,7 @@ phone::Parsed<Options> parseOptions(std::span<const char* const> arguments) {
 std::string helpText() {
     return "Usage: aim_report [OPTION]...\n"
            "Clicks and drags on virtual phones through the relative mouse source, and tells how\n"
-           "far from their targets they land.\n"
+           "far from their targets they land and how well drags follow the finger.\n"
            "\n" +
            commandLine().help() +
            "\n"

@@ -10,6 +10,8 @@ namespace orbelantine::aim {
 
 struct Options {
     Grid grid;
+    /// Whether each line is shown.
+    bool all = false;
     /// Files; empty for none.
     std::string csv;
     std::string picture;

@@ -6,7 +6,9 @@
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <stdexcept>
 #include <thread>
 
@@ -22,6 +24,7 @@ constexpr double kScale = 2;
 /// Between two gestures. After such a pause the phone and the source begin to measure speed anew.
 constexpr IClock::Duration kRest = 1s;
 constexpr IClock::Duration kStep = 16ms;
+constexpr IClock::Duration kPause = 45ms;
 constexpr int kFinger = 1;
 
 phone::Screen screenOf(const Setup& setup) {
@@ -50,6 +53,10 @@ void awaitConnection(const Surface& surface) {
 }
 
 } // namespace
+
+double distance(Point a, Point b) {
+    return std::hypot(a.x - b.x, a.y - b.y);
+}
 
 std::string nameOf(const Setup& setup) {
     return std::to_string(setup.rotation) + (setup.scaled ? ", scaled" : ", unscaled");
@@ -87,22 +94,37 @@ Rig::Landing Rig::click(Point at) {
     mSource->mouseLButton(true, at.x, at.y, 0, false);
     mSource->mouseLButton(false, at.x, at.y, 0, false);
     awaitSource();
-    return {mLink->pressed(), mLink->released()};
+    return landing();
 }
 
-Rig::Landing Rig::drag(std::span<const Point> way) {
+Rig::Landing Rig::drag(std::span<const Point> way, Pace pace) {
+    const IClock::Duration pause = pace == Pace::Paced ? kPause : 0ms;
     mClock.sleepFor(kRest);
     mSource->touch(true, way.front().x, way.front().y, kFinger, false);
     awaitSource();
+    double path = 0;
     IClock::TimePoint time = mClock.now();
+    IClock::TimePoint raisable = time + pause;
     for (const Point& place : way.subspan(1)) {
         mClock.sleepUntil(time += kStep);
+        const bool last = &place == &way.back();
+        if (!last && mClock.now() < raisable)
+            continue;
+        mClock.sleepUntil(raisable);
+        raisable = mClock.now() + pause;
         mSource->touchMove(place.x, place.y, kFinger);
         awaitSource();
+        path = std::max(path, distance(mPhone.cursor(), onPhone(place)));
     }
     mSource->touch(false, way.back().x, way.back().y, kFinger, false);
     awaitSource();
-    return {mLink->pressed(), mLink->released()};
+    Landing landed = landing();
+    landed.path = path;
+    return landed;
+}
+
+Rig::Landing Rig::landing() const {
+    return {mLink->pressed(), mLink->legs(), mLink->released(), 0};
 }
 
 Point Rig::onPhone(Point place) const {

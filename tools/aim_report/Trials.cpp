@@ -44,8 +44,9 @@ std::vector<Point> wayAcross(Size surface, const Vector& unit, double length, do
 
 } // namespace
 
-double Trial::error() const {
-    return std::hypot(landed.x - target.x, landed.y - target.y);
+const char* nameOf(Gesture gesture) {
+    constexpr const char* kNames[] = {"click", "drag", "paced drag"};
+    return kNames[static_cast<std::size_t>(gesture)];
 }
 
 std::vector<Trial> clickGrid(Rig& rig, Grid grid) {
@@ -59,19 +60,23 @@ std::vector<Trial> clickGrid(Rig& rig, Grid grid) {
                               height * (2 * row + 1) / (2 * grid.rows)};
             const Point target = rig.onPhone(place);
             rig.phone().setTarget(target);
-            trials.push_back({0, target, rig.click(place).press});
+            const Rig::Landing landing = rig.click(place);
+            trials.push_back({Gesture::Click, 0, landing.legs, target, landing.press, {}});
         }
     return trials;
 }
 
-std::vector<Trial> dragAround(Rig& rig) {
+std::vector<Trial> dragAround(Rig& rig, Pace pace) {
+    const Gesture gesture = pace == Pace::Paced ? Gesture::PacedDrag : Gesture::Drag;
     std::vector<Trial> trials;
     for (std::size_t i = 0; i < kDirections.size(); ++i)
         for (const Vector& unit : unitVectors(kDirections[i]))
             for (const double length : kLengths)
                 for (const double speed : kSpeeds) {
                     const auto way = wayAcross(rig.surface(), unit, length, speed);
-                    trials.push_back({i, rig.onPhone(way.back()), rig.drag(way).release});
+                    const Rig::Landing landing = rig.drag(way, pace);
+                    trials.push_back({gesture, i, landing.legs, rig.onPhone(way.back()),
+                                      landing.release, landing.path});
                 }
     return trials;
 }

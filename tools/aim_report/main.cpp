@@ -1,3 +1,4 @@
+#include "tools/aim_report/Errors.h"
 #include "tools/aim_report/Options.h"
 #include "tools/aim_report/Report.h"
 #include "tools/aim_report/Table.h"
@@ -7,15 +8,13 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <stdexcept>
 
 namespace orbelantine::aim {
 
 namespace {
 
-constexpr int kRotations = 4;
-/// Drags on the other rotations err in the same ways.
-constexpr int kDraggedRotations = 2;
 constexpr Grid kDrawnGrid = {5, 9};
 
 void writeFile(const std::string& path, const std::string& text) {
@@ -26,9 +25,9 @@ void writeFile(const std::string& path, const std::string& text) {
 
 Run measure(const Setup& setup, Grid grid) {
     Rig rig(setup);
-    Run run{setup, clickGrid(rig, grid), {}};
-    if (setup.rotation <= kDraggedRotations)
-        run.drags = dragAround(rig);
+    Run run{setup, clickGrid(rig, grid)};
+    for (const Pace pace : {Pace::Each, Pace::Paced})
+        std::ranges::copy(dragAround(rig, pace), std::back_inserter(run.trials));
     return run;
 }
 
@@ -44,7 +43,7 @@ std::string draw(const Setup& setup, Grid grid) {
     Rig rig(setup);
     const auto trials = clickGrid(
         rig, {std::min(grid.columns, kDrawnGrid.columns), std::min(grid.rows, kDrawnGrid.rows)});
-    const std::string hits = oneDigit(Errors(trials).within3) + " % within 3 pixels";
+    const std::string hits = oneDigit(Errors(trials).within(3)) + " % within 3 pixels";
     return phone::drawPicture("Rotation " + nameOf(setup), hits, rig.phone());
 }
 
@@ -54,7 +53,10 @@ void report(const Options& options) {
         if (!path.empty())
             writeFile(path, "");
     const std::vector<Run> runs = measureAll(options.grid);
-    std::cout << reportOf(runs) << std::flush;
+    std::cout << summaryOf(runs);
+    if (options.all)
+        std::cout << '\n' << wholeTableOf(runs);
+    std::cout << std::flush;
     if (!options.csv.empty())
         writeFile(options.csv, csvOf(runs));
     if (!options.picture.empty())
