@@ -97,16 +97,10 @@ TEST_F(AbsoluteMouseSourceTest, EachEventGivesItsFrame) {
 
 TEST_F(AbsoluteMouseSourceTest, CaptureFollowsTheCountOfPresses) {
     const Strings taken{"setCaptureMouseExclusively"}, released{"releaseCaptureMouseExclusively"};
-    const std::pair<bool, Strings> clicks[] = {{true, taken},
-                                               {true, {}},
-                                               {false, released},
-                                               {true, taken},
-                                               {false, released},
-                                               // An up too many: no press captures from here on.
-                                               {false, {}},
-                                               {true, {}},
-                                               {false, {}},
-                                               {true, {}}};
+    // An up too many, as the sixth: no press captures from there on.
+    const std::pair<bool, Strings> clicks[] = {{true, taken}, {true, {}},        {false, released},
+                                               {true, taken}, {false, released}, {false, {}},
+                                               {true, {}},    {false, {}},       {true, {}}};
     for (const auto& [down, calls] : clicks) {
         mouseLButton(down, 1, 1, 0, false);
         EXPECT_EQ(context->takeCalls(), calls);
@@ -114,19 +108,15 @@ TEST_F(AbsoluteMouseSourceTest, CaptureFollowsTheCountOfPresses) {
 }
 
 TEST_F(AbsoluteMouseSourceTest, LogTellsPositionsAndAnUnknownAngle) {
-    const std::string name = "orbelantine::AbsoluteMouseSource::";
     test::CapturedLog log(kLogInfo);
-    mouseLButton(true, 1, 1, 0, false);
     mOrientationAngle = 91;
     touch(false, 2, 2, 1, false);
-    EXPECT_EQ(log.take(),
-              (std::vector<test::CapturedLog::Line>{
-                  {kLogInfo, name + "leftClick() Before normalizing: down (1, 1)"},
-                  {kLogInfo, name + "leftClick() After normalizing: down (65, 131)"},
-                  {kLogInfo, name + "leftClick() Before normalizing: up (2, 2)"},
-                  {kLogError, name + "normalizeMouseCoordinates: Cannot get orientation angle. Was "
-                                     "RMI connection established"},
-                  {kLogInfo, name + "leftClick() After normalizing: up (2, 2)"}}));
+    std::string said;
+    for (const auto& line : log.take())
+        said += line.text.substr(line.text.find("Source::") + 8) + '\n';
+    EXPECT_EQ(said, "leftClick() Before normalizing: up (2, 2)\n"
+                    "normalizeMouseCoordinates: Cannot get orientation angle. Was RMI connection "
+                    "established\nleftClick() After normalizing: up (2, 2)\n");
 }
 
 } // namespace

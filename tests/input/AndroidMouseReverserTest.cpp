@@ -98,30 +98,18 @@ TEST(AndroidMouseReverser, WidestDeltasStayWithinTheirType) {
     EXPECT_EQ(model.apply({kMost, kLeast}), (Delta{kMost, kLeast}));
 }
 
-TEST(AndroidMouseReverser, LogsThatItIsMade) {
-    CapturedLog log(kLogDebug);
-    const Model model;
-    EXPECT_EQ(log.take(),
-              (Lines{{kLogDebug, "orbelantine::AndroidMouseReverser::AndroidMouseReverser() "}}));
-}
-
-TEST(MouseReverser, HintChoosesTheImplementation) {
+TEST(MouseReverser, HintChoosesTheImplementationAndTheNullObjectLeavesEveryDelta) {
     const auto create = [](const char* hint) {
         return osalCreate<IMouseReverser, IClock&>(OSALFactory::instance(), "IMouseReverser",
                                                    KVStore(), hint, IClock::system());
     };
     EXPECT_NE(dynamic_cast<AndroidMouseReverser*>(create("android").get()), nullptr);
-    EXPECT_NE(dynamic_cast<IMouseReverser::Dummy*>(create("ios").get()), nullptr);
-    EXPECT_NE(dynamic_cast<IMouseReverser::Dummy*>(create("").get()), nullptr);
-}
-
-TEST(MouseReverser, DummyLeavesEveryDelta) {
-    IMouseReverser::Dummy dummy(IClock::system());
-    std::int32_t dx = 300;
-    std::int32_t dy = -5;
-    dummy.reverse(dx, dy);
-    dummy.applyMove(dx, dy, 0);
-    EXPECT_EQ((Delta{dx, dy}), (Delta{300, -5}));
+    for (const char* hint : {"ios", ""}) {
+        Delta delta{300, -5};
+        create(hint)->reverse(delta.x, delta.y);
+        create(hint)->applyMove(delta.x, delta.y, 0);
+        EXPECT_EQ(delta, (Delta{300, -5})) << hint;
+    }
 }
 
 } // namespace

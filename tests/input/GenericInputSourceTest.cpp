@@ -15,8 +15,6 @@
 #include <atomic>
 #include <functional>
 #include <map>
-#include <random>
-#include <set>
 #include <sstream>
 #include <thread>
 
@@ -26,6 +24,7 @@ namespace {
 using test::FakeHidDevice;
 using test::FakeMouseSource;
 using test::InputFrame;
+using test::kMarkerUp;
 using test::Standin;
 
 struct Source {
@@ -56,44 +55,35 @@ struct GenericInputSourceTest : testing::Test {
 };
 
 TEST_F(GenericInputSourceTest, FlagsAndDeviceTypeChooseTheMouse) {
-    using Line = test::CapturedLog::Line;
     const std::string name = "orbelantine::GenericInputSource::createMouseSource() ";
-    const Line absoluteSaid{kLogDebug, name + "using absolute mouse"};
-    const Line relativeSaid{kLogDebug, name + "using relative mouse"};
-    const Line noneSaid{kLogError, name + "No suitable mouse source"};
-
-    struct Case {
-        std::uint32_t typeFlags, hidType;
-        Line said;
-    };
-
-    const Case cases[] = {{1, 2, absoluteSaid}, {3, 2, absoluteSaid}, {2, 1, absoluteSaid},
-                          {2, 2, relativeSaid}, {6, 2, relativeSaid}, {0, 2, noneSaid},
-                          {4, 2, noneSaid}};
-    for (const Case& each : cases) {
-        const Standin<IBluetoothHIDDeviceClient> device(
-            "IBluetoothHIDDeviceClient", "WindowsBluetoothHIDDeviceClient",
-            boost::make_shared<FakeHidDevice>(each.hidType));
+    const test::CapturedLog::Line absoluteSaid{kLogDebug, name + "using absolute mouse"};
+    const test::CapturedLog::Line relativeSaid{kLogDebug, name + "using relative mouse"};
+    const test::CapturedLog::Line noneSaid{kLogError, name + "No suitable mouse source"};
+    for (const auto& [typeFlags, hidType, said] : {std::tuple{1U, 2U, absoluteSaid},
+                                                   {3U, 2U, absoluteSaid},
+                                                   {2U, 1U, absoluteSaid},
+                                                   {2U, 2U, relativeSaid},
+                                                   {6U, 2U, relativeSaid},
+                                                   {4U, 2U, noneSaid}}) {
+        const Standin<IBluetoothHIDDeviceClient> device("IBluetoothHIDDeviceClient",
+                                                        "WindowsBluetoothHIDDeviceClient",
+                                                        boost::make_shared<FakeHidDevice>(hidType));
         relative->calls.clear();
         absolute->calls.clear();
-        const Source made(context, InputFormat(3, 2, 1, each.typeFlags));
+        const Source made(context, InputFormat(3, 2, 1, typeFlags));
         test::CapturedLog log(kLogDebug);
         made.source->start();
         const auto lines = log.take();
-        EXPECT_EQ(std::count(lines.begin(), lines.end(), each.said), 1) << each.typeFlags;
+        EXPECT_EQ(std::ranges::count(lines, said), 1) << typeFlags;
         context->onAbsoluteMouseMove(1, 2);
         made.source->stop();
         context->onAbsoluteMouseMove(3, 4);
         const char* used = "registerTarget 1, start 1, mouseMove 1 2 0, registerTarget 0, stop";
-        EXPECT_EQ(absolute->calls, each.said == absoluteSaid ? used : "");
-        EXPECT_EQ(relative->calls, each.said == relativeSaid ? used : "");
+        EXPECT_EQ(absolute->calls, said == absoluteSaid ? used : "");
+        EXPECT_EQ(relative->calls, said == relativeSaid ? used : "");
     }
-}
-
-TEST_F(GenericInputSourceTest, WithoutAMouseTypeThereIsOnlyTheKeyboard) {
-    const Source made(context, InputFormat(0, 2, 1, 1));
-    made.source->start();
-    EXPECT_EQ(absolute->calls, "");
+    const Source onlyKeys(context, InputFormat(0, 2, 1, 1));
+    onlyKeys.source->start();
     EXPECT_TRUE(context->onMouseClickDown.empty() && context->onPointerUpdate.empty());
     EXPECT_FALSE(context->onKeyDown.empty() || context->onKeyUp.empty());
 }
@@ -186,40 +176,28 @@ TEST_F(GenericInputSourceTest, LogTellsClicksAndLostPointers) {
     const Source made(context, InputFormat(3, 2, 1, 1));
     absolute->absolute = true;
     made.source->start();
-    const std::string name = "orbelantine::GenericInputSource::";
     test::CapturedLog log(kLogDebug);
-    context->onMouseClickDown(IInputContext::MouseButtonLeft, 3, 4);
-    context->onMouseClickUp(IInputContext::MouseButtonRight, 3, 4);
-    context->onPointerUp(IInputContext::PointerPen, 7, 110, 220, true);
+    perform("button 0 1 3 4, button 1 0 3 4, up 1 1", *context, *made.source);
     context->answers = false;
-    context->onPointerUpdate(IInputContext::PointerPen, 7, 110, 220, true);
-    EXPECT_EQ(
-        log.take(),
-        (std::vector<test::CapturedLog::Line>{
-            {kLogDebug, name + "onLButton() touch: 0, down: 1, x: 3, y: 4, id: 0"},
-            {kLogDebug, name + "onRButton() down:false."},
-            {kLogDebug, name + "processPointerEvent() touch: 1, down: 0, x: 10, y: 20, id: 7"},
-            {kLogError, name + "processPointerEvent() Unable to get pointer client position."}}));
+    perform("update 1 1", *context, *made.source);
+    std::string said;
+    for (const auto& line : log.take())
+        said += line.text.substr(line.text.find("Source::") + 8) + '\n';
+    EXPECT_EQ(said, "onLButton() touch: 0, down: 1, x: 3, y: 4, id: 0\nonRButton() down:false.\n"
+                    "processPointerEvent() touch: 1, down: 0, x: 12, y: 22, id: 7\n"
+                    "processPointerEvent() Unable to get pointer client position.\n");
 }
 
-TEST_F(GenericInputSourceTest, NothingStartsWithoutASurface) {
-    const Source made({}, InputFormat(3, 2, 1, 1));
-    test::CapturedLog log(kLogTrace);
-    made.source->start();
-    made.source->stop();
-    EXPECT_EQ(log.take(),
-              (std::vector<test::CapturedLog::Line>{
-                  {kLogTrace,
-                   "orbelantine::GenericInputSource::start() No input context, not starting"}}));
-    EXPECT_EQ(absolute->calls, "");
-}
-
-TEST_F(GenericInputSourceTest, KeyboardOfABadVersionFailsTheStart) {
+TEST_F(GenericInputSourceTest, WithoutASurfaceOrAKeyboardNothingStarts) {
+    const Source blind({}, InputFormat(3, 2, 1, 1));
+    blind.source->start();
+    blind.source->stop();
     const Source made(context, InputFormat(3, 2, 1, 1), false, "Nougat");
     EXPECT_THROW(made.source->start(), std::invalid_argument);
     context->onInputSurfaceLostFocus();
     made.source->stop();
     EXPECT_TRUE(context->onInputSurfaceLostFocus.empty());
+    EXPECT_EQ(absolute->calls, "");
 }
 
 TEST_F(GenericInputSourceTest, FrameOfAnotherElementGoesOn) {
@@ -228,81 +206,6 @@ TEST_F(GenericInputSourceTest, FrameOfAnotherElementGoesOn) {
     EXPECT_EQ(
         made.target->take(),
         (std::vector<InputFrame>{{.mediaType = 9, .ch = 1, .extra = 2, .networkOrder = false}}));
-}
-
-InputFrame keyUp(std::uint8_t scanCode) {
-    return {.mediaType = 9, .ch = scanCode, .event = 1, .extra = 0xFFFFFFFF};
-}
-
-constexpr std::uint8_t kMarker = 250;
-
-/// All frames of the keys so far, waited for by one more key.
-std::vector<InputFrame> framesOf(test::FakeInputContext& context, test::RecordingTarget& target) {
-    context.simulateKey(true, kMarker, kMarker);
-    context.simulateKey(false, kMarker, kMarker);
-    return target.takeUpTo(keyUp(kMarker));
-}
-
-/// The keys that a phone holds after the frames; it knows keys by their scan codes alone.
-void press(std::set<std::uint8_t>& held, const std::vector<InputFrame>& frames) {
-    for (const InputFrame& frame : frames) {
-        if (frame.event == 1)
-            held.erase(frame.ch);
-        else if (frame.ch != 0)
-            held.insert(frame.ch);
-    }
-}
-
-/// One random event; a stop comes with the end of the link, at which the phone drops all keys.
-void step(std::mt19937& random, test::FakeInputContext& context, Source& made, bool& running,
-          std::set<std::uint8_t>& held) {
-    struct Key {
-        std::uint32_t vk, scanCode;
-    };
-
-    constexpr Key kKeys[] = {{17, 29}, {32, 57}, {91, 219}, {65, 30}, {66, 48}, {173, 0}, {174, 0}};
-    const Key& key = kKeys[random() % std::size(kKeys)];
-    const auto choice = random() % 100;
-    if (choice < 50) {
-        context.simulateKey(true, key.vk, key.scanCode,
-                            static_cast<std::int32_t>(random() % 4) - 1);
-    } else if (choice < 85) {
-        context.simulateKey(false, key.vk, key.scanCode);
-    } else if (choice < 90) {
-        context.simulateCharacter(65, random() % 2 == 0 ? 'a' : 0);
-    } else if (choice < 95) {
-        context.onInputSurfaceLostFocus();
-    } else if (running) {
-        made.source->stop();
-        (void)made.target->take();
-        held.clear();
-        running = false;
-    } else {
-        // Nothing came while it was stopped.
-        EXPECT_EQ(made.target->take(), std::vector<InputFrame>());
-        made.source->start();
-        running = true;
-    }
-}
-
-TEST_F(GenericInputSourceTest, PhoneHoldsNoKeyOnceTheFocusIsLost) {
-    for (unsigned seed = 0; seed < 100; ++seed) {
-        std::mt19937 random(seed);
-        Source made(context, InputFormat(0, 2, 0, seed % 2), false, seed % 3 == 0 ? "" : "8.1");
-        std::set<std::uint8_t> held;
-        bool running = true;
-        made.source->start();
-        for (int i = 0; i < 100; ++i)
-            step(random, *context, made, running, held);
-        if (!running)
-            made.source->start();
-        context->onInputSurfaceLostFocus();
-        const auto frames = framesOf(*context, *made.target);
-        ASSERT_FALSE(frames.empty());
-        press(held, frames);
-        EXPECT_EQ(held, std::set<std::uint8_t>()) << "seed " << seed;
-        made.source->stop();
-    }
 }
 
 /// With the mouse sources of the product.
@@ -353,7 +256,9 @@ void raceWithStops(std::uint32_t mouseFlag, int restarts) {
     for (std::thread* thread : {&window, &penWindow, &keyboard})
         thread->join();
     made.source->start();
-    EXPECT_FALSE(framesOf(*surface, *made.target).empty());
+    surface->simulateKey(true, kMarkerUp.ch, kMarkerUp.ch);
+    surface->simulateKey(false, kMarkerUp.ch, kMarkerUp.ch);
+    EXPECT_FALSE(made.target->takeUpTo(kMarkerUp).empty());
     // It goes with its events under way, without a stop.
     std::thread last([&] { surface->onAbsoluteMouseMove(9, 9); });
     made.source.reset();

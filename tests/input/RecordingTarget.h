@@ -53,6 +53,9 @@ struct InputFrame {
     }
 };
 
+/// Of a key that no test uses: the last frame of what was posted before.
+inline constexpr InputFrame kMarkerUp{.mediaType = 9, .ch = 250, .event = 1, .extra = 0xFFFFFFFF};
+
 inline void PrintTo(const InputFrame& frame, std::ostream* out) {
     *out << "type " << +frame.mediaType << " ch " << +frame.ch << " event " << +frame.event << " ("
          << frame.x << ", " << frame.y << ") extra " << frame.extra

@@ -26,67 +26,45 @@ CursorDelta placeOf(const CursorPoint& point) {
     return {.dx = point.x, .dy = point.y};
 }
 
-TEST(RelativeCursor, DeltasTurnWithThePhone) {
-    const CursorDelta expected[] = {{5, 2}, {5, 2}, {2, -5}, {-5, -2}, {-2, 5}, {5, 2}};
-    for (std::int32_t rotation = 0; rotation < 6; ++rotation) {
-        EXPECT_EQ(rotated({5, 2}, rotation), expected[rotation]) << rotation;
-        EXPECT_EQ(isTurned(rotation), !(expected[rotation] == CursorDelta{5, 2})) << rotation;
-    }
+TEST(RelativeCursor, DistancesFollowTheirFactorsAndNeverLeaveTheirType) {
     EXPECT_EQ(rotated({kLeast, 0}, 3), (CursorDelta{kGreatest, 0}));
-}
-
-TEST(RelativeCursor, OnlyAScaleAboveOneChangesTheDimensions) {
-    const CursorExtent scaled = logicalExtent({.width = 1596, .height = 798}, 2.0);
-    EXPECT_EQ(scaled.width, 1000);
-    EXPECT_EQ(scaled.height, 500);
-    EXPECT_EQ(logicalExtent({.width = 1596, .height = 798}, 1.0).width, 1596);
-    EXPECT_EQ(logicalExtent({.width = 1596, .height = 798}, 3.0).width, 667);
-}
-
-TEST(RelativeCursor, HardwareDeltasFollowSpeedAndDragFactor) {
-    EXPECT_EQ(draggedLinearly(6, 10, 0.16667F), 10);
+    EXPECT_EQ(rotated({5, 2}, 5), (CursorDelta{5, 2}));
     EXPECT_EQ(draggedLinearly(-5, 10, 0.16667F), -8);
-    EXPECT_EQ(draggedByRoot(-30, 10, 1.2F), -18);
+    EXPECT_EQ(draggedLinearly(kLeast, 20, 1.2F), kLeast);
     EXPECT_EQ(draggedByRoot(30, 10, 1.2F), 18);
     EXPECT_EQ(draggedByRoot(0, 10, 1.2F), 0);
-    EXPECT_EQ(draggedLinearly(kLeast, 20, 1.2F), kLeast);
+    const CursorExtent picture{.width = 1596, .height = 798};
+    EXPECT_EQ(logicalExtent(picture, 2.0).width, 1000);
+    EXPECT_EQ(logicalExtent(picture, 2.0).height, 500);
+    EXPECT_EQ(logicalExtent(picture, 1.0).width, 1596);
+    EXPECT_EQ(logicalExtent(picture, 3.0).width, 667);
 }
 
-TEST(RelativeCursor, PlacesAreRescaledWithinTheirEdges) {
+TEST(RelativeCursor, PlacesAreRoundedAndStayOnTheScreen) {
     EXPECT_EQ(rescaled(1, 3, 5), 2);
     EXPECT_EQ(rescaled(1, 4, 5), 1);
     EXPECT_EQ(rescaled(0, 0, 5), 0);
     const CursorExtent surface{.width = 1000, .height = 500};
     EXPECT_EQ(placeOf(toLogical({.x = 333, .y = 333}, surface, kLogical)), (CursorDelta{167, 167}));
     EXPECT_EQ(placeOf(toLogical({.x = -1, .y = 999}, surface, kLogical)), (CursorDelta{0, 250}));
-    EXPECT_EQ(toLogical({.flags = 2}, surface, kLogical).flags, 2U);
-}
-
-TEST(RelativeCursor, TheModelStaysOnTheScreen) {
     const CursorPoint at{.x = 100, .y = 100, .flags = 1};
     EXPECT_EQ(placeOf(advanced(at, {-3, 7}, kLogical)), (CursorDelta{97, 107}));
     EXPECT_EQ(placeOf(advanced(at, {-101, 150}, kLogical)), (CursorDelta{0, 249}));
     EXPECT_EQ(placeOf(advanced(at, {1, 1}, {})), (CursorDelta{0, 0}));
-    EXPECT_EQ(advanced(at, {1, 1}, kLogical).flags, 1U);
+    EXPECT_EQ(advanced(toLogical(at, surface, kLogical), {1, 1}, kLogical).flags, 1U);
 }
 
-TEST(RelativeCursor, MovesOnAScaledScreenAreCurved) {
-    const struct {
-        CursorDelta move;
-        CursorDelta sent;
-    } kCases[] = {{{1, 0}, {3, 0}},         {{-10, 4}, {-11, 4}}, {{3, -4}, {5, -6}},
-                  {{6, 157}, {2, 49}},      {{160, 0}, {50, 0}},  {{161, 0}, {50, 0}},
-                  {{-252, 336}, {-54, 72}}, {{0, -420}, {0, -90}}};
-
-    for (const auto& [move, sent] : kCases) {
+TEST(RelativeCursor, MovesOnAScaledScreenAreCurvedAndLongOnesCut) {
+    const std::pair<CursorDelta, CursorDelta> moves[] = {
+        {{1, 0}, {3, 0}},    {{-10, 4}, {-11, 4}}, {{3, -4}, {5, -6}},       {{6, 157}, {2, 49}},
+        {{160, 0}, {50, 0}}, {{161, 0}, {50, 0}},  {{-252, 336}, {-54, 72}}, {{0, -420}, {0, -90}}};
+    for (const auto& [move, sent] : moves) {
         EXPECT_FALSE(isLongMove(move));
         EXPECT_EQ(curved(move), sent) << move.dx << ' ' << move.dy;
     }
-}
-
-TEST(RelativeCursor, ALongMovesFirstLegIsCutBeforeItIsAdded) {
     EXPECT_TRUE(isLongMove({421, 0}));
     EXPECT_EQ(placeOf(firstLegEnd({}, {600, 800})), (CursorDelta{252, 336}));
+    // Cut before it is added.
     EXPECT_EQ(placeOf(firstLegEnd({.x = 10, .y = 10}, {-500, -1})), (CursorDelta{-409, 10}));
 }
 

@@ -55,7 +55,7 @@ class FakeReverser final : public IMouseReverser {
 
 class FakeProvider final : public IRemoteMouseInfoProvider {
   public:
-    enum StopAnswer { AtOnce, Drops, Keeps };
+    enum StopAnswer { AtOnce, Drops, Late, Never };
 
     StopAnswer stopAnswer = AtOnce;
     int stops = 0;
@@ -68,7 +68,7 @@ class FakeProvider final : public IRemoteMouseInfoProvider {
         ++stops;
         if (stopAnswer == AtOnce)
             callback(error_code());
-        else if (stopAnswer == Keeps)
+        else if (stopAnswer != Drops)
             stopping.set_value(callback);
     }
 };

@@ -16,7 +16,6 @@ using test::Journal;
 using test::NewRelativeMouse;
 using test::ReadyRelativeMouse;
 using test::RelativeMouse;
-using Lines = std::vector<test::CapturedLog::Line>;
 
 TEST_F(NewRelativeMouse, AServerThatCannotStartEndsTheSource) {
     source->start(surface);
@@ -50,36 +49,30 @@ TEST_F(NewRelativeMouse, StopDisconnectsEveryoneFromTheContextAndSomeSignalsOfTh
     EXPECT_EQ(provider->stops, 1);
 }
 
-TEST(RelativeMouseLife, TheEndWaitsForTheProvidersAnswerForFiveSeconds) {
-    const Lines late{{kLogWarning,
-                      "orbelantine::RelativeMouseSource::doFini() the remote mouse info "
-                      "has not stopped in time"}};
-    for (const bool answers : {true, false}) {
+TEST(RelativeMouseLife, TheEndWaitsForTheProvidersAnswerForFiveSecondsUnlessItIsDropped) {
+    for (const auto& [answer, warnings] : {std::pair{FakeProvider::Drops, 0U},
+                                           {FakeProvider::AtOnce, 0U},
+                                           {FakeProvider::Late, 0U},
+                                           {FakeProvider::Never, 1U}}) {
         RelativeMouse mouse;
         test::CapturedLog log(kLogWarning);
-        mouse.provider->stopAnswer = FakeProvider::Keeps;
+        mouse.provider->stopAnswer = answer;
         mouse.beReady();
         mouse.source->stop();
-        const auto answer = mouse.provider->stopping.get_future().get();
-        mouse.clock.advance(5s - 1ns);
-        if (answers)
-            answer(error_code());
-        else
+        IRemoteMouseInfoProvider::Callback kept;
+        if (answer >= FakeProvider::Late) {
+            kept = mouse.provider->stopping.get_future().get();
+            mouse.clock.advance(5s - 1ns);
+        }
+        if (answer == FakeProvider::Late)
+            kept(error_code());
+        if (answer == FakeProvider::Never)
             mouse.clock.advance(1ns);
         EXPECT_EQ(mouse.state(), "RelativeMouseStateFini");
-        EXPECT_EQ(log.take(), answers ? Lines() : late);
+        EXPECT_EQ(log.take().size(), warnings);
         mouse.source.reset();
-        answer(error_code());
-    }
-}
-
-TEST(RelativeMouseLife, ADroppedAnswerEndsTheWaitAtOnce) {
-    for (const char* hint : {"android", ""}) {
-        RelativeMouse mouse(false, hint);
-        mouse.provider->stopAnswer = FakeProvider::Drops;
-        mouse.beReady();
-        mouse.source->stop();
-        EXPECT_EQ(mouse.state(), "RelativeMouseStateFini") << '"' << hint << '"';
+        if (kept)
+            kept(error_code());
     }
 }
 

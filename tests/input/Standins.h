@@ -33,31 +33,25 @@ class FakeMouseSource : public IMouseSource {
 
     void killFocus() override { record("killFocus"); }
 
-    void mouseMove(std::int32_t x, std::int32_t y, std::int32_t id) override {
-        record("mouseMove", x, y, id);
-    }
+    void mouseMove(int x, int y, int id) override { record("mouseMove", x, y, id); }
 
-    void mouseLButton(bool down, std::int32_t x, std::int32_t y, std::int32_t id,
-                      bool reconnect) override {
+    void mouseLButton(bool down, int x, int y, int id, bool reconnect) override {
         record("mouseLButton", down, x, y, id, reconnect);
     }
 
-    void mouseRButton(bool down, std::int32_t x, std::int32_t y, bool reconnect) override {
+    void mouseRButton(bool down, int x, int y, bool reconnect) override {
         record("mouseRButton", down, x, y, reconnect);
     }
 
-    void touchMove(std::int32_t x, std::int32_t y, std::int32_t id) override {
-        record("touchMove", x, y, id);
-    }
+    void touchMove(int x, int y, int id) override { record("touchMove", x, y, id); }
 
-    void touch(bool down, std::int32_t x, std::int32_t y, std::int32_t id,
-               bool reconnect) override {
+    void touch(bool down, int x, int y, int id, bool reconnect) override {
         record("touch", down, x, y, id, reconnect);
     }
 
-    void rawMouseMove(std::int32_t dx, std::int32_t dy) override { record("rawMouseMove", dx, dy); }
+    void rawMouseMove(int dx, int dy) override { record("rawMouseMove", dx, dy); }
 
-    void mouseWheel(bool up, std::int32_t x, std::int32_t y, std::int32_t amount) override {
+    void mouseWheel(bool up, int x, int y, int amount) override {
         record("mouseWheel", up, x, y, amount);
     }
 
