@@ -12,15 +12,15 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <future>
+#include <map>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace orbelantine::test {
-
-using Journal = std::vector<std::string>;
 
 inline std::string pairText(std::int32_t x, std::int32_t y) {
     return ' ' + std::to_string(x) + ',' + std::to_string(y);
@@ -86,17 +86,17 @@ class FakeMouseSettings final : public MouseSettingsApi {
 };
 
 /// A source with a world around it: a surface of 1000 x 500 pixels at (100, 200) of the screen and
-/// a phone. The journal has all that leaves the source, pauses included, in order.
+/// a phone. The journal has all that leaves the source, pauses included, in order and as one text.
 class RelativeMouse {
   public:
     explicit RelativeMouse(bool apple = false, const std::string& hint = "android") {
         store.setStringAt("hint", hint);
         store.setBoolAt("apple", apple);
-        surface->onMouseCall = [this](const std::string& call) { journal.push_back(call); };
+        surface->onMouseCall = [this](const std::string& call) { note(call); };
         clock.onPause([this] {
             using std::chrono::milliseconds;
             const auto pause = std::chrono::duration_cast<milliseconds>(clock.pauses().back());
-            journal.push_back("pause " + std::to_string(pause.count()));
+            note("pause " + std::to_string(pause.count()));
         });
         make();
     }
@@ -107,7 +107,7 @@ class RelativeMouse {
         source = std::make_unique<RelativeMouseSource>(store, settings, clock);
         source->registerTarget(boost::make_shared<Target>(
             [this](const boost::shared_ptr<IMediaBuffer>& buffer, const auto&...) {
-                journal.push_back(textOf(InputFrame::of(*buffer)));
+                note(textOf(InputFrame::of(*buffer)));
             },
             "target"));
     }
@@ -121,35 +121,57 @@ class RelativeMouse {
         (void)take();
     }
 
-    /// Ready, with the left button held at (400, 200) of the surface.
-    void beHeld() {
-        beReady();
-        press();
-        (void)take();
-    }
-
-    void press(std::int32_t x = 400, std::int32_t y = 200) {
-        source->mouseLButton(true, x, y, 0, false);
-    }
-
-    void release() { source->mouseLButton(false, 7, 7, 0, false); }
-
     /// Runs `task` on the worker once all that was raised so far is done.
     template <class Task>
     auto inside(Task task) {
         return source->postAndWait([task](const auto&) mutable { return task(); });
     }
 
+    /// Raises the events of a script, such as "press 400 200, raw 6 0, wait 201, at", and gives the
+    /// journal. Presses and drags are told in places of the surface, the other pointers' of the
+    /// screen; "wait" in milliseconds, and nanoseconds beside; "at" notes the model's place.
+    std::string play(const std::string& script) {
+        const std::map<std::string, std::function<void(int, int, int)>> events{
+            {"press", [&](int x, int y, int) { source->mouseLButton(true, x, y, 0, false); }},
+            {"return", [&](int x, int y, int) { source->mouseLButton(true, x, y, 0, true); }},
+            {"release", [&](int again, auto...) { source->mouseLButton(false, 7, 7, 0, again); }},
+            {"right", [&](int down, auto...) { source->mouseRButton(down != 0, 1, 1, true); }},
+            {"hover", [&](int x, int y, int) { source->mouseMove(x, y, 0); }},
+            {"down", [&](int x, int y, int) { source->touch(true, x, y, 3, false); }},
+            {"move", [&](int x, int y, int) { source->touchMove(x, y, 3); }},
+            {"up", [&](int x, int y, int) { source->touch(false, x, y, 3, false); }},
+            {"raw", [&](int dx, int dy, int) { source->rawMouseMove(dx, dy); }},
+            {"wheel", [&](int by, int x, int y) { source->mouseWheel(by > 0, x, y, by); }},
+            {"unfocus", [&](auto...) { source->killFocus(); }},
+            {"rotate", [&](int rotation, auto...) { surface->onRotationChanged(rotation); }},
+            {"viewport", [&](int w, int h, int) { provider->onCursorViewPortChanged(w, h); }},
+            {"report", [&](int x, int y, int) { provider->onCursorMove(x, y); }},
+            {"stop", [&](auto...) { source->stop(); }},
+            {"at", [&](auto...) { inside([&] { note("at" + place()); }); }},
+            {"wait",
+             [&](int ms, int ns, int) {
+                 inside([] {});
+                 clock.advance(std::chrono::milliseconds(ms) + std::chrono::nanoseconds(ns));
+             }},
+        };
+        std::istringstream parts(script);
+        for (std::string part; std::getline(parts >> std::ws, part, ',');) {
+            std::istringstream words(part);
+            std::string what;
+            int values[3] = {};
+            words >> what >> values[0] >> values[1] >> values[2];
+            events.at(what)(values[0], values[1], values[2]);
+        }
+        return take();
+    }
+
     /// The journal since the last call.
-    Journal take() {
+    std::string take() {
         return inside([this] { return std::exchange(journal, {}); });
     }
 
     std::string position() {
-        return inside([this] {
-            const CursorPoint& at = source->position();
-            return pairText(at.x, at.y) + (at.flags != 0 ? " held" : "");
-        });
+        return inside([this] { return place(); });
     }
 
     std::string state() {
@@ -161,7 +183,7 @@ class RelativeMouse {
                surface->onRotationChanged.num_slots();
     }
 
-    Journal journal;
+    std::string journal;
     HandClock clock;
     KVStore store;
     FakeMouseSettings settings;
@@ -173,6 +195,14 @@ class RelativeMouse {
                                                       provider};
     boost::shared_ptr<FakeInputContext> surface = boost::make_shared<FakeInputContext>();
     std::unique_ptr<RelativeMouseSource> source;
+
+  private:
+    void note(const std::string& text) { journal += (journal.empty() ? "" : ", ") + text; }
+
+    std::string place() {
+        const CursorPoint& at = source->position();
+        return pairText(at.x, at.y) + (at.flags != 0 ? " held" : "");
+    }
 };
 
 struct NewRelativeMouse : testing::Test, RelativeMouse {};

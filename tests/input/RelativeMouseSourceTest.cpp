@@ -11,21 +11,14 @@ namespace orbelantine {
 
 namespace {
 
-using namespace std::chrono_literals;
-using test::Journal;
 using test::NewRelativeMouse;
 using test::ReadyRelativeMouse;
 using test::RelativeMouse;
 
-const Journal kParked = {"move 32767,32767", "pause 100"};
-const Journal kPressed = {"pause 0", "leftDown 0,0", "lockSystemMouse"};
-const Journal kReleased = {"unlockSystemMouse(500, 400)", "leftUp 0,0", "move 32767,32767",
-                           "pause 100"};
-
-Journal operator+(Journal first, const Journal& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+const std::string kParked = "move 32767,32767, pause 100";
+const std::string kGone = "move -299,-149, ";
+const std::string kPressed = "pause 0, leftDown 0,0, lockSystemMouse";
+const std::string kReleased = "unlockSystemMouse(500, 400), leftUp 0,0, " + kParked;
 
 TEST(RelativeMouseSource, ComesFromTheFactoryAndIsNotAbsolute) {
     auto& factory = OSALFactory::instance();
@@ -38,200 +31,115 @@ TEST_F(NewRelativeMouse, DimensionsMakeItReadyAndParkTwice) {
     source->start(surface);
     EXPECT_EQ(state(), "RelativeMouseStateStart");
     source->rmiLogicalDimensions(0, 250, 1, 0);
-    EXPECT_EQ(take(), Journal{});
+    EXPECT_EQ(take(), "");
     provider->onLogicalDimensionsChanged(500, 250, 1, 8);
-    EXPECT_EQ(take(), kParked + kParked);
+    EXPECT_EQ(play("at"), kParked + ", " + kParked + ", at 491,241");
     EXPECT_EQ(state(), "RelativeMouseStateReady");
-    EXPECT_EQ(position(), " 491,241");
 }
 
-TEST(RelativeMouseSource, AClickMovesThenPressesAndParksAfterItsRelease) {
-    RelativeMouse mouse(true);
-    mouse.beReady();
-    mouse.press();
-    EXPECT_EQ(mouse.take(),
-              (Journal{"move -299,-149", "pause 100", "leftDown 0,0", "lockSystemMouse"}));
-    EXPECT_EQ(mouse.position(), " 200,100 held");
-    mouse.release();
-    EXPECT_EQ(mouse.take(), kReleased);
-    EXPECT_EQ(mouse.position(), " 499,249");
-}
-
-TEST_F(ReadyRelativeMouse, AReconnectParksBeforeTheMove) {
-    source->mouseLButton(true, 400, 200, 0, true);
-    EXPECT_EQ(take(), kParked + Journal{"move -299,-149"} + kPressed);
-    // The release keeps to the place from before it.
-    source->mouseLButton(false, 0, 0, 0, true);
-    EXPECT_EQ(take(), kParked + Journal{"move -299,-149"} + kReleased);
-}
-
-TEST_F(ReadyRelativeMouse, TouchesAreOnTheScreenAndDragWhileHeld) {
-    source->touchMove(500, 400, 3);
-    source->mouseMove(1, 1, 0);
-    EXPECT_EQ(take(), Journal{});
-    source->touch(true, 500, 400, 3, false);
-    EXPECT_EQ(take(), Journal{"move -299,-149"} + kPressed);
-    source->touchMove(520, 420, 3);
-    source->touchMove(520, 420, 3);
-    source->touch(false, 500, 400, 3, false);
-    EXPECT_EQ(take(), (Journal{"move 10,10", "move -10,-10"} + kReleased));
-}
-
-TEST_F(ReadyRelativeMouse, RawMovesDragByFactorOnlyWhileHeld) {
-    source->rawMouseMove(6, 0);
-    EXPECT_EQ(take(), Journal{});
-    press();
-    (void)take();
-    source->rawMouseMove(6, 0);
-    source->rawMouseMove(0, -1);
-    source->rawMouseMove(0, 0);
-    EXPECT_EQ(take(), (Journal{"move 10,0", "move 0,-1"}));
-    EXPECT_EQ(position(), " 210,99 held");
-    source->rotationChanged(2);
-    press();
-    (void)take();
-    source->rawMouseMove(6, 0);
-    EXPECT_EQ(take(), Journal{"move 0,-10"});
-}
-
-TEST(RelativeMouseSource, RawMovesOnAScaledScreenSendRootsAndCountInFull) {
-    RelativeMouse mouse(true);
-    mouse.beReady(1596, 798, 2);
-    mouse.press(900, 450);
-    (void)mouse.take();
-    EXPECT_EQ(mouse.position(), " 900,450 held");
-    mouse.source->rawMouseMove(-30, 0);
-    EXPECT_EQ(mouse.take(), Journal{"move -18,0"});
-    EXPECT_EQ(mouse.position(), " 870,450 held");
-}
-
-TEST(RelativeMouseSource, DragSpeedIsReadAtEachStart) {
-    for (const auto& [error, moved] :
-         {std::pair{0U, "move 20,0"}, {2U, "move 10,0"}, {13U, "move 10,0"}}) {
+TEST(RelativeMouseSource, EventsBecomeDeltasButtonsAndPauses) {
+    const std::string clicked = kGone + kPressed;
+    const std::pair<const char*, std::string> scenes[] = {
+        {"press 400 200, at, release, at",
+         clicked + ", at 200,100 held, " + kReleased + ", at 499,249"},
+        // A phone that is back is parked first; the release keeps to the place from before that.
+        {"return 400 200", kParked + ", " + clicked},
+        {"press 400 200, release 1", clicked + ", " + kParked + ", " + kGone + kReleased},
+        // Touches are on the screen, and only one that holds the button moves the cursor.
+        {"move 500 400, hover 1 1", ""},
+        {"down 500 400, move 520 420, move 520 420, up 500 400",
+         clicked + ", move 10,10, move -10,-10, " + kReleased},
+        {"raw 6 0", ""},
+        {"press 400 200, raw 6 0, raw 0 -1, raw 0 0, at",
+         clicked + ", move 10,0, move 0,-1, at 210,99 held"},
+        {"raw 999 999, right 1, right 0, unfocus, at",
+         "move -1,0, move 1,0, rightDown 0,0, rightUp 0,0, at 499,249"},
+        {"press 400 200, unfocus, unfocus", clicked + ", " + kReleased},
+        // A run of the wheel moves once, and parks a second after its last event.
+        {"wheel 3 500 400, wait 999, wheel -1 900 600, wait 999, at, wait 1, wait 5000",
+         kGone + "pause 0, wheelUp 0,3, wheelDown 0,-1, at 200,100, " + kParked},
+        {"wheel 1 500 400, wait 1000, wheel 1 500 400",
+         kGone + "pause 0, wheelUp 0,1, " + kParked + ", " + kGone + "pause 0, wheelUp 0,1"},
+        {"wheel 1 500 400, press 400 200, wait 2000", kGone + "pause 0, wheelUp 0,1, " + kPressed},
+        {"wheel 1 500 400, stop, wait 2000", kGone + "pause 0, wheelUp 0,1"},
+        // Reports of the phone's cursor correct the model, unless they may be echoes.
+        {"press 400 200, viewport 1000 1000, wait 200 999999, report 40 40, at, wait 0 1, "
+         "report -1 40, at, report 40 40, at",
+         clicked + ", at 200,100 held, at 200,100 held, at 20,10 held"},
+        {"rotate 1, press 400 200", kParked + ", " + clicked},
+        {"rotate 2, press 400 200, raw 6 0",
+         "move 32767,-32767, pause 100, move -149,299, " + kPressed + ", move 0,-10"},
+        {"rotate 3, press 400 200", "move -32767,-32767, pause 100, move 299,149, " + kPressed},
+        {"rotate 4, press 400 200", "move -32767,32767, pause 100, move 149,-299, " + kPressed},
+    };
+    for (const auto& [script, journal] : scenes) {
         RelativeMouse mouse;
-        mouse.settings.error = error;
-        mouse.settings.dragSpeed = 20000;
-        mouse.beHeld();
-        mouse.source->rawMouseMove(6, 0);
-        EXPECT_EQ(mouse.take(), Journal{moved}) << error;
+        mouse.beReady();
+        EXPECT_EQ(mouse.play(script), journal) << script;
     }
 }
 
-TEST_F(ReadyRelativeMouse, TheJiggleTheRightButtonAndALostFocusLeaveTheCursorWhereItIs) {
-    source->rawMouseMove(999, 999);
-    source->mouseRButton(true, 1, 1, true);
-    source->mouseRButton(false, 1, 1, false);
-    source->killFocus();
-    EXPECT_EQ(take(), (Journal{"move -1,0", "move 1,0", "rightDown 0,0", "rightUp 0,0"}));
-    EXPECT_EQ(position(), " 499,249");
+TEST(RelativeMouseSource, AnApplePhoneIsPausedForAndRawMovesOnAScaledScreenAreRoots) {
+    RelativeMouse mouse(true);
+    mouse.beReady(1596, 798, 2);
+    EXPECT_EQ(mouse.play("press 990 490, at, raw -30 0, at"),
+              "move -9,-9, pause 100, leftDown 0,0, lockSystemMouse, at 990,490 held, move -18,0, "
+              "at 960,490 held");
 }
 
-TEST(RelativeMouseSource, DeltasAreTurnedIntoThePhonesFrame) {
-    const struct {
-        std::int32_t rotation;
-        const char* parking;
-        const char* move;
-    } kCases[] = {{1, "move 32767,32767", "move -299,-149"},
-                  {2, "move 32767,-32767", "move -149,299"},
-                  {3, "move -32767,-32767", "move 299,149"},
-                  {4, "move -32767,32767", "move 149,-299"}};
-
-    for (const auto& [rotation, parking, move] : kCases) {
+TEST(RelativeMouseSource, DragSpeedIsReadAtEachStart) {
+    for (const auto& [error, moved] : {std::pair{0U, "20"}, {2U, "10"}, {13U, "10"}}) {
         RelativeMouse mouse;
+        mouse.settings.error = error;
+        mouse.settings.dragSpeed = 20000;
         mouse.beReady();
-        mouse.surface->onRotationChanged(rotation);
-        mouse.press();
-        EXPECT_EQ(mouse.take(), (Journal{parking, "pause 100", move} + kPressed));
+        EXPECT_EQ(mouse.play("press 400 200, raw 6 0"),
+                  kGone + kPressed + ", move " + moved + ",0");
     }
 }
 
 TEST(RelativeMouseSource, TheModelTakesWhatThePhoneMakesOfADeltaUnlessItIsTurned) {
-    for (const auto& [rotation, sent, position] :
-         {std::tuple{1, "move -149,-74", " 52,27 held"}, {3, "move 149,74", " 350,175 held"}}) {
+    for (const auto& [script, sent] :
+         {std::pair{"press 400 200, at", "move -149,-74, " + kPressed + ", at 52,27 held"},
+          {"rotate 3, press 400 200, at",
+           "move -32767,-32767, pause 100, move 149,74, " + kPressed + ", at 350,175 held"}}) {
         RelativeMouse mouse;
         mouse.reverser->acceleration = 3;
         mouse.reverser->reversal = 2;
         mouse.beReady();
-        mouse.source->rotationChanged(rotation);
-        (void)mouse.take();
-        mouse.press();
-        EXPECT_EQ(mouse.take().front(), sent);
-        EXPECT_EQ(mouse.position(), position);
+        EXPECT_EQ(mouse.play(script), sent);
         EXPECT_EQ(mouse.reverser->lastMoveNs, mouse.clock.now().time_since_epoch().count());
     }
 }
 
 TEST_F(NewRelativeMouse, OnAScaledScreenALongMoveRepeatsTheButtonAndADragGoesOnUntilItsEnd) {
     beReady(3192, 1596, 2);
-    EXPECT_EQ(position(), " 1999,999");
-    press(700, 499);
-    EXPECT_EQ(take(), (Journal{"move -90,0", "move -53,0"} + kPressed + kPressed));
-    EXPECT_EQ(position(), " 1400,998 held");
-    source->touchMove(810, 699, 0);
-    source->touchMove(300, 449, 0);
-    EXPECT_EQ(take(), (Journal{"move 17,0", "move -81,-39", "move -81,-40", "move -64,-31"}));
-    EXPECT_EQ(position(), " 400,498 held");
-    source->killFocus();
-    EXPECT_EQ(take(), (Journal{"unlockSystemMouse(300, 449)", "leftUp 0,0"} + kParked));
+    EXPECT_EQ(play("at, press 700 499, at"), "at 1999,999, move -90,0, move -53,0, " + kPressed +
+                                                 ", " + kPressed + ", at 1400,998 held");
+    EXPECT_EQ(play("move 810 699, move 300 449, at"),
+              "move 17,0, move -81,-39, move -81,-40, move -64,-31, at 400,498 held");
+    EXPECT_EQ(play("unfocus"), "unlockSystemMouse(300, 449), leftUp 0,0, " + kParked);
 }
 
 TEST_F(NewRelativeMouse, AScreenBeyondTheReachOfAReportIsRefused) {
-    const struct {
-        std::int32_t width, height, inset;
-    } kBeyond[] = {{50'000'000, 1, 0}, {32768, 1, 0}, {1, -32768, 0}, {1, 1, -30'000'000}};
-
+    const std::tuple<int, int, int> beyond[] = {
+        {50'000'000, 1, 0}, {32768, 1, 0}, {1, -32768, 0}, {1, 1, -30'000'000}};
     beReady(32767, 32767, 1.001, -32767);
     EXPECT_EQ(position(), " 73786,73786");
     test::CapturedLog log(kLogError);
-    for (const auto& [width, height, inset] : kBeyond) {
+    for (const auto& [width, height, inset] : beyond) {
         source->rmiLogicalDimensions(width, height, 2, inset);
-        EXPECT_EQ(take(), Journal{});
+        EXPECT_EQ(take(), "");
         EXPECT_EQ(log.take().size(), 1U) << width << ' ' << height << ' ' << inset;
     }
-    press(0, 0);
+    (void)play("press 0 0");
     EXPECT_EQ(position(), " 0,0 held");
-}
-
-TEST_F(ReadyRelativeMouse, ARunOfWheelEventsMovesOnceAndParksASecondAfterTheLast) {
-    source->mouseWheel(true, 500, 400, 3);
-    EXPECT_EQ(take(), (Journal{"move -299,-149", "pause 0", "wheelUp 0,3"}));
-    clock.advance(999ms);
-    source->mouseWheel(false, 900, 600, -1);
-    EXPECT_EQ(take(), Journal{"wheelDown 0,-1"});
-    clock.advance(999ms);
-    EXPECT_EQ(take(), Journal{});
-    clock.advance(1ms);
-    EXPECT_EQ(take(), kParked);
-    clock.advance(5s);
-    EXPECT_EQ(take(), Journal{});
-    source->mouseWheel(true, 500, 400, 1);
-    EXPECT_EQ(take(), (Journal{"move -299,-149", "pause 0", "wheelUp 0,1"}));
-}
-
-TEST_F(ReadyRelativeMouse, AClickOrTheEndTakesBackTheParkingAfterTheWheel) {
-    for (const bool end : {false, true}) {
-        source->mouseWheel(true, 500, 400, 1);
-        end ? source->stop() : press();
-        (void)take();
-        clock.advance(2s);
-        EXPECT_EQ(take(), Journal{});
-    }
-}
-
-TEST_F(ReadyRelativeMouse, LosingTheFocusEndsADrag) {
-    press();
-    (void)take();
-    source->killFocus();
-    source->killFocus();
-    EXPECT_EQ(take(), kReleased);
 }
 
 TEST_F(ReadyRelativeMouse, WithoutDimensionsTheSystemMouseStaysFree) {
     source->rmiLogicalDimensions(0, 0, 1, 0);
-    press();
-    release();
-    EXPECT_EQ(take(),
-              (Journal{"move -499,-249", "pause 0", "leftDown 0,0", "leftUp 0,0"}) + kParked);
+    EXPECT_EQ(play("press 400 200, release"),
+              "move -499,-249, pause 0, leftDown 0,0, leftUp 0,0, " + kParked);
 }
 
 TEST_F(NewRelativeMouse, ANewSourceBeginsWithTheLastDimensionsOfAny) {
@@ -247,20 +155,6 @@ TEST_F(NewRelativeMouse, ANewSourceBeginsWithTheLastDimensionsOfAny) {
     EXPECT_EQ(position(), " 319,239");
 }
 
-TEST_F(ReadyRelativeMouse, ReportsOfThePhonesCursorCorrectTheModelUnlessTheyMayBeEchoes) {
-    press();
-    (void)take();
-    provider->onCursorViewPortChanged(1000, 1000);
-    clock.advance(201ms - 1ns);
-    provider->onCursorMove(40, 40);
-    EXPECT_EQ(position(), " 200,100 held");
-    clock.advance(1ns);
-    provider->onCursorMove(-1, 40);
-    EXPECT_EQ(position(), " 200,100 held");
-    provider->onCursorMove(40, 40);
-    EXPECT_EQ(position(), " 20,10 held");
-}
-
 TEST_F(NewRelativeMouse, LinesAreLoggedToTheLetter) {
     settings.error = 13;
     test::CapturedLog log(kLogDebug);
@@ -268,8 +162,7 @@ TEST_F(NewRelativeMouse, LinesAreLoggedToTheLetter) {
     source->killFocus();
     source->rmiLogicalDimensions(1596, 798, 2, 4);
     source->rmiMousePosition(1, 1);
-    press(0, 0);
-    (void)take();
+    (void)play("press 0 0");
     std::string said;
     for (const auto& line : log.take())
         said += line.text + '\n';
