@@ -76,11 +76,6 @@ TEST_F(DriverTest, EveryPacketOnAFreshHandleHasItsReplyAndCountsAsAnErrorOrNot) 
     EXPECT_EQ(mPhone.tally().reports, 0U);
 }
 
-TEST_F(DriverTest, VersionIsSigned) {
-    mFaults.driverVersion = -2;
-    EXPECT_EQ(request(driver().open(), kGetVersion), (Bytes{0, 0, 0, 0, 0xFE, 0xFF}));
-}
-
 TEST_F(DriverTest, EachChannelStandsOnItsOwnHandle) {
     const auto control = connected(kConnectControl);
     const auto interrupt = connected(kConnectInterrupt);
@@ -97,35 +92,31 @@ TEST_F(DriverTest, ChannelThatStandsIsNotGivenTwice) {
     EXPECT_EQ(request(driver().open(), kConnectControl), failure(170));
     EXPECT_EQ(request(control, kConnectInterrupt), failure(170));
     driver().close(control);
-    connected(kConnectControl);
-}
-
-TEST_F(DriverTest, InterruptBeforeControlStandsAndIsAnError) {
     connected(kConnectInterrupt);
-    EXPECT_EQ(mPhone.tally().errors, 1U);
+    EXPECT_EQ(mPhone.tally().errors, 1U) << "it comes before the other";
+    connected(kConnectControl);
 }
 
-TEST_F(DriverTest, RefusesTheChannelThatItIsToldTo) {
+TEST_F(DriverTest, TellsTheVersionAndRefusesTheChannelThatItIsToldTo) {
+    mFaults.driverVersion = -2;
     mFaults.refuseInterrupt = true;
-    connected(kConnectControl);
+    const auto control = connected(kConnectControl);
+    EXPECT_EQ(request(control, kGetVersion), (Bytes{0, 0, 0, 0, 0xFE, 0xFF}));
     EXPECT_EQ(request(driver().open(), kConnectInterrupt), failure(1225));
 }
 
-TEST_F(DriverTest, UnplugDropsBothChannelsAndKeepsTheHandles) {
-    const auto control = connected(kConnectControl);
-    const auto interrupt = connected(kConnectInterrupt);
-    EXPECT_EQ(driver().packet(control, kUnplug), std::nullopt);
-    EXPECT_EQ(request(control, kIsConnected), kGone);
-    EXPECT_EQ(request(interrupt, kIsConnected), kGone);
-    EXPECT_EQ(request(control, kConnectControl), kSuccess);
-}
-
-TEST_F(DriverTest, KeepsTheChannelsAfterAnUnplugWhenToldTo) {
-    mFaults.keepAfterUnplug = true;
-    const auto control = connected(kConnectControl);
-    EXPECT_EQ(driver().packet(control, kUnplug), std::nullopt);
-    EXPECT_EQ(request(control, kIsConnected), kStands);
-    EXPECT_EQ(mPhone.tally().unplugs, 1U);
+TEST_F(DriverTest, UnplugDropsBothChannelsAndKeepsTheHandlesUnlessToldToKeepAll) {
+    for (const bool keeps : {true, false}) {
+        mFaults.keepAfterUnplug = keeps;
+        mDriver.reset();
+        const auto control = connected(kConnectControl);
+        const auto interrupt = connected(kConnectInterrupt);
+        EXPECT_EQ(driver().packet(control, kUnplug), std::nullopt);
+        for (const auto handle : {control, interrupt})
+            EXPECT_EQ(request(handle, kIsConnected), keeps ? kStands : kGone);
+        EXPECT_EQ(request(control, kConnectControl), keeps ? failure(1225) : kSuccess);
+    }
+    EXPECT_EQ(mPhone.tally().unplugs, 2U);
 }
 
 TEST_F(DriverTest, VanishesOnceAfterSoManyReports) {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <iterator>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,43 +30,32 @@ std::string errorOf(Arguments arguments) {
 
 } // namespace
 
-TEST(Options, DefaultsAreAWellBehavedPhone) {
-    const Options options = optionsOf({});
-    EXPECT_EQ(toText(options.address), "00:11:22:33:44:55");
-    EXPECT_EQ(options.screen, (Screen{1080, 2340, 1, 1}));
-    EXPECT_EQ(options.acceleration, Acceleration::None);
-}
-
 TEST(Options, EachOptionReachesItsField) {
+    const Options usual = optionsOf({});
+    EXPECT_EQ(toText(usual.address), "00:11:22:33:44:55");
+    EXPECT_EQ(usual.screen, (Screen{1080, 2340, 1, 1}));
+    EXPECT_EQ(usual.acceleration, Acceleration::None);
     const Options options =
         optionsOf({"--devices=d", "--address=aa:Bb:0c:1D:2e:3F", "--screen=720x1280", "--scale=2.5",
                    "--rotation=4", "--acceleration=curve", "--control=c", "--name=N", "--log=l",
                    "--picture=p=q", "--ready-file=r"});
-    EXPECT_EQ(options.devices, "d");
     EXPECT_EQ(toText(options.address), "AA:BB:0C:1D:2E:3F");
     EXPECT_EQ(toDigits(options.address), "aabb0c1d2e3f");
     EXPECT_EQ(options.screen, (Screen{720, 1280, 2.5, 4}));
     EXPECT_EQ(options.acceleration, Acceleration::Curve);
-    EXPECT_EQ(options.control, "c");
-    EXPECT_EQ(options.name, "N");
-    EXPECT_EQ(options.log, "l");
-    EXPECT_EQ(options.picture, "p=q");
-    EXPECT_EQ(options.readyFile, "r");
-}
-
-TEST(Options, EachFaultReachesItsField) {
-    const Options options = optionsOf({"--refuse", "control", "--refuse", "interrupt", "--late",
-                                       "20", "--driver-version", "-3", "--vanish-after", "7",
-                                       "--return-after", "0", "--keep-after-unplug", "--garbage"});
-    const Faults& faults = options.faults;
-    EXPECT_TRUE(faults.refuseControl);
-    EXPECT_TRUE(faults.refuseInterrupt);
+    const std::string texts[] = {options.devices, options.control, options.name,
+                                 options.log,     options.picture, options.readyFile};
+    EXPECT_EQ(std::accumulate(std::begin(texts), std::end(texts), std::string()), "dcNlp=qr");
+    const Faults faults = optionsOf({"--refuse", "control", "--refuse", "interrupt", "--late", "20",
+                                     "--driver-version", "-3", "--vanish-after", "7",
+                                     "--return-after", "0", "--keep-after-unplug", "--garbage"})
+                              .faults;
+    EXPECT_TRUE(faults.refuseControl && faults.refuseInterrupt);
+    EXPECT_TRUE(faults.keepAfterUnplug && faults.garbage);
     EXPECT_EQ(faults.late, std::chrono::milliseconds(20));
     EXPECT_EQ(faults.driverVersion, -3);
     EXPECT_EQ(faults.vanishAfter, 7U);
     EXPECT_EQ(faults.returnAfter, std::chrono::milliseconds(0));
-    EXPECT_TRUE(faults.keepAfterUnplug);
-    EXPECT_TRUE(faults.garbage);
 }
 
 TEST(Options, HelpGoesFromTheFirstOptionToItself) {

@@ -33,13 +33,10 @@ class TextFieldTest : public testing::Test {
 
 } // namespace
 
-TEST_F(TextFieldTest, PlainKeysAreThoseOfTheUsLayout) {
+TEST_F(TextFieldTest, KeysAreThoseOfTheUsLayoutWithEitherShift) {
     EXPECT_EQ(textOfKeys(4, 39, 0), "abcdefghijklmnopqrstuvwxyz1234567890");
     EXPECT_EQ(textOfKeys(43, 56, 0), "\t -=[]\\\\;'`,./");
     EXPECT_EQ(textOfKeys(84, 103, 0), "/*-+\n1234567890.\\=");
-}
-
-TEST_F(TextFieldTest, EitherShiftGivesTheUpperCharacters) {
     EXPECT_EQ(textOfKeys(4, 39, kLeftShift), "ABCDEFGHIJKLMNOPQRSTUVWXYZ!@#$%^&*()");
     EXPECT_EQ(textOfKeys(45, 56, kRightShift), "_+{}||:\"~<>?");
     EXPECT_EQ(textOfKeys(100, 100, kLeftShift), "|");
@@ -52,13 +49,10 @@ TEST_F(TextFieldTest, CapsLockTurnsLettersOnlyAndShiftTurnsThemBack) {
     EXPECT_FALSE(mField.capsLock());
 }
 
-TEST_F(TextFieldTest, ShortcutsWriteNothing) {
+TEST_F(TextFieldTest, ShortcutsAndKeysWithoutCharacterWriteNothing) {
     for (const std::uint8_t modifier : {0x01, 0x04, 0x08, 0x10, 0x40, 0x80})
         EXPECT_EQ(mField.press(4, modifier), 0);
     EXPECT_EQ(mField.text(), "");
-}
-
-TEST_F(TextFieldTest, KeysWithoutCharacterWriteNothing) {
     for (int usage = 0; usage <= 255; ++usage) {
         const bool writes = (usage >= 4 && usage <= 40) || (usage >= 43 && usage <= 56) ||
                             (usage >= 84 && usage <= 100) || usage == 103;

@@ -24,19 +24,10 @@ using Lines = std::vector<std::string>;
 
 } // namespace
 
-TEST(TextLines, EmptyTextIsOneLineWithTheCaret) {
-    EXPECT_EQ(shown("", 0, {5, 2}), (Lines{"|"}));
-}
-
 TEST(TextLines, LongLinesBreakBehindASpaceElseWhereTheyAreFull) {
+    EXPECT_EQ(shown("", 0, {5, 2}), (Lines{"|"}));
     EXPECT_EQ(shown("ab cd efghijkl", 14, {5, 9}), (Lines{"ab cd ", "efghi", "jkl|"}));
-}
-
-TEST(TextLines, LineEndsBreakAndTabsAreSpaces) {
     EXPECT_EQ(shown("a\tb\n\nc\n", 4, {5, 9}), (Lines{"a b", "|", "c", ""}));
-}
-
-TEST(TextLines, CaretAtABreakStandsOnTheNextLine) {
     EXPECT_EQ(shown("abcdef", 3, {3, 9}), (Lines{"abc", "|def"}));
     EXPECT_EQ(shown("abc\ndef", 3, {3, 9}), (Lines{"abc|", "def"}));
 }

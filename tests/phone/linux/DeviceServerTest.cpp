@@ -64,39 +64,28 @@ TEST_F(DeviceServerTest, SocketStandsUnderItsClassWithTheMarkInItsName) {
     EXPECT_EQ(modeOf(mOptions.devices) & 0777U, 0700U);
 }
 
-TEST_F(DeviceServerTest, ClosedHandleFreesItsChannelForTheNext) {
-    for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(exchange(open(), packet::kConnectControl), packet::kSuccess);
-}
-
-TEST_F(DeviceServerTest, PacketsBeforeAHangUpAreTaken) {
-    {
-        const TestHost interrupt = openInterrupt();
-        for (int i = 0; i < 100; ++i) {
-            interrupt.send(packet::kTypeA);
-            interrupt.send(packet::kRelease);
+TEST_F(DeviceServerTest, PacketsBeforeAHangUpAreTakenAndItsChannelIsFree) {
+    for (int session = 0; session < 2; ++session) {
+        {
+            const TestHost interrupt = openInterrupt();
+            for (int i = 0; i < 50; ++i) {
+                interrupt.send(packet::kTypeA);
+                interrupt.send(packet::kRelease);
+            }
         }
+        run();
     }
-    run();
     EXPECT_EQ(mPhone.textField().text(), std::string(100, 'a'));
 }
 
-TEST_F(DeviceServerTest, StopLetsWhatWasSentBeforeItArrive) {
+TEST_F(DeviceServerTest, StopLetsWhatWasSentBeforeItArriveForHalfASecond) {
     const TestHost interrupt = openInterrupt();
     interrupt.send(packet::kTypeA);
     stop();
-    EXPECT_FALSE(run());
-    EXPECT_EQ(mPhone.textField().text(), "a");
-}
-
-TEST_F(DeviceServerTest, HostThatNeverRestsCannotPutOffTheStopForever) {
-    const TestHost host = open();
-    run();
-    stop();
-    host.send(packet::kRelease);
     EXPECT_TRUE(server().step());
+    EXPECT_EQ(mPhone.textField().text(), "a");
     mNow = Milliseconds(500);
-    host.send(packet::kRelease);
+    interrupt.send(packet::kRelease);
     EXPECT_FALSE(server().step());
 }
 
