@@ -7,6 +7,8 @@
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace orbelantine {
 namespace {
 
@@ -37,39 +39,30 @@ struct AbsoluteMouseSourceTest : testing::Test, AbsoluteMouseSource {
 };
 
 TEST_F(AbsoluteMouseSourceTest, PositionIsClampedScaledAndTurned) {
-    struct Case {
-        int angle;
-        std::pair<int, int> at;
-        std::pair<int, int> sent;
-    };
-
-    const Case cases[] = {
-        {0, {0, 0}, {0, 0}},
-        {0, {1000, 500}, {65535, 65535}},
-        {0, {1001, 9999}, {65535, 65535}},
-        {0, {-10, -1}, {0, 0}},
-        {0, {1, 1}, {65, 131}},
-        {0, {999, 499}, {65469, 65403}},
-        {90, {0, 0}, {65535, 0}},
-        {90, {1, 1}, {65404, 65}},
-        {180, {1, 1}, {65470, 65404}},
-        {270, {1, 1}, {131, 65470}},
-        {45, {1001, 1}, {1000, 1}},
-    };
-    for (const Case& each : cases) {
-        mOrientationAngle = each.angle;
-        EXPECT_EQ(moved(each.at.first, each.at.second), each.sent)
-            << each.angle << ": " << each.at.first << ", " << each.at.second;
+    using Place = std::pair<int, int>;
+    const std::tuple<int, Place, Place> cases[] = {{0, {0, 0}, {0, 0}},
+                                                   {0, {1000, 500}, {65535, 65535}},
+                                                   {0, {1001, 9999}, {65535, 65535}},
+                                                   {0, {-10, -1}, {0, 0}},
+                                                   {0, {1, 1}, {65, 131}},
+                                                   {0, {999, 499}, {65469, 65403}},
+                                                   {90, {0, 0}, {65535, 0}},
+                                                   {90, {1, 1}, {65404, 65}},
+                                                   {180, {1, 1}, {65470, 65404}},
+                                                   {270, {1, 1}, {131, 65470}},
+                                                   {45, {1001, 1}, {1000, 1}}};
+    for (const auto& [angle, at, sent] : cases) {
+        mOrientationAngle = angle;
+        EXPECT_EQ(moved(at.first, at.second), sent)
+            << angle << ": " << at.first << ", " << at.second;
     }
-}
-
-TEST_F(AbsoluteMouseSourceTest, PositionOnASurfaceWithoutAreaIsOnlyClamped) {
+    // Without area it is only clamped.
     context->rect = {5, 5, 5, 505};
-    EXPECT_EQ(moved(7, 300), std::pair(0, 300));
+    EXPECT_EQ(moved(7, 300), Place(0, 300));
     context->rect = {5, 505, 1005, 5};
-    EXPECT_EQ(moved(7, 300), std::pair(7, 0));
+    EXPECT_EQ(moved(7, 300), Place(7, 0));
     context->answers = false;
-    EXPECT_EQ(moved(7, 300), std::pair(0, 0));
+    EXPECT_EQ(moved(7, 300), Place(0, 0));
 }
 
 TEST_F(AbsoluteMouseSourceTest, EachEventGivesItsFrame) {
