@@ -9,6 +9,7 @@
 
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace orbelantine {
 
@@ -18,16 +19,7 @@ using test::CapturedLog;
 using test::HandClock;
 using Lines = std::vector<CapturedLog::Line>;
 
-struct Delta {
-    std::int32_t x;
-    std::int32_t y;
-
-    bool operator==(const Delta&) const = default;
-};
-
-void PrintTo(const Delta& delta, std::ostream* out) {
-    *out << '(' << delta.x << ", " << delta.y << ')';
-}
+using Delta = std::pair<std::int32_t, std::int32_t>;
 
 /// A reverser made when the clock showed 7 seconds.
 class Model {
@@ -44,12 +36,12 @@ class Model {
     }
 
     Delta reverse(Delta wanted) {
-        mReverser->reverse(wanted.x, wanted.y);
+        mReverser->reverse(wanted.first, wanted.second);
         return wanted;
     }
 
     Delta apply(Delta sent) {
-        mReverser->applyMove(sent.x, sent.y, mClock.now().time_since_epoch().count());
+        mReverser->applyMove(sent.first, sent.second, mClock.now().time_since_epoch().count());
         return sent;
     }
 
@@ -94,7 +86,7 @@ TEST(AndroidMouseReverser, WidestDeltasStayWithinTheirType) {
     EXPECT_EQ(model.apply({kMost, kLeast}), (Delta{kMost, kLeast}));
     model.advanceTo(1000000);
     // A third, as far as a float tells.
-    EXPECT_NEAR(model.reverse({kLeast, kMost}).y, kMost / 3, 64);
+    EXPECT_NEAR(model.reverse({kLeast, kMost}).second, kMost / 3, 64);
     EXPECT_EQ(model.apply({kMost, kLeast}), (Delta{kMost, kLeast}));
 }
 
@@ -106,8 +98,8 @@ TEST(MouseReverser, HintChoosesTheImplementationAndTheNullObjectLeavesEveryDelta
     EXPECT_NE(dynamic_cast<AndroidMouseReverser*>(create("android").get()), nullptr);
     for (const char* hint : {"ios", ""}) {
         Delta delta{300, -5};
-        create(hint)->reverse(delta.x, delta.y);
-        create(hint)->applyMove(delta.x, delta.y, 0);
+        create(hint)->reverse(delta.first, delta.second);
+        create(hint)->applyMove(delta.first, delta.second, 0);
         EXPECT_EQ(delta, (Delta{300, -5})) << hint;
     }
 }

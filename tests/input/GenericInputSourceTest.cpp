@@ -13,9 +13,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <functional>
-#include <map>
-#include <sstream>
 #include <thread>
 
 namespace orbelantine {
@@ -88,7 +85,6 @@ TEST_F(GenericInputSourceTest, FlagsAndDeviceTypeChooseTheMouse) {
     EXPECT_FALSE(context->onKeyDown.empty() || context->onKeyUp.empty());
 }
 
-/// Raises the events of a script, such as "move 3 4, refresh, button 0 1 3 4".
 void perform(const std::string& script, test::FakeInputContext& from, IInputSource& source) {
     const auto pointer = [](auto& signal, int offset) {
         return [&signal, offset](int type, int primary, int, int) {
@@ -96,7 +92,7 @@ void perform(const std::string& script, test::FakeInputContext& from, IInputSour
                    primary != 0);
         };
     };
-    const std::map<std::string, std::function<void(int, int, int, int)>> events{
+    const test::Events events{
         {"move", [&](int x, int y, int, int) { from.onAbsoluteMouseMove(x, y); }},
         {"button",
          [&](int button, int down, int x, int y) {
@@ -113,14 +109,7 @@ void perform(const std::string& script, test::FakeInputContext& from, IInputSour
         {"refresh", [&](auto...) { source.refresh(); }},
         {"start", [&](auto...) { source.start(); }},
     };
-    std::istringstream parts(script);
-    for (std::string event; std::getline(parts >> std::ws, event, ',');) {
-        std::istringstream words(event);
-        std::string what;
-        int values[4] = {};
-        words >> what >> values[0] >> values[1] >> values[2] >> values[3];
-        events.at(what)(values[0], values[1], values[2], values[3]);
-    }
+    test::perform(script, events);
 }
 
 TEST_F(GenericInputSourceTest, EventsReachTheMouseSource) {

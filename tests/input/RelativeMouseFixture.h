@@ -12,11 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <functional>
 #include <future>
-#include <map>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -131,37 +128,30 @@ class RelativeMouse {
     /// journal. Presses and drags are told in places of the surface, the other pointers' of the
     /// screen; "wait" in milliseconds, and nanoseconds beside; "at" notes the model's place.
     std::string play(const std::string& script) {
-        const std::map<std::string, std::function<void(int, int, int)>> events{
-            {"press", [&](int x, int y, int) { source->mouseLButton(true, x, y, 0, false); }},
-            {"return", [&](int x, int y, int) { source->mouseLButton(true, x, y, 0, true); }},
+        const Events events{
+            {"press", [&](int x, int y, auto...) { source->mouseLButton(true, x, y, 0, false); }},
+            {"return", [&](int x, int y, auto...) { source->mouseLButton(true, x, y, 0, true); }},
             {"release", [&](int again, auto...) { source->mouseLButton(false, 7, 7, 0, again); }},
             {"right", [&](int down, auto...) { source->mouseRButton(down != 0, 1, 1, true); }},
-            {"hover", [&](int x, int y, int) { source->mouseMove(x, y, 0); }},
-            {"down", [&](int x, int y, int) { source->touch(true, x, y, 3, false); }},
-            {"move", [&](int x, int y, int) { source->touchMove(x, y, 3); }},
-            {"up", [&](int x, int y, int) { source->touch(false, x, y, 3, false); }},
-            {"raw", [&](int dx, int dy, int) { source->rawMouseMove(dx, dy); }},
-            {"wheel", [&](int by, int x, int y) { source->mouseWheel(by > 0, x, y, by); }},
+            {"hover", [&](int x, int y, auto...) { source->mouseMove(x, y, 0); }},
+            {"down", [&](int x, int y, auto...) { source->touch(true, x, y, 3, false); }},
+            {"move", [&](int x, int y, auto...) { source->touchMove(x, y, 3); }},
+            {"up", [&](int x, int y, auto...) { source->touch(false, x, y, 3, false); }},
+            {"raw", [&](int dx, int dy, auto...) { source->rawMouseMove(dx, dy); }},
+            {"wheel", [&](int by, int x, int y, int) { source->mouseWheel(by > 0, x, y, by); }},
             {"unfocus", [&](auto...) { source->killFocus(); }},
             {"rotate", [&](int rotation, auto...) { surface->onRotationChanged(rotation); }},
-            {"viewport", [&](int w, int h, int) { provider->onCursorViewPortChanged(w, h); }},
-            {"report", [&](int x, int y, int) { provider->onCursorMove(x, y); }},
+            {"viewport", [&](int w, int h, auto...) { provider->onCursorViewPortChanged(w, h); }},
+            {"report", [&](int x, int y, auto...) { provider->onCursorMove(x, y); }},
             {"stop", [&](auto...) { source->stop(); }},
             {"at", [&](auto...) { inside([&] { note("at" + place()); }); }},
             {"wait",
-             [&](int ms, int ns, int) {
+             [&](int ms, int ns, auto...) {
                  inside([] {});
                  clock.advance(std::chrono::milliseconds(ms) + std::chrono::nanoseconds(ns));
              }},
         };
-        std::istringstream parts(script);
-        for (std::string part; std::getline(parts >> std::ws, part, ',');) {
-            std::istringstream words(part);
-            std::string what;
-            int values[3] = {};
-            words >> what >> values[0] >> values[1] >> values[2];
-            events.at(what)(values[0], values[1], values[2]);
-        }
+        perform(script, events);
         return take();
     }
 

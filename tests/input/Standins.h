@@ -5,11 +5,28 @@
 #include "input/sources/IMouseSource.h"
 #include "tests/input/RecordingTarget.h"
 
+#include <functional>
+#include <map>
 #include <sstream>
 #include <string>
 #include <utility>
 
 namespace orbelantine::test {
+
+/// By name, each with up to four numbers.
+using Events = std::map<std::string, std::function<void(int, int, int, int)>>;
+
+/// Raises the events of a script such as "move 3 4, refresh, button 0 1 3 4".
+inline void perform(const std::string& script, const Events& events) {
+    std::istringstream parts(script);
+    for (std::string event; std::getline(parts >> std::ws, event, ',');) {
+        std::istringstream words(event);
+        std::string what;
+        int values[4] = {};
+        words >> what >> values[0] >> values[1] >> values[2] >> values[3];
+        events.at(what)(values[0], values[1], values[2], values[3]);
+    }
+}
 
 /// Writes down its calls, one after the other.
 class FakeMouseSource : public IMouseSource {
