@@ -62,7 +62,9 @@ TEST_F(HeldKeys, WhatIsRaisedBeforeAFlushIsOutWhenTheDisconnectBehindItComes) {
     mSession.surface->onInputSurfaceLostFocus();
     mSession.surface->onMouseClickUp(IInputContext::MouseButtonRight, 1, 1);
     EXPECT_EQ(mSession.flush(), error_code());
-    EXPECT_EQ(mPhone.seen().tally.reports, mReports + 5) << "three ups, the parking, one more up";
+    EXPECT_EQ(mSession.disconnect(), error_code());
+    EXPECT_TRUE(mPhone.awaitAllClosed());
+    EXPECT_EQ(reportsSince(), 5U) << "three ups, the parking, one more up";
 }
 
 TEST_F(HeldKeys, SleepingLinkForgetsThemUntilTheyArePressedAnew) {
