@@ -240,22 +240,6 @@ TEST_F(BluetoothHidClientManager, CleanupDiscardsInputWithAWarningAndResumesNoth
                                                    "disconnect", "sdp remove", "sdp stop"}));
 }
 
-TEST_F(BluetoothHidClientManager, ForcedDisconnectBreaksAConnectThatHangs) {
-    startAll();
-    mManager->pauseConnection();
-    take();
-    mChain.script.onConnect = [this] {
-        mChain.script.journal.await("force");
-        return kRefused;
-    };
-    std::promise<error_code> resumed;
-    mManager->resumeConnection([&](error_code ec) { resumed.set_value(ec); });
-    mChain.script.journal.await(kConnect);
-    mManager->forceDisconnect();
-    EXPECT_EQ(resumed.get_future().get(), kRefused);
-    EXPECT_EQ(take(), (Names{kConnect, "force", "onDisconnected 111"}));
-}
-
 TEST_F(BluetoothHidClientManager, SlowReconnectFreesTheInputThreadAndItsEventsArriveLateInOrder) {
     startAll(1ms);
     holdConnects(error_code());
@@ -314,12 +298,6 @@ TEST_F(BluetoothHidClientManager, DestructionFreesTheInputThreadsThatWait) {
     for (auto& input : inputs)
         input.join();
     EXPECT_EQ(log.take(), Lines{});
-}
-
-TEST(BluetoothSdpController, NullObjectReportsSuccess) {
-    BluetoothHIDClientManager manager{KVStore()};
-    EXPECT_EQ(test::await([&](const auto& done) { manager.init(done); }), error_code());
-    EXPECT_EQ(test::await([&](const auto& done) { manager.cleanup(done); }), error_code());
 }
 
 } // namespace

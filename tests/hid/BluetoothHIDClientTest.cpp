@@ -1,6 +1,5 @@
 #include "hid/link/BluetoothHIDClient.h"
 
-#include "hid/link/IBluetoothHIDClientDummy.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 
@@ -29,21 +28,17 @@ class BluetoothHidClient : public testing::Test {
     BluetoothHIDClient mClient{KVStore()};
 };
 
-TEST_F(BluetoothHidClient, SendsTheRelativeReportOfEachFrameAndForgetsButtonsOnDisconnect) {
+TEST_F(BluetoothHidClient, SendsTheRelativeReportOfEachInputAndForgetsButtonsOnDisconnect) {
+    CapturedLog log(kLogError);
     mClient.onFrame(mouseBuffer(Mouse::LeftDown));
     mClient.disconnect();
+    mClient.onFrame(boost::make_shared<IMediaBuffer>());
     mClient.onFrame(mouseBuffer(Mouse::Move, 5));
     EXPECT_EQ(mDevice->reports,
               (std::vector<Bytes>{{0xA1, 1, 1, 0, 0, 0, 0, 0, 0}, {0xA1, 1, 0, 5, 0, 0, 0, 0, 0}}));
-}
-
-TEST_F(BluetoothHidClient, FrameThatIsNoInputIsLoggedAndNotSent) {
-    CapturedLog log(kLogError);
-    mClient.onFrame(boost::make_shared<IMediaBuffer>());
     EXPECT_EQ(log.take(),
               (std::vector<CapturedLog::Line>{
                   {kLogError, "orbelantine::BluetoothHIDClient::onFrame() error parsing event."}}));
-    EXPECT_TRUE(mDevice->reports.empty());
 }
 
 TEST_F(BluetoothHidClient, ForwardsToTheDeviceAndRelaysItsDisconnection) {
@@ -64,17 +59,6 @@ TEST_F(BluetoothHidClient, ForwardsToTheDeviceAndRelaysItsDisconnection) {
     mClient.onDisconnected.connect([&](error_code ec) { raised.push_back(ec); });
     mDevice->onDisconnected(failure);
     EXPECT_EQ(raised, std::vector{failure});
-}
-
-TEST(BluetoothHidClientFactory, GivesTheRealClientAndTheDummyByName) {
-    const auto create = [](const char* hint) {
-        return osalCreate<IBluetoothHIDClient>(OSALFactory::instance(), "IBluetoothHIDClient",
-                                               KVStore(), hint);
-    };
-    EXPECT_NE(dynamic_cast<BluetoothHIDClient*>(create("").get()), nullptr);
-    const auto dummy = create("IBluetoothHIDClient::Dummy");
-    EXPECT_EQ(dummy->connect(kPhone), error_code());
-    EXPECT_FALSE(dummy->isConnected());
 }
 
 } // namespace

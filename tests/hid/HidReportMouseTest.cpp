@@ -9,15 +9,14 @@ using test::Bytes;
 
 class HidReportMouse : public test::HidReportFixture {};
 
-TEST_F(HidReportMouse, RelativeMoveCarriesTheLow16BitsOfBothAxes) {
+TEST_F(HidReportMouse, RelativeReportHasTheLow16BitsOfAMoveOrOfTheWheelWhateverTheirOrder) {
     EXPECT_EQ(mouse(kRelative, 0, -2, 0x12345678),
               (Bytes{0xA1, 1, 0, 0xFE, 0xFF, 0x78, 0x56, 0, 0}));
     EXPECT_EQ(mouse(kRelative, 0, 32767, -32768), (Bytes{0xA1, 1, 0, 0xFF, 0x7F, 0, 0x80, 0, 0}));
-}
-
-TEST_F(HidReportMouse, RelativeWheelComesFromYInBothDirections) {
     EXPECT_EQ(mouse(kRelative, 5, 7, -120), (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0x88, 0xFF}));
     EXPECT_EQ(mouse(kRelative, 6, 7, 0x10203), (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 3, 2}));
+    EXPECT_EQ(convert(boost::make_shared<IInputMediaBufferMouse>(5, 6, std::uint8_t{0}, true)),
+              (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 TEST_F(HidReportMouse, RelativeButtonsAreHeldUntilReleased) {
@@ -64,16 +63,6 @@ TEST_F(HidReportMouse, DigitizerCountsItsReportsAndWraps) {
     EXPECT_EQ(counter(), 0);
 }
 
-TEST_F(HidReportMouse, IntegersAreTakenAsStoredWhateverTheirOrder) {
-    EXPECT_EQ(convert(boost::make_shared<IInputMediaBufferMouse>(5, 6, std::uint8_t{0}, true)),
-              (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(
-        convert(boost::make_shared<IInputMediaBufferMouse>(
-            IInputMediaBufferMouse::EventData{.x = 5, .y = 6, .type = 0, .maxX = 0, .maxY = 0},
-            true, std::uint64_t{0})),
-        (Bytes{0xA1, 1, 0, 5, 0, 6, 0, 0, 0}));
-}
-
 TEST_F(HidReportMouse, OtherModesGiveNoReportAndAClearedRecordAndKeepTheState) {
     mouse(kRelative, IInputMediaBufferMouse::LeftDown);
     for (const std::uint32_t mode : {3U, 4U, 0xFFFFFFFFU})
@@ -90,24 +79,29 @@ boost::shared_ptr<IMediaBuffer> hostBuffer(std::uint8_t type, Bytes& payload) {
                                               std::uint64_t{0}, payload.data(), false);
 }
 
-TEST_F(HidReportMouse, HostBuffersAreReadByTheRawLayout) {
-    Bytes move{5, 0, 0, 0, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-    Bytes keyDown{30, 0, 0, 0, 0, 0, 0, 0};
-    EXPECT_EQ(convert(hostBuffer(10, move)), (Bytes{0xA1, 1, 0, 5, 0, 6, 0, 0, 0}));
-    EXPECT_EQ(convert(hostBuffer(9, keyDown)), (Bytes{0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0}));
-}
-
-TEST_F(HidReportMouse, BuffersOfOtherTypesOrWithoutAWholePayloadGiveNoReport) {
+TEST_F(HidReportMouse, HostBuffersAreReadByTheRawLayoutIfOfAKnownTypeAndWhole) {
     const struct {
         std::uint8_t type;
-        std::size_t size;
-    } buffers[] = {{9, 0},  {9, 7},  {10, 0},  {10, 7}, {10, 19},
-                   {0, 20}, {8, 20}, {11, 20}, {28, 20}};
+        Bytes payload;
+        Bytes converted;
+    } buffers[] = {
+        {10,
+         {5, 0, 0, 0, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
+         {0xA1, 1, 0, 5, 0, 6, 0, 0, 0}},
+        {9, {30, 0, 0, 0, 0, 0, 0, 0}, {0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0}},
+        {9, Bytes(0), {}},
+        {9, Bytes(7), {}},
+        {10, Bytes(0), {}},
+        {10, Bytes(19), {}},
+        {0, Bytes(20), {}},
+        {8, Bytes(20), {}},
+        {11, Bytes(20), {}},
+        {28, Bytes(20), {}},
+    };
 
-    for (const auto& [type, size] : buffers) {
-        Bytes payload(size);
-        EXPECT_EQ(convert(hostBuffer(type, payload)), Bytes()) << int{type} << ' ' << size;
-    }
+    for (auto [type, payload, converted] : buffers)
+        EXPECT_EQ(convert(hostBuffer(type, payload)), converted)
+            << int{type} << ' ' << payload.size();
     EXPECT_EQ(convert(boost::make_shared<RawMediaBuffer>(std::uint8_t{10}, 20U, std::uint64_t{0},
                                                          nullptr, false)),
               Bytes());

@@ -1,5 +1,3 @@
-#include "core/common/OSAL.h"
-#include "hid/channel/IBluetoothHIDDeviceClientDummy.h"
 #include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/hid/FakeLocalRadioApi.h"
@@ -52,8 +50,9 @@ TEST_F(LocalName, IsWrittenToTheFirstUsbRadioAndReloaded) {
     EXPECT_EQ(mRadio.values(), std::vector{value});
     const FakeDriverApi::Request reload{kReload, {4, 0, 0, 0}};
     EXPECT_EQ(mDriver.requests(), std::vector{reload});
+    // None is a USB radio.
     mRadio.simulateInstanceIds({L"BTH\\1", L"usb\\lower-case", L"US"});
-    EXPECT_FALSE(client.setLocalDeviceName("Desk")) << "none is a USB radio";
+    EXPECT_FALSE(client.setLocalDeviceName("Desk"));
     EXPECT_EQ(mDriver.openings().size(), 1u);
 }
 
@@ -128,17 +127,6 @@ TEST(HidType, IsTwoWhateverTheDriverSays) {
     const FakeDriverApi::Request asked{0x220004, {}};
     EXPECT_EQ(with.requests(), std::vector{asked});
     EXPECT_EQ(with.held(), 0u);
-}
-
-TEST(HidType, FactoryGivesTheRealClientAndTheDummyByName) {
-    auto& factory = OSALFactory::instance();
-    const auto client =
-        osalCreate<IBluetoothHIDDeviceClient>(factory, "IBluetoothHIDDeviceClient", KVStore(), "");
-    EXPECT_EQ(client->getType(), 2u);
-    const auto dummy = osalCreate<IBluetoothHIDDeviceClient>(
-        factory, "IBluetoothHIDDeviceClient", KVStore(), "IBluetoothHIDDeviceClient::Dummy");
-    EXPECT_EQ(dummy->getType(), 0u);
-    EXPECT_TRUE(dummy->setLocalDeviceName("Desk"));
 }
 
 } // namespace

@@ -178,6 +178,7 @@ void playWithFailure(std::size_t failing) {
     // The chain stands after a failure too: the next event tries again.
     EXPECT_EQ(session.connect(),
               connecting ? (Names{std::to_string(connecting), lost(connecting)}) : kConnected);
+    EXPECT_EQ(session.api().openFiles(), connecting ? 0U : 2U);
     EXPECT_EQ(session.press("report"), connecting ? kWokenAndSent : kSent);
     session.pause();
     EXPECT_EQ(session.api().openFiles(), 0U);
