@@ -8,12 +8,9 @@
 
 #include <gtest/gtest.h>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
-using test::CapturedLog;
-using test::FakeDriverApi;
-using test::HandClock;
 using Channel = WindowsBluetoothHIDDevice::Channel;
 using Bytes = FakeDriverApi::Bytes;
 
@@ -89,7 +86,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, AddressIsReadByPositionAloneAndHasSeventee
     for (const char* text : {"", "01:23:45:67:89:A", "01:23:45:67:89:ABC"})
         EXPECT_EQ(mDevice.connect(text, 17), 0) << text;
     EXPECT_EQ(mApi.requests().size(), std::size(addresses));
-    std::vector<CapturedLog::Line> expected;
+    Lines expected;
     for (int i = 0; i < 3; ++i)
         for (const char* text :
              {"convertBthAddress() Wrong size",
@@ -120,7 +117,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAWriteOfMoreThanFiveMillisecondsIsLogg
         mApi.onWrite([&] { mClock.advance(std::chrono::milliseconds(ms)); });
         CapturedLog log(kLogTrace);
         EXPECT_TRUE(mDevice.sendData("x", 1));
-        std::vector<CapturedLog::Line> expected;
+        Lines expected;
         if (ms > 5)
             expected.push_back({kLogTrace, kDeviceLogName + "sendData() WriteFile took " +
                                                std::to_string(ms) + " ms!!!"});
@@ -140,7 +137,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAnOpenDeviceIsAsked) {
     EXPECT_FALSE(mDevice.sendData("x", 1));
     EXPECT_FALSE(mDevice.getType(type));
     EXPECT_EQ(type, 0x01020304u);
-    std::vector<CapturedLog::Line> expected;
+    Lines expected;
     for (const char* name : {"connect", "isConnected", "sendData", "getType"})
         expected.push_back({kLogError, kDeviceLogName + name + "() Device is not open"});
     EXPECT_EQ(log.take(), expected);
@@ -178,4 +175,4 @@ TEST(WindowsBluetoothHIDDevice, TriesTheTwoInterfaceClassesInOrder) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 std::int32_t answeredStatus = 0;
@@ -36,8 +36,6 @@ class FakeFocusAssistApi final : public FocusAssistApi {
     QueryWnfStateData query = answer;
 };
 
-using Lines = std::vector<test::CapturedLog::Line>;
-
 Lines logged(unsigned level, const std::string& text) {
     return {{level, "orbelantine::getFocusAssistProfile() " + text}};
 }
@@ -46,7 +44,7 @@ Lines known(const std::string& profile) {
     return logged(kLogDebug, "Focus Assist profile is " + profile);
 }
 
-TEST(FocusAssist, IsWhatTheSystemAnswersAndLogged) {
+TEST(FocusAssist, IsWhatTheSystemAnswersAndLoggedAndFailsWithoutTheQuery) {
     constexpr auto kAccessDenied = static_cast<std::int32_t>(0xC0000022);
 
     const struct {
@@ -66,23 +64,18 @@ TEST(FocusAssist, IsWhatTheSystemAnswersAndLogged) {
     };
 
     FakeFocusAssistApi api;
-    test::CapturedLog log(kLogTrace);
+    CapturedLog log(kLogTrace);
     for (const auto& each : cases) {
         answeredStatus = each.status;
         answeredProfile = each.profile;
         EXPECT_EQ(getFocusAssistProfile(api), each.result);
         EXPECT_EQ(log.take(), each.lines);
     }
-}
-
-TEST(FocusAssist, FailsWhereTheSystemHasNoSuchQuery) {
-    FakeFocusAssistApi api;
     api.query = nullptr;
-    test::CapturedLog log(kLogTrace);
     EXPECT_EQ(getFocusAssistProfile(api), -1);
     EXPECT_EQ(log.take(),
               logged(kLogError, "Couldn't get pointer to NtQueryWnfStateData() function."));
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

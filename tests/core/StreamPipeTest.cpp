@@ -7,11 +7,8 @@
 #include <string>
 #include <string_view>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
-
-using test::CapturedLog;
-using Lines = std::vector<CapturedLog::Line>;
 
 /// Holds "abcdefgh" in chunks, the first of them read in part and one of them empty.
 class StreamPipeTest : public ::testing::Test {
@@ -84,38 +81,32 @@ TEST_F(StreamPipeTest, RemoveDropsAllOrNothing) {
     EXPECT_TRUE(read(4) && buffer() == "efgh");
 }
 
-TEST_F(StreamPipeTest, FindsAcrossChunks) {
+TEST_F(StreamPipeTest, FindsAcrossChunksAndLogsWhyItCannotLook) {
     write("degdeh");
     EXPECT_EQ(find("bcdef"), 1);
     EXPECT_EQ(find("deh"), 11);
     EXPECT_EQ(find("e", 4), 4);
     EXPECT_EQ(find("a", 1), -1);
     EXPECT_EQ(mLog.take(), Lines());
-}
-
-TEST_F(StreamPipeTest, FindLogsWhyItCannotLook) {
     EXPECT_EQ(find(""), -1);
-    expectLog(kLogDebug, "find() Invalid size - 8 bytes available, 0 bytes requested");
-    EXPECT_EQ(find("abcdefghi"), -1);
-    expectLog(kLogDebug, "find() Invalid size - 8 bytes available, 9 bytes requested");
-    EXPECT_EQ(find("ghi"), -1);
+    expectLog(kLogDebug, "find() Invalid size - 14 bytes available, 0 bytes requested");
+    EXPECT_EQ(find("abcdefghidegdeh"), -1);
+    expectLog(kLogDebug, "find() Invalid size - 14 bytes available, 15 bytes requested");
+    EXPECT_EQ(find("hi", 13), -1);
     const Lines lines = mLog.take();
     ASSERT_EQ(lines.size(), 2U);
     EXPECT_EQ(lines[1].text,
-              "orbelantine::StreamPipe::find() Unable to peek data - offset 7, size 2");
+              "orbelantine::StreamPipe::find() Unable to peek data - offset 14, size 1");
 }
 
-TEST_F(StreamPipeTest, ClearForgetsHowFarAChunkWasRead) {
+TEST_F(StreamPipeTest, WriteSetsTheEventForOneWaitAndClearForgetsHowFarAChunkWasRead) {
+    EXPECT_TRUE(mPipe.event().wait(0));
+    EXPECT_FALSE(mPipe.event().wait(0));
+    EXPECT_FALSE(StreamPipe().event().wait(0));
     mPipe.clear();
     write("xyz");
     EXPECT_TRUE(read(3) && buffer() == "xyz");
 }
 
-TEST_F(StreamPipeTest, WriteSetsTheEventForOneWait) {
-    EXPECT_TRUE(mPipe.event().wait(0));
-    EXPECT_FALSE(mPipe.event().wait(0));
-    EXPECT_FALSE(StreamPipe().event().wait(0));
-}
-
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -10,13 +10,10 @@
 #include <optional>
 #include <thread>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using namespace std::chrono_literals;
-using test::CapturedLog;
-using test::Names;
-using Lines = std::vector<CapturedLog::Line>;
 
 constexpr const char* kAddress = "01:23:45:67:89:AB";
 const std::string kConnect = std::string("connect ") + kAddress;
@@ -50,7 +47,7 @@ class BluetoothHidClientManager : public testing::Test {
     }
 
     error_code run(void (BluetoothHIDClientManager::*operation)(Completion)) {
-        return test::await([&](const auto& done) { ((*mManager).*operation)(done); });
+        return await([&](const auto& done) { ((*mManager).*operation)(done); });
     }
 
     error_code init() { return run(&BluetoothHIDClientManager::init); }
@@ -62,7 +59,7 @@ class BluetoothHidClientManager : public testing::Test {
     error_code resume() { return run(&BluetoothHIDClientManager::resumeConnection); }
 
     error_code start() {
-        return test::await([this](const auto& done) { mManager->start(kAddress, done); });
+        return await([this](const auto& done) { mManager->start(kAddress, done); });
     }
 
     /// Up to a link that stands, with nothing noted.
@@ -100,8 +97,8 @@ class BluetoothHidClientManager : public testing::Test {
         };
     }
 
-    test::FakeChain mChain;
-    test::HandClock mClock;
+    FakeChain mChain;
+    HandClock mClock;
     std::promise<void> mHeld;
     std::optional<BluetoothHIDClientManager> mManager;
 };
@@ -301,4 +298,4 @@ TEST_F(BluetoothHidClientManager, DestructionFreesTheInputThreadsThatWait) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -15,14 +15,10 @@
 #include <system_error>
 #include <thread>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
-using test::CapturedLog;
-using test::FakeDriverApi;
-using test::HandClock;
 using Write = FakeDriverApi::Write;
-using Lines = std::vector<CapturedLog::Line>;
 using Pauses = std::vector<IClock::Duration>;
 
 constexpr const char* kPeer = "01:23:45:67:89:AB";
@@ -240,4 +236,4 @@ TEST_F(HidDeviceClient, ThreadsMaySendAndTearDownAtWill) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

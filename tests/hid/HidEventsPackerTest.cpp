@@ -12,13 +12,11 @@
 #include <string>
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 
 namespace {
 
-using test::CapturedLog;
 using Bytes = std::vector<std::uint8_t>;
-using Lines = std::vector<CapturedLog::Line>;
 
 /// The first virtual key that the packer knows; its usage is 241.
 constexpr std::uint8_t kBrowserBack = 166;
@@ -159,4 +157,4 @@ TEST_F(HidEventsPacker, StopForgetsWhatIsHeldAndSendsToANullElement) {
 
 } // namespace
 
-} // namespace orbelantine
+} // namespace orbelantine::test

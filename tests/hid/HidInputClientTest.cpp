@@ -11,13 +11,10 @@
 #include <stdexcept>
 #include <thread>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using namespace std::chrono_literals;
-using test::CapturedLog;
-using test::Names;
-using Lines = std::vector<CapturedLog::Line>;
 using Pauses = std::vector<IClock::Duration>;
 
 const std::string kPhoneConnect = "connect 01:23:45:67:89:AB";
@@ -38,11 +35,11 @@ class HidInput : public testing::Test {
     void note(const std::string& what) { mChain.script.journal.note(what); }
 
     error_code connect() {
-        return test::await([this](const auto& done) { mClient->connect(mPeer, done); });
+        return await([this](const auto& done) { mClient->connect(mPeer, done); });
     }
 
     error_code disconnect() {
-        return test::await([this](const auto& done) { mClient->disconnect(done); });
+        return await([this](const auto& done) { mClient->disconnect(done); });
     }
 
     /// What was noted since the last call, the service record left out.
@@ -53,8 +50,8 @@ class HidInput : public testing::Test {
     }
 
     const BluetoothPeer mPeer{CMacAddress(std::uint64_t{0x0123456789AB})};
-    test::FakeChain mChain;
-    test::HandClock mClock;
+    FakeChain mChain;
+    HandClock mClock;
     boost::shared_ptr<HidInputClient> mClient =
         boost::make_shared<HidInputClient>(KVStore(), mClock);
 };
@@ -89,7 +86,7 @@ TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
             done(ec);
         });
     };
-    EXPECT_EQ(test::await(operation), kPhoneRefused);
+    EXPECT_EQ(await(operation), kPhoneRefused);
     EXPECT_EQ(onSignal.get_future().get(), onCompletion);
     EXPECT_EQ(take().back(), "onDisconnected 111");
     const std::string refused = kPhoneRefused.message();
@@ -225,4 +222,4 @@ TEST_F(HidInput, ExceptionOnAWorkerFailsAllThatIsAskedAndIsToldInTheLog) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

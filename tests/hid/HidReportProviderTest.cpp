@@ -10,13 +10,11 @@
 
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 
 namespace {
 
-using test::CapturedLog;
-using Bytes = test::FakeHidDevice::Bytes;
-using Lines = std::vector<CapturedLog::Line>;
+using Bytes = FakeHidDevice::Bytes;
 
 /// Takes every report for itself.
 class Interceptor : public HIDReportProvider {
@@ -45,8 +43,8 @@ class HidReportProvider : public ::testing::Test {
 
     HIDReportProvider provider{KVStore()};
     Interceptor interceptor{KVStore()};
-    test::ChainScript script;
-    boost::shared_ptr<test::FakeHidDevice> device = boost::make_shared<test::FakeHidDevice>(script);
+    ChainScript script;
+    boost::shared_ptr<FakeHidDevice> device = boost::make_shared<FakeHidDevice>(script);
 };
 
 TEST_F(HidReportProvider, SendsEachEventAsARelativeReportUntilResetForgetsTheButtons) {
@@ -101,4 +99,4 @@ TEST_F(HidReportProvider, SubclassInterceptsEveryReportInReusedBuffers) {
 
 } // namespace
 
-} // namespace orbelantine
+} // namespace orbelantine::test

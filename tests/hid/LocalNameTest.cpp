@@ -5,13 +5,8 @@
 
 #include <gtest/gtest.h>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
-
-using test::CapturedLog;
-using test::FakeDriverApi;
-using test::FakeLocalRadioApi;
-using Lines = std::vector<CapturedLog::Line>;
 
 constexpr std::uint32_t kReload = 0x411008;
 const std::wstring kDevice =
@@ -130,4 +125,4 @@ TEST(HidType, IsTwoWhateverTheDriverSays) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -32,6 +32,8 @@ class CapturedLog {
     std::shared_ptr<Sink> mSink;
 };
 
+using Lines = std::vector<CapturedLog::Line>;
+
 void PrintTo(const CapturedLog::Line& line, std::ostream* out);
 
 } // namespace orbelantine::test

@@ -3,23 +3,22 @@
 #include "bluetooth/DriverProtocol.h"
 #include "bluetooth/linux/LinuxErrors.h"
 #include "core/common/errors/ErrorCode.h"
-#include "tests/bluetooth/linux/DeviceFolderFixture.h"
+#include "tests/bluetooth/linux/ScriptedDevice.h"
 
 #include <unistd.h>
 
 #include <fstream>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ScriptedDevice;
 
 const Guid& kClass = driver::kHandsfreeInterface;
 
 using Paths = std::vector<std::wstring>;
 
-class DeviceFolder : public test::DeviceFolderFixture {
+class DeviceFolder : public DeviceFolderFixture {
   protected:
     [[nodiscard]] Paths list(bool presentOnly) const {
         Paths paths;
@@ -66,4 +65,4 @@ TEST_F(DeviceFolder, FileInPlaceOfTheClassFolderIsAnError) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -6,7 +6,7 @@
 #include "bluetooth/linux/LinuxErrors.h"
 #include "core/common/errors/ErrorAreas.h"
 #include "core/common/errors/ErrorCode.h"
-#include "tests/bluetooth/linux/DeviceFolderFixture.h"
+#include "tests/bluetooth/linux/ScriptedDevice.h"
 
 #include <pthread.h>
 
@@ -14,10 +14,9 @@
 #include <future>
 #include <utility>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
-using test::ScriptedDevice;
 using Packet = ScriptedDevice::Packet;
 using Send = ScriptedDevice::Send;
 
@@ -26,7 +25,7 @@ namespace fs = std::filesystem;
 const Guid& kHidClass = driver::kHidInterfaces[0];
 constexpr std::uint32_t kCode = 0x220008;
 
-class LinuxDriverApi : public test::DeviceFolderFixture {
+class LinuxDriverApi : public DeviceFolderFixture {
   protected:
     ~LinuxDriverApi() override {
         if (mFile != DriverApi::kInvalidHandle)
@@ -141,7 +140,7 @@ TEST_F(LinuxDriverApi, CancellingWakesWhatHangsAndFailsWhatComes) {
 TEST_F(LinuxDriverApi, DeviceThatAcceptsNobodyIsBusy) {
     const fs::path path = devicePath(kHidClass);
     fs::create_directories(path.parent_path());
-    const FileDescriptor listener(test::ScriptedDevice::listenAt(path));
+    const FileDescriptor listener(ScriptedDevice::listenAt(path));
     std::vector<DriverApi::Handle> opened;
     DriverApi::Error error = 0;
     while (!(error = mApi.createFile(path.wstring(), 0, 0, 0, 0, mFile)))
@@ -195,15 +194,11 @@ TEST_F(LinuxDriverApi, NoNotificationAfterItsEnd) {
         ++*static_cast<std::atomic<int>*>(context);
         return DriverApi::Error{0};
     };
-    DriverApi::NotifyFilter filter{};
-    filter.size = sizeof(filter);
-    filter.type = DriverApi::kNotifyFilterDeviceHandle;
-    DriverApi::Handle notification = 0;
     {
         const ScriptedDevice device(devicePath(kHidClass), [](auto&&...) { return true; });
         open();
-        filter.target = mFile;
-        filter.size = 1;
+        DriverApi::NotifyFilter filter{1, 0, DriverApi::kNotifyFilterDeviceHandle, 0, mFile, {}};
+        DriverApi::Handle notification = 0;
         EXPECT_EQ(mApi.registerNotification(filter, &calls, count, notification),
                   DriverApi::Error{31});
         filter.size = sizeof(filter);
@@ -214,4 +209,4 @@ TEST_F(LinuxDriverApi, NoNotificationAfterItsEnd) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test
