@@ -66,30 +66,32 @@ TEST(BluetoothDriver, OpensFirstPathWithTheMarkInOneOfItsTwoSpellings) {
 }
 
 TEST(BluetoothDriver, EachFailingCallGivesItsOwnCodeAndTellsWhyAndLeavesNothingHeld) {
-    const std::string noPath = "open() getUnboundDevicePath error 7";
+    const std::string noPath = "error open() getUnboundDevicePath error 7";
     const std::string noDetail =
-        "getUnboundDevicePath() SetupDiGetDeviceInterfaceDetail() failed, error 7";
+        "error getUnboundDevicePath() SetupDiGetDeviceInterfaceDetail() failed, error 7";
 
     const struct {
         error_code expected;
-        std::vector<std::string> lines;
+        Texts lines;
     } calls[] = {
         {apiCode(7, "Driver:SetupDiGetClassDevs"),
-         {"getUnboundDevicePath() SetupDiGetClassDevs() failed, error 7", noPath}},
+         {"error getUnboundDevicePath() SetupDiGetClassDevs() failed, error 7", noPath}},
         {apiCode(7, "Driver:SetupDiEnumDeviceInterfaces"),
-         {"getUnboundDevicePath() SetupDiEnumDeviceInterfaces() failed, error 7", noPath}},
+         {"error getUnboundDevicePath() SetupDiEnumDeviceInterfaces() failed, error 7", noPath}},
         {apiCode(7, "Driver:SetupDiGetDeviceInterfaceDetail"), {noDetail, noPath}},
         {apiCode(7, "Driver:LocalAlloc"),
-         {"getUnboundDevicePath() device interface data allocation error 7", noPath}},
+         {"error getUnboundDevicePath() device interface data allocation error 7", noPath}},
         {apiCode(7, "Driver:SetupDiGetDeviceInterfaceDetail"), {noDetail, noPath}},
         {apiCode(7, "Driver:CreateFile"),
-         {"openLocked() unable to open I/O device handle, device path: {a1}_LOCALMFG, error 7"}},
+         {"error openLocked() unable to open I/O device handle, device path: {a1}_LOCALMFG, error "
+          "7"}},
         {error_code(), // the notification is not vital
-         {"startDeviceRemovalMonitoring() Unable to register device notification for device path "
+         {"error startDeviceRemovalMonitoring() Unable to register device notification for device "
+          "path "
           "{a1}_LOCALMFG. Error 0x7",
-          "open() unable to start device removal monitoring, non-fatal error"}},
+          "error open() unable to start device removal monitoring, non-fatal error"}},
         {apiCode(7, "Driver:DeviceIoControl"),
-         {"getVersion() DeviceIoControl failed with error 7, device path: {a1}_LOCALMFG"}},
+         {"error getVersion() DeviceIoControl failed with error 7, device path: {a1}_LOCALMFG"}},
     };
 
     for (std::size_t number = 1; number <= std::size(calls); ++number) {
@@ -98,16 +100,13 @@ TEST(BluetoothDriver, EachFailingCallGivesItsOwnCodeAndTellsWhyAndLeavesNothingH
         api.simulateDevice(kClass, kPath);
         api.simulateFailure(number, 7);
         BluetoothDriver driver(true, api);
-        CapturedLog log(kLogError);
+        CapturedLog log(kLogError, kLogName);
         std::int16_t version = 0;
         error_code ec = driver.open(kClass, kFlags);
         if (!ec)
             ec = driver.getVersion(driver::kGetVersion, version);
         EXPECT_EQ(ec, expected) << "call " << number;
-        Lines expectedLines;
-        for (const auto& line : lines)
-            expectedLines.push_back({kLogError, kLogName + line});
-        EXPECT_EQ(log.take(), expectedLines) << "call " << number;
+        EXPECT_EQ(log.told(), lines) << "call " << number;
         driver.close();
         EXPECT_EQ(api.held(), 0u) << "call " << number;
     }
@@ -222,7 +221,7 @@ TEST_F(BluetoothDriverTest, CloseEndsARequestThatHangsBeforeItGivesBackTheHandle
 }
 
 TEST_F(BluetoothDriverTest, LeadsAWholeLifeAndLogsItInItsOwnWords) {
-    CapturedLog log(kLogDebug);
+    CapturedLog log(kLogDebug, kLogName);
     BluetoothDriver driver(true, mApi);
     std::int16_t version = 77;
     EXPECT_EQ(driver.getVersion(driver::kGetVersion, version), apiCode(6, "Driver:NotOpen"));
@@ -242,18 +241,16 @@ TEST_F(BluetoothDriverTest, LeadsAWholeLifeAndLogsItInItsOwnWords) {
     driver.close();
     EXPECT_EQ(token.use_count(), 1);
     EXPECT_EQ(mApi.held(), 0u);
-    const Lines expected = {
-        {kLogDebug, kLogName + "open() Opening {a1}_LOCALMFG"},
-        {kLogDebug, kLogName + "openExclusively() Adding {a1}_LOCALMFG to map"},
-        {kLogWarning, kLogName + "open() Already open"},
-        {kLogError, kLogName + "getVersion() DeviceIoControl failed with error 1, device path: "
-                               "{a1}_LOCALMFG"},
-        {kLogError, kLogName + "getVersion() Old driver. Version not supported"},
-        {kLogDebug, kLogName + "close() Closing {a1}_LOCALMFG device"},
-        {kLogDebug, kLogName + "close() Closed {a1}_LOCALMFG device"},
-        {kLogDebug, kLogName + "close() Removing {a1}_LOCALMFG from map"},
-    };
-    EXPECT_EQ(log.take(), expected);
+    EXPECT_EQ(
+        log.told(),
+        (Texts{"debug open() Opening {a1}_LOCALMFG",
+               "debug openExclusively() Adding {a1}_LOCALMFG to map", "warning open() Already open",
+               "error getVersion() DeviceIoControl failed with error 1, device path: "
+               "{a1}_LOCALMFG",
+               "error getVersion() Old driver. Version not supported",
+               "debug close() Closing {a1}_LOCALMFG device",
+               "debug close() Closed {a1}_LOCALMFG device",
+               "debug close() Removing {a1}_LOCALMFG from map"}));
 }
 
 } // namespace

@@ -88,18 +88,16 @@ TEST(WindowsEvent, WaitsOnTheEventsOfRecords) {
 }
 
 TEST(WindowsEvent, GroupWaitThatEndsWithoutAnEventIsLogged) {
-    CapturedLog log(kLogTrace);
+    CapturedLog log(kLogTrace, "orbelantine::WindowsEvent::");
     const Events none{manual()};
     EXPECT_FALSE(WindowsEvent::waitAll(none, 0));
     EXPECT_EQ(WindowsEvent::waitAny(none, 0), WindowsEvent::kNone);
     EXPECT_EQ(WindowsEvent::waitAny(Events(65, manual(true)), 0), WindowsEvent::kNone);
     EXPECT_FALSE(WindowsEvent::waitAll(Events(), 0));
-    const std::string all = "orbelantine::WindowsEvent::waitAll() wait failed. Error: ";
-    const std::string any = "orbelantine::WindowsEvent::waitAny() wait failed. Error: ";
-    EXPECT_EQ(log.take(), (Lines{{kLogError, all + "258"},
-                                 {kLogError, any + "258"},
-                                 {kLogError, any + "87"},
-                                 {kLogError, all + "87"}}));
+    EXPECT_EQ(log.told(), (Texts{"error waitAll() wait failed. Error: 258",
+                                 "error waitAny() wait failed. Error: 258",
+                                 "error waitAny() wait failed. Error: 87",
+                                 "error waitAll() wait failed. Error: 87"}));
 }
 
 TEST(WindowsEvent, AutomaticEventLetsWaitingThreadsThroughOneByOne) {

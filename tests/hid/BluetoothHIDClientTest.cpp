@@ -40,9 +40,8 @@ TEST_F(BluetoothHidClient, SendsTheRelativeReportOfEachInputAndForgetsButtonsOnD
     mClient.onFrame(mouseBuffer(Mouse::Move, 5));
     EXPECT_EQ(mDevice->reports,
               (std::vector<Bytes>{{0xA1, 1, 1, 0, 0, 0, 0, 0, 0}, {0xA1, 1, 0, 5, 0, 0, 0, 0, 0}}));
-    EXPECT_EQ(
-        log.take(),
-        (Lines{{kLogError, "orbelantine::BluetoothHIDClient::onFrame() error parsing event."}}));
+    EXPECT_EQ(log.told(),
+              Texts{"error orbelantine::BluetoothHIDClient::onFrame() error parsing event."});
 }
 
 TEST_F(BluetoothHidClient, ForwardsToTheDeviceAndRelaysItsDisconnection) {

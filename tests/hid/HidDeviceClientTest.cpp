@@ -34,10 +34,6 @@ error_code socketCode(int value) {
     return {value, boost::system::system_category()};
 }
 
-CapturedLog::Line noted(unsigned level, const std::string& text) {
-    return {level, "orbelantine::HIDDeviceClient::" + text};
-}
-
 class HidDeviceClient : public testing::Test {
   protected:
     HidDeviceClient() {
@@ -79,12 +75,12 @@ TEST_F(HidDeviceClient, ReportGoesDownOnTheInterruptChannelOfAConnectionAlone) {
     mClient->disconnect();
     EXPECT_FALSE(mClient->isConnected());
     EXPECT_EQ(mApi.held(), 0u);
-    CapturedLog log(kLogDebug);
+    CapturedLog log(kLogDebug, "orbelantine::HIDDeviceClient::");
     send();
     mClient->disconnect();
-    EXPECT_EQ(log.take(), (Lines{noted(kLogWarning, "sendReport() already disconnected"),
-                                 noted(kLogDebug, "disconnect() can only disconnect while "
-                                                  "connected/connecting.")}));
+    EXPECT_EQ(log.told(),
+              (Texts{"warning sendReport() already disconnected",
+                     "debug disconnect() can only disconnect while connected/connecting."}));
     EXPECT_TRUE(mDisconnected.empty());
 }
 

@@ -6,6 +6,7 @@
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -57,7 +58,7 @@ class HidInput : public testing::Test {
 };
 
 TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
-    CapturedLog log(kLogInfo);
+    CapturedLog log(kLogInfo, kClient);
     EXPECT_EQ(connect(), error_code());
     EXPECT_EQ(connect(), HidErrors::getErrorCode(HidErrors::AlreadyStarted));
     EXPECT_EQ(disconnect(), error_code());
@@ -65,16 +66,15 @@ TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
                              "onConnected", "source stop", "disconnect"}));
     EXPECT_EQ(connect(), error_code());
     const std::string already = HidErrors::getErrorCode(HidErrors::AlreadyStarted).message();
-    EXPECT_EQ(log.take(),
-              (Lines{{kLogInfo, kClient + "startHID() HID started"},
-                     {kLogError, kClient + "startHID() failed to init HID, ec=" + already},
-                     {kLogInfo, kClient + "stopHID() HID disconnected"},
-                     {kLogInfo, kClient + "startHID() HID started"}}));
+    EXPECT_EQ(
+        log.told(),
+        (Texts{"info startHID() HID started", "error startHID() failed to init HID, ec=" + already,
+               "info stopHID() HID disconnected", "info startHID() HID started"}));
     EXPECT_EQ(mClock.pauses(), Pauses{});
 }
 
 TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
-    CapturedLog log(kLogError);
+    CapturedLog log(kLogError, kClient);
     mChain.script.onConnect = [] { return kPhoneRefused; };
     std::thread::id onCompletion;
     std::promise<std::thread::id> onSignal;
@@ -90,10 +90,8 @@ TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
     EXPECT_EQ(onSignal.get_future().get(), onCompletion);
     EXPECT_EQ(take().back(), "onDisconnected 111");
     const std::string refused = kPhoneRefused.message();
-    EXPECT_EQ(
-        log.take(),
-        (Lines{{kLogError, kClient + "startHID() failed starting HID, ec=" + refused},
-               {kLogError, kClient + "onManagerDisconnected() onDisconnected - " + refused}}));
+    EXPECT_EQ(log.told(), (Texts{"error startHID() failed starting HID, ec=" + refused,
+                                 "error onManagerDisconnected() onDisconnected - " + refused}));
 }
 
 TEST_F(HidInput, RecordRefreshRunsOnceAndGivesThePhoneThreeSeconds) {
@@ -130,10 +128,10 @@ TEST_F(HidInput, PauseResumeAndIdleTimeoutReachTheLink) {
     mClient->resumeConnection();
     mChain.script.journal.await("onConnected");
     EXPECT_EQ(take(), (Names{"disconnect", "source refresh", kPhoneConnect, "onConnected"}));
-    CapturedLog log(kLogDebug);
+    CapturedLog log(kLogDebug, kClient);
     mClient->setIdleTimeout(1500);
     EXPECT_EQ(connect(), HidErrors::getErrorCode(HidErrors::AlreadyStarted));
-    EXPECT_EQ(log.take().at(0).text, kClient + "setIdleTimeout() ms=1500");
+    EXPECT_EQ(log.told().at(0), "debug setIdleTimeout() ms=1500");
     mClock.advance(1500ms);
     mChain.script.journal.await("source refresh");
 }
@@ -213,9 +211,7 @@ TEST_F(HidInput, ExceptionOnAWorkerFailsAllThatIsAskedAndIsToldInTheLog) {
     mClient->connect(mPeer, [](error_code) { throw std::runtime_error("a completion's"); });
     EXPECT_EQ(connect(), kTakenBack);
     mClient.reset();
-    std::string told;
-    for (const auto& line : log.take())
-        told += line.text + '\n';
+    const std::string told = boost::algorithm::join(log.told(), "\n");
     for (const char* part : {"what: out of order", "BluetoothHIDClientManagerIoThread has ended",
                              "what: a completion's", "HidInputClientIoThread has ended"})
         EXPECT_NE(told.find(part), std::string::npos) << part << " in\n" << told;

@@ -73,9 +73,9 @@ TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
         WindowsBluetoothHIDDeviceClient client(driver, radio);
         driver.simulateFailureOf(call, 7);
         radio.simulateFailureOf(call, 7);
-        CapturedLog log(kLogError);
+        CapturedLog log(kLogError, kLogName);
         EXPECT_FALSE(client.setLocalDeviceName("Desk")) << call;
-        EXPECT_EQ(log.take(), (Lines{{kLogError, kLogName + line}})) << call;
+        EXPECT_EQ(log.told(), Texts{"error " + line}) << call;
         EXPECT_EQ(driver.held(), 0u) << call;
         EXPECT_EQ(radio.held(), 0) << call;
     }
@@ -85,17 +85,18 @@ TEST_F(LocalName, IsRestoredToTheComputersOwnOnlyForTypeZero) {
     mRadio.simulateComputerName(L"HOME-PC");
     WindowsBluetoothHIDDeviceClient(mDriver, mRadio).restoreLocalDeviceName();
     EXPECT_TRUE(mRadio.values().empty());
-    CapturedLog log(kLogInfo);
+    CapturedLog log(kLogInfo, kLogName);
     ClientOfType client(0, mDriver, mRadio);
     (void)log.take();
     client.restoreLocalDeviceName();
     ASSERT_EQ(mRadio.values().size(), 1u);
     EXPECT_EQ(mRadio.values()[0].bytes, "HOME-PC");
-    const std::string name = kLogName + "restoreLocalDeviceName: ";
-    EXPECT_EQ(log.take(), (Lines{{kLogInfo, name + "Reset device name back to HOME-PC"}}));
+    EXPECT_EQ(log.told(),
+              (Texts{"info restoreLocalDeviceName: Reset device name back to HOME-PC"}));
     mRadio.simulateInstanceIds({});
     client.restoreLocalDeviceName();
-    EXPECT_EQ(log.take(), (Lines{{kLogError, name + "Failed to reset device name to HOME-PC"}}));
+    EXPECT_EQ(log.told(),
+              (Texts{"error restoreLocalDeviceName: Failed to reset device name to HOME-PC"}));
 }
 
 TEST_F(LocalName, RadioTellsItsOwnName) {
