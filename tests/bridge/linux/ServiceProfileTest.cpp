@@ -81,7 +81,7 @@ TEST_F(ServiceProfileTest, RecordIsPublishedAndWithdrawnAtTheEnd) {
     EXPECT_EQ(bluez.profile().path, "");
 }
 
-TEST_F(ServiceProfileTest, RefusalSaysWhatToDo) {
+TEST_F(ServiceProfileTest, RefusalAndMissingBlueZAndMissingBusAreToldApart) {
     constexpr std::pair<const char*, const char*> kRefusals[] = {
         {"org.bluez.Error.NotPermitted",
          "another service has the HID record, mostly BlueZ's own input plugin"},
@@ -95,9 +95,6 @@ TEST_F(ServiceProfileTest, RefusalSaysWhatToDo) {
         const FakeBlueZ bluez(mBus.address(), error);
         EXPECT_EQ(failure(), line);
     }
-}
-
-TEST_F(ServiceProfileTest, MissingBlueZAndMissingBusAreToldApart) {
     EXPECT_EQ(failure(), "BlueZ doesn't run");
     mBus.stop();
     EXPECT_EQ(failure(), "D-Bus can't be reached");
