@@ -81,10 +81,10 @@ TEST(IoThread, ExceptionEndsItAndDropsWhatIsPostedBeforeAndAfter) {
     after.get_future().wait();
     worker.stop();
     EXPECT_FALSE(ran);
-    const auto lines = log.take();
+    const auto lines = log.told();
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[1].text, "orbelantine::IoThread::Queue::run() EndedThread has ended by an "
-                             "exception: all that it is asked fails");
+    EXPECT_EQ(lines[1], "error orbelantine::IoThread::Queue::run() EndedThread has ended by an "
+                        "exception: all that it is asked fails");
 }
 
 TEST(IoThread, StopInterruptsATaskUntilItEndsAndRunsNoOther) {
@@ -122,25 +122,24 @@ TEST(IoThread, MayBeDestroyedInItsOwnTask) {
 
 struct Plain : boost::exception {};
 
-struct Case {
-    const char* description;
-    std::function<void()> fault;
-    const char* logBegins;
-    const char* told;
-    bool logHasDiagnostics;
-};
-
 TEST(SafeIoService, FaultAloneIsLoggedAndToldAndEndsTheRun) {
-    const Case cases[] = {
+    const struct {
+        const char* description;
+        std::function<void()> fault;
+        const char* logBegins;
+        const char* told;
+        bool logHasDiagnostics;
+    } cases[] = {
         {"ours", [] { BOOST_THROW_EXCEPTION(Exception("gone")); }, "() ", "gone", true},
         {"standard", [] { throw std::runtime_error("cold"); }, "() (what: cold) ", "cold", true},
         {"Boost's", [] { throw Plain(); }, "() ", "Plain", true},
         {"else", [] { throw 5; }, "() unexpected exception!", "int", false},
     };
+
     std::vector<std::string> told;
     const boost::signals2::scoped_connection slot =
         ioServiceExceptionSignal().connect([&](const std::string& text) { told.push_back(text); });
-    for (const Case& each : cases) {
+    for (const auto& each : cases) {
         SCOPED_TRACE(each.description);
         CapturedLog log(kLogError);
         boost::asio::io_context ioService;
