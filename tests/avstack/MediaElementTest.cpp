@@ -13,13 +13,11 @@
 #include <tuple>
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 
 namespace {
 
-using test::CapturedLog;
 using Buffers = std::vector<boost::shared_ptr<IMediaBuffer>>;
-using Lines = std::vector<CapturedLog::Line>;
 using Proxy = IMediaElement::TemplateProxySimplified<IMediaElement>;
 
 /// Keeps what reaches it.
@@ -55,14 +53,11 @@ TEST(MediaElement, StartWithACallbackStartsReportsSuccessAndDropsIt) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST(MediaElement, NamesOfNullAndForwardingElements) {
+TEST(MediaElement, NullElementsOnlyTraceUnderTheirNames) {
     EXPECT_EQ(IMediaElement::Dummy().getName(), "");
     EXPECT_EQ(IInputSource::Dummy().getName(), "IInputSource::Dummy");
     EXPECT_EQ(IInputTarget::Dummy().getName(), "IInputTarget::Dummy");
     EXPECT_EQ(IInputSource::PassThrough().getName(), "IInputSource::PassThrough");
-}
-
-TEST(MediaElement, BaseOperationsOnlyTraceUnderTheirNames) {
     CapturedLog log(kLogDebug);
     IInputTarget::Dummy element;
     const std::pair<const char*, std::function<void()>> operations[] = {
@@ -107,17 +102,14 @@ TEST(MediaElement, ProxyCallsItsFunctionAndLeavesTheTargetToIt) {
     EXPECT_TRUE(target->frames.empty());
     EXPECT_EQ(proxy.getTarget(), target);
     EXPECT_EQ(proxy.getName(), "proxy");
-}
-
-TEST(MediaElement, ProxyWithAnEmptyFunctionTracesRegistrationAndThrowsAtTheCall) {
     CapturedLog log(kLogDebug);
-    Proxy proxy(Proxy::Handler(), "proxy");
-    proxy.registerTarget(boost::make_shared<Recorder>());
+    Proxy empty(Proxy::Handler(), "proxy");
+    empty.registerTarget(target);
     EXPECT_EQ(log.take(), traceOf("orbelantine::IMediaElement::TemplateProxySimplified<class "
                                   "orbelantine::IMediaElement>::registerTarget"));
-    EXPECT_THROW(proxy.onFrame(makeBuffer()), boost::bad_function_call);
+    EXPECT_THROW(empty.onFrame(buffer), boost::bad_function_call);
 }
 
 } // namespace
 
-} // namespace orbelantine
+} // namespace orbelantine::test

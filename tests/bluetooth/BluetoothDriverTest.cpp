@@ -12,11 +12,8 @@
 #include <thread>
 #include <utility>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
-
-using test::CapturedLog;
-using test::FakeDriverApi;
 
 const Guid& kClass = driver::kHandsfreeInterface;
 constexpr const wchar_t* kPath = L"{a1}_LOCALMFG";
@@ -69,30 +66,32 @@ TEST(BluetoothDriver, OpensFirstPathWithTheMarkInOneOfItsTwoSpellings) {
 }
 
 TEST(BluetoothDriver, EachFailingCallGivesItsOwnCodeAndTellsWhyAndLeavesNothingHeld) {
-    const std::string noPath = "open() getUnboundDevicePath error 7";
+    const std::string noPath = "error open() getUnboundDevicePath error 7";
     const std::string noDetail =
-        "getUnboundDevicePath() SetupDiGetDeviceInterfaceDetail() failed, error 7";
+        "error getUnboundDevicePath() SetupDiGetDeviceInterfaceDetail() failed, error 7";
 
     const struct {
         error_code expected;
-        std::vector<std::string> lines;
+        Texts lines;
     } calls[] = {
         {apiCode(7, "Driver:SetupDiGetClassDevs"),
-         {"getUnboundDevicePath() SetupDiGetClassDevs() failed, error 7", noPath}},
+         {"error getUnboundDevicePath() SetupDiGetClassDevs() failed, error 7", noPath}},
         {apiCode(7, "Driver:SetupDiEnumDeviceInterfaces"),
-         {"getUnboundDevicePath() SetupDiEnumDeviceInterfaces() failed, error 7", noPath}},
+         {"error getUnboundDevicePath() SetupDiEnumDeviceInterfaces() failed, error 7", noPath}},
         {apiCode(7, "Driver:SetupDiGetDeviceInterfaceDetail"), {noDetail, noPath}},
         {apiCode(7, "Driver:LocalAlloc"),
-         {"getUnboundDevicePath() device interface data allocation error 7", noPath}},
+         {"error getUnboundDevicePath() device interface data allocation error 7", noPath}},
         {apiCode(7, "Driver:SetupDiGetDeviceInterfaceDetail"), {noDetail, noPath}},
         {apiCode(7, "Driver:CreateFile"),
-         {"openLocked() unable to open I/O device handle, device path: {a1}_LOCALMFG, error 7"}},
+         {"error openLocked() unable to open I/O device handle, device path: {a1}_LOCALMFG, error "
+          "7"}},
         {error_code(), // the notification is not vital
-         {"startDeviceRemovalMonitoring() Unable to register device notification for device path "
+         {"error startDeviceRemovalMonitoring() Unable to register device notification for device "
+          "path "
           "{a1}_LOCALMFG. Error 0x7",
-          "open() unable to start device removal monitoring, non-fatal error"}},
+          "error open() unable to start device removal monitoring, non-fatal error"}},
         {apiCode(7, "Driver:DeviceIoControl"),
-         {"getVersion() DeviceIoControl failed with error 7, device path: {a1}_LOCALMFG"}},
+         {"error getVersion() DeviceIoControl failed with error 7, device path: {a1}_LOCALMFG"}},
     };
 
     for (std::size_t number = 1; number <= std::size(calls); ++number) {
@@ -101,16 +100,13 @@ TEST(BluetoothDriver, EachFailingCallGivesItsOwnCodeAndTellsWhyAndLeavesNothingH
         api.simulateDevice(kClass, kPath);
         api.simulateFailure(number, 7);
         BluetoothDriver driver(true, api);
-        CapturedLog log(kLogError);
+        CapturedLog log(kLogError, kLogName);
         std::int16_t version = 0;
         error_code ec = driver.open(kClass, kFlags);
         if (!ec)
             ec = driver.getVersion(driver::kGetVersion, version);
         EXPECT_EQ(ec, expected) << "call " << number;
-        std::vector<CapturedLog::Line> expectedLines;
-        for (const auto& line : lines)
-            expectedLines.push_back({kLogError, kLogName + line});
-        EXPECT_EQ(log.take(), expectedLines) << "call " << number;
+        EXPECT_EQ(log.told(), lines) << "call " << number;
         driver.close();
         EXPECT_EQ(api.held(), 0u) << "call " << number;
     }
@@ -145,18 +141,10 @@ TEST(BluetoothDriver, SearchWithoutHitTellsWhy) {
     }
 }
 
-TEST_F(BluetoothDriverTest, MissingFileAtOpeningMeansNotInstalled) {
+TEST_F(BluetoothDriverTest, OpeningIsRefusedWithoutTheFileAndToOthersWhileAnotherHasThePathAlone) {
     mApi.simulateFailureOf("CreateFile", 2);
     EXPECT_EQ(open(), driverCode(DriverErrors::DriverNotInstalled));
-}
-
-TEST_F(BluetoothDriverTest, OpenWhileOpenIsRefusedAndStaysOpen) {
-    ASSERT_FALSE(open());
-    EXPECT_EQ(open(), driverCode(DriverErrors::AlreadyOpen));
-    EXPECT_EQ(mApi.openFiles(), 1u);
-}
-
-TEST_F(BluetoothDriverTest, ExclusivePathIsHeldUntilClosed) {
+    mApi.simulateFailureOf("CreateFile", 0);
     BluetoothDriver first(true, mApi);
     BluetoothDriver second(true, mApi);
     ASSERT_FALSE(first.open(kClass, kFlags));
@@ -183,17 +171,15 @@ TEST_F(BluetoothDriverTest, RemovalCallbackRunsOnAnotherThreadAndMayClose) {
 TEST_F(BluetoothDriverTest, OtherNotificationsAreNoRemoval) {
     std::atomic<int> removals = 0;
     std::promise<void> removed;
-    {
-        BluetoothDriver driver(false, mApi);
-        ASSERT_FALSE(driver.open(kClass, kFlags, [&](error_code) {
-            if (++removals == 1)
-                removed.set_value();
-        }));
-        for (const std::uint32_t action : {0u, 1u, 3u, 4u, 5u, 6u})
-            mApi.simulateRemoval(action);
-        mApi.simulateRemoval();
-        removed.get_future().wait();
-    }
+    ASSERT_FALSE(open([&](error_code) {
+        if (++removals == 1)
+            removed.set_value();
+    }));
+    for (const std::uint32_t action : {0u, 1u, 3u, 4u, 5u, 6u})
+        mApi.simulateRemoval(action);
+    mApi.simulateRemoval();
+    removed.get_future().wait();
+    mDriver.close();
     EXPECT_EQ(removals, 1);
 }
 
@@ -234,50 +220,38 @@ TEST_F(BluetoothDriverTest, CloseEndsARequestThatHangsBeforeItGivesBackTheHandle
     EXPECT_EQ(asking.get(), apiCode(995, "Driver:DeviceIoControl"));
 }
 
-TEST_F(BluetoothDriverTest, CloseDropsTheCallbackEvenWhenNothingIsOpen) {
-    const auto token = boost::make_shared<int>();
-    ASSERT_FALSE(open([token](error_code) {}));
-    EXPECT_EQ(token.use_count(), 2);
-    mDriver.close();
-    EXPECT_EQ(token.use_count(), 1);
-    mDriver.close();
-    EXPECT_EQ(mApi.held(), 0u);
-}
-
-TEST_F(BluetoothDriverTest, VersionIsAskedOfAnOpenDriverWithoutInput) {
-    std::int16_t version = 77;
-    EXPECT_EQ(mDriver.getVersion(driver::kGetVersion, version), apiCode(6, "Driver:NotOpen"));
-    EXPECT_EQ(version, 77);
-    EXPECT_TRUE(mApi.requests().empty());
-    mApi.simulateVersion(-2);
-    ASSERT_FALSE(open());
-    EXPECT_EQ(mDriver.getVersion(driver::kGetVersion, version), error_code());
-    EXPECT_EQ(version, -2);
-    const FakeDriverApi::Request expected{driver::kGetVersion, {}};
-    EXPECT_EQ(mApi.requests(), std::vector{expected});
-}
-
-TEST_F(BluetoothDriverTest, LogsAWholeLifeInItsOwnWords) {
-    CapturedLog log(kLogDebug);
+TEST_F(BluetoothDriverTest, LeadsAWholeLifeAndLogsItInItsOwnWords) {
+    CapturedLog log(kLogDebug, kLogName);
     BluetoothDriver driver(true, mApi);
-    ASSERT_FALSE(driver.open(kClass, kFlags));
-    (void)driver.open(kClass, kFlags);
-    std::int16_t version = 0;
-    (void)driver.getVersion(0x222018, version);
+    std::int16_t version = 77;
+    EXPECT_EQ(driver.getVersion(driver::kGetVersion, version), apiCode(6, "Driver:NotOpen"));
+    const auto token = boost::make_shared<int>();
+    ASSERT_FALSE(driver.open(kClass, kFlags, [token](error_code) {}));
+    EXPECT_EQ(driver.open(kClass, kFlags), driverCode(DriverErrors::AlreadyOpen));
+    EXPECT_EQ(mApi.openFiles(), 1u);
+    EXPECT_EQ(driver.getVersion(0x222018, version), apiCode(1, "Driver:DeviceIoControl"));
+    EXPECT_EQ(version, 77);
+    mApi.simulateVersion(-2);
+    EXPECT_EQ(driver.getVersion(driver::kGetVersion, version), error_code());
+    EXPECT_EQ(version, -2);
+    EXPECT_EQ(mApi.requests(),
+              (std::vector<FakeDriverApi::Request>{{0x222018, {}}, {driver::kGetVersion, {}}}));
+    EXPECT_EQ(token.use_count(), 2);
     driver.close();
-    const std::vector<CapturedLog::Line> expected = {
-        {kLogDebug, kLogName + "open() Opening {a1}_LOCALMFG"},
-        {kLogDebug, kLogName + "openExclusively() Adding {a1}_LOCALMFG to map"},
-        {kLogWarning, kLogName + "open() Already open"},
-        {kLogError, kLogName + "getVersion() DeviceIoControl failed with error 1, device path: "
-                               "{a1}_LOCALMFG"},
-        {kLogError, kLogName + "getVersion() Old driver. Version not supported"},
-        {kLogDebug, kLogName + "close() Closing {a1}_LOCALMFG device"},
-        {kLogDebug, kLogName + "close() Closed {a1}_LOCALMFG device"},
-        {kLogDebug, kLogName + "close() Removing {a1}_LOCALMFG from map"},
-    };
-    EXPECT_EQ(log.take(), expected);
+    driver.close();
+    EXPECT_EQ(token.use_count(), 1);
+    EXPECT_EQ(mApi.held(), 0u);
+    EXPECT_EQ(
+        log.told(),
+        (Texts{"debug open() Opening {a1}_LOCALMFG",
+               "debug openExclusively() Adding {a1}_LOCALMFG to map", "warning open() Already open",
+               "error getVersion() DeviceIoControl failed with error 1, device path: "
+               "{a1}_LOCALMFG",
+               "error getVersion() Old driver. Version not supported",
+               "debug close() Closing {a1}_LOCALMFG device",
+               "debug close() Closed {a1}_LOCALMFG device",
+               "debug close() Removing {a1}_LOCALMFG from map"}));
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

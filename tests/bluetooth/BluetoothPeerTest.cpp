@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 const CMacAddress kAddress(std::uint64_t{0x0123456789AB});
 
 TEST(BluetoothPeer, IsStaleFromThirtySecondsOnOrOnceMarkedUntilTouched) {
-    test::HandClock clock;
+    HandClock clock;
     // A tick clock that has only begun.
     clock.advance(1s);
     BluetoothPeer peer(kAddress, clock);
@@ -45,7 +45,7 @@ TEST(BluetoothPeer, ConstructorsFillWhatTheyAreNotGiven) {
 }
 
 TEST(BluetoothPeer, EqualityIsThatOfEverythingButTheLastSighting) {
-    test::HandClock clock;
+    HandClock clock;
     const BluetoothPeer peer(kAddress, L"phone", 0x200, true, clock);
     clock.advance(1min);
     EXPECT_TRUE(peer == BluetoothPeer(kAddress, L"phone", 0x200, true, clock));
@@ -76,4 +76,4 @@ TEST(BluetoothService, ForcedDisconnectSucceedsAtOnceAndDispatchRaises) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -82,8 +82,8 @@ class FakeDriverApi : public DriverApi {
     /// The platform tells of the device's removal, on the calling thread.
     void simulateRemoval(std::uint32_t action = kNotifyActionQueryRemove) {
         const std::lock_guard lock(mNotificationMutex);
-        for (const auto& [handle, notification] : mNotifications)
-            notification.callback(notification.context, action);
+        for (const auto& [handle, notify] : mNotifications)
+            notify(action);
     }
 
     /// The `number`-th call from the start fails, counted from 1.
@@ -234,7 +234,7 @@ class FakeDriverApi : public DriverApi {
                 return kCrInvalidData;
             const std::lock_guard lock(mNotificationMutex);
             notification = ++mLastHandle;
-            mNotifications[notification] = {callback, context};
+            mNotifications[notification] = [=](std::uint32_t action) { callback(context, action); };
             return win32::kErrorSuccess;
         });
     }
@@ -255,11 +255,6 @@ class FakeDriverApi : public DriverApi {
         Guid interfaceClass;
         std::wstring path;
         bool present;
-    };
-
-    struct Notification {
-        NotifyCallback callback;
-        void* context;
     };
 
     struct OpenFile {
@@ -342,7 +337,7 @@ class FakeDriverApi : public DriverApi {
     Handle mLastHandle = 0;
     std::map<Handle, std::vector<std::wstring>> mLists;
     std::map<Handle, OpenFile> mFiles;
-    std::map<Handle, Notification> mNotifications;
+    std::map<Handle, std::function<void(std::uint32_t action)>> mNotifications;
     std::size_t mMemoryBlocks = 0;
 
     std::vector<std::string> mCalls;

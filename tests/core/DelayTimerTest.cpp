@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -38,7 +38,7 @@ class DelayTimer : public ::testing::TestWithParam<const char*> {
         };
     }
 
-    test::HandClock mHandClock;
+    HandClock mHandClock;
     const IClock::TimePoint mStart = clock().now();
     std::optional<boost::asio::io_context> mIoService;
     std::vector<std::string> mEnded;
@@ -97,4 +97,4 @@ TEST(Clock, LaterByStaysWithinItsLimits) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

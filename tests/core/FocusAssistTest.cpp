@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 std::int32_t answeredStatus = 0;
@@ -36,53 +36,37 @@ class FakeFocusAssistApi final : public FocusAssistApi {
     QueryWnfStateData query = answer;
 };
 
-using Lines = std::vector<test::CapturedLog::Line>;
-
-Lines logged(unsigned level, const std::string& text) {
-    return {{level, "orbelantine::getFocusAssistProfile() " + text}};
-}
-
-Lines known(const std::string& profile) {
-    return logged(kLogDebug, "Focus Assist profile is " + profile);
-}
-
-TEST(FocusAssist, IsWhatTheSystemAnswersAndLogged) {
+TEST(FocusAssist, IsWhatTheSystemAnswersAndLoggedAndFailsWithoutTheQuery) {
     constexpr auto kAccessDenied = static_cast<std::int32_t>(0xC0000022);
 
     const struct {
         std::int32_t status;
         int profile;
         int result;
-        Lines lines;
+        Texts lines;
     } cases[] = {
-        {0, -2, -2, known("-2 = Not Supported")},
-        {0, -1, -1, known("-1 = Failed")},
-        {0, 0, 0, known("0 = Off")},
-        {0, 1, 1, known("1 = Priority Only")},
-        {0, 2, 2, known("2 = Alarms Only")},
-        {0, 3, -2, logged(kLogWarning, "Focus Assist profile is unexpected: 3")},
+        {0, -2, -2, {"debug Focus Assist profile is -2 = Not Supported"}},
+        {0, -1, -1, {"debug Focus Assist profile is -1 = Failed"}},
+        {0, 0, 0, {"debug Focus Assist profile is 0 = Off"}},
+        {0, 1, 1, {"debug Focus Assist profile is 1 = Priority Only"}},
+        {0, 2, 2, {"debug Focus Assist profile is 2 = Alarms Only"}},
+        {0, 3, -2, {"warning Focus Assist profile is unexpected: 3"}},
         // A query that fails counts as off, without a word.
         {kAccessDenied, 2, 0, {}},
     };
 
     FakeFocusAssistApi api;
-    test::CapturedLog log(kLogTrace);
+    CapturedLog log(kLogTrace, "orbelantine::getFocusAssistProfile() ");
     for (const auto& each : cases) {
         answeredStatus = each.status;
         answeredProfile = each.profile;
         EXPECT_EQ(getFocusAssistProfile(api), each.result);
-        EXPECT_EQ(log.take(), each.lines);
+        EXPECT_EQ(log.told(), each.lines);
     }
-}
-
-TEST(FocusAssist, FailsWhereTheSystemHasNoSuchQuery) {
-    FakeFocusAssistApi api;
     api.query = nullptr;
-    test::CapturedLog log(kLogTrace);
     EXPECT_EQ(getFocusAssistProfile(api), -1);
-    EXPECT_EQ(log.take(),
-              logged(kLogError, "Couldn't get pointer to NtQueryWnfStateData() function."));
+    EXPECT_EQ(log.told(), Texts{"error Couldn't get pointer to NtQueryWnfStateData() function."});
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -85,14 +85,10 @@ TEST(OSALFactory, ProfileListIsSearchedInOrder) {
     EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "AndroidMouseReverser");
 }
 
-TEST(OSALFactory, RowWithoutACreatorFallsBackToTheDummy) {
-    const OSALFactory factory;
+TEST(OSALFactory, RetrievalPassesOverMatchesWithoutACreatorDownToTheDummy) {
+    OSALFactory factory;
     EXPECT_EQ(factory.retrieveFactory("IVideoRenderer", "WindowsVideoRenderer"),
               factory.retrieveFactory("IVideoRenderer::Dummy", ""));
-}
-
-TEST(OSALFactory, RetrievalPassesOverMatchesWithoutACreator) {
-    OSALFactory factory;
     factory.profiles() = {"generic_tcp_legacy", "generic_tcp"};
     EXPECT_EQ(factory.retrieveFactory("ISocketMediaSource", ""),
               factory.retrieveFactory("", "SerializableVideoSocketSource"));
@@ -113,20 +109,16 @@ TEST(OSALFactory, NothingAtAllThrowsWithTheDummysNameAndThePlace) {
     }
 }
 
-TEST(OsalCreate, PassesTheStoreAndTheArguments) {
+TEST(OsalCreate, PassesTheStoreAndTheArgumentsToAnImplementationOfTheInterface) {
     KVStore store;
     store.setStringAt("name", "Racer");
     OSALFactory factory;
     EXPECT_EQ((osalCreate<Vehicle, int>(factory, "Vehicle", store, "Bicycle", 2))->describe(),
               "Racer with 2");
     EXPECT_EQ((osalCreate<Vehicle, int>(factory, "IVideoRenderer", store, "", 4))->describe(), "4");
-}
-
-TEST(OsalCreate, HintOfAnotherInterfacesImplementationThrows) {
-    OSALFactory factory;
-    EXPECT_THROW((void)osalCreate<Vehicle>(factory, "Vehicle", KVStore(), "IPerfManager::Dummy"),
+    EXPECT_THROW((void)osalCreate<Vehicle>(factory, "Vehicle", store, "IPerfManager::Dummy"),
                  Exception);
-    EXPECT_THROW((void)osalCreate<Vehicle>(factory, "Vehicle", KVStore(), "Bicycle"), Exception);
+    EXPECT_THROW((void)osalCreate<Vehicle>(factory, "Vehicle", store, "Bicycle"), Exception);
 }
 
 TEST(OsalCreate, NullObjectsOfTheLibraryAreRegistered) {

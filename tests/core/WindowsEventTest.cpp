@@ -7,11 +7,9 @@
 #include <atomic>
 #include <future>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
-using test::CapturedLog;
-using Lines = std::vector<CapturedLog::Line>;
 using Events = std::vector<WindowsEvent>;
 
 constexpr std::uint32_t kLong = 60000;
@@ -31,7 +29,7 @@ auto onThread(Wait wait) {
     return std::async(std::launch::async, wait);
 }
 
-TEST(WindowsEvent, ManualEventStaysSignalledUntilReset) {
+TEST(WindowsEvent, ManualEventStaysSignalledUntilResetAndAnAutomaticOneEndsOneWait) {
     WindowsEvent event = manual();
     EXPECT_FALSE(event.wait(kShort));
     event.set();
@@ -39,16 +37,13 @@ TEST(WindowsEvent, ManualEventStaysSignalledUntilReset) {
     EXPECT_TRUE(event.wait(WindowsEvent::kInfinite));
     event.reset();
     EXPECT_FALSE(event.wait(0));
-}
-
-TEST(WindowsEvent, AutomaticEventEndsOneWait) {
-    WindowsEvent event = automatic(true);
-    EXPECT_TRUE(event.wait(0));
-    EXPECT_FALSE(event.wait(0));
-    event.set();
-    event.set();
-    EXPECT_TRUE(event.wait(kLong));
-    EXPECT_FALSE(event.wait(kShort));
+    WindowsEvent once = automatic(true);
+    EXPECT_TRUE(once.wait(0));
+    EXPECT_FALSE(once.wait(0));
+    once.set();
+    once.set();
+    EXPECT_TRUE(once.wait(kLong));
+    EXPECT_FALSE(once.wait(kShort));
 }
 
 TEST(WindowsEvent, LastCopyClosesTheHandle) {
@@ -67,19 +62,16 @@ TEST(WindowsEvent, LastCopyClosesTheHandle) {
     EXPECT_EQ(kernel_event::waitForOne(handle, 0).value, kernel_event::kWaitFailed);
 }
 
-TEST(WindowsEvent, WaitForAllTakesNoneUntilAllAreSignalled) {
+TEST(WindowsEvent, WaitForAllTakesNoneUntilAllAreSignalledAndForAnyTheFirstAlone) {
     const Events events{automatic(true), automatic(), manual(true)};
     EXPECT_FALSE(WindowsEvent::waitAll(events, kShort));
     WindowsEvent(events[1]).set();
     EXPECT_TRUE(WindowsEvent::waitAll(events, 0));
     EXPECT_EQ(WindowsEvent::waitAny(events, 0), 2U);
-}
-
-TEST(WindowsEvent, WaitForAnyTakesTheFirstSignalledAlone) {
-    const Events events{manual(), automatic(true), automatic(true)};
-    EXPECT_EQ(WindowsEvent::waitAny(events, 0), 1U);
-    EXPECT_EQ(WindowsEvent::waitAny(events, 0), 2U);
-    EXPECT_EQ(WindowsEvent::waitAny(events, kShort), 0xFFFFFFFF);
+    const Events first{manual(), automatic(true), automatic(true)};
+    EXPECT_EQ(WindowsEvent::waitAny(first, 0), 1U);
+    EXPECT_EQ(WindowsEvent::waitAny(first, 0), 2U);
+    EXPECT_EQ(WindowsEvent::waitAny(first, kShort), 0xFFFFFFFF);
 }
 
 TEST(WindowsEvent, WaitsOnTheEventsOfRecords) {
@@ -96,18 +88,16 @@ TEST(WindowsEvent, WaitsOnTheEventsOfRecords) {
 }
 
 TEST(WindowsEvent, GroupWaitThatEndsWithoutAnEventIsLogged) {
-    CapturedLog log(kLogTrace);
+    CapturedLog log(kLogTrace, "orbelantine::WindowsEvent::");
     const Events none{manual()};
     EXPECT_FALSE(WindowsEvent::waitAll(none, 0));
     EXPECT_EQ(WindowsEvent::waitAny(none, 0), WindowsEvent::kNone);
     EXPECT_EQ(WindowsEvent::waitAny(Events(65, manual(true)), 0), WindowsEvent::kNone);
     EXPECT_FALSE(WindowsEvent::waitAll(Events(), 0));
-    const std::string all = "orbelantine::WindowsEvent::waitAll() wait failed. Error: ";
-    const std::string any = "orbelantine::WindowsEvent::waitAny() wait failed. Error: ";
-    EXPECT_EQ(log.take(), (Lines{{kLogError, all + "258"},
-                                 {kLogError, any + "258"},
-                                 {kLogError, any + "87"},
-                                 {kLogError, all + "87"}}));
+    EXPECT_EQ(log.told(), (Texts{"error waitAll() wait failed. Error: 258",
+                                 "error waitAny() wait failed. Error: 258",
+                                 "error waitAny() wait failed. Error: 87",
+                                 "error waitAll() wait failed. Error: 87"}));
 }
 
 TEST(WindowsEvent, AutomaticEventLetsWaitingThreadsThroughOneByOne) {
@@ -156,4 +146,4 @@ TEST(WindowsEvent, TwoThreadsHandOverToEachOther) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

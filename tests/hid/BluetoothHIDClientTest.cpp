@@ -1,17 +1,21 @@
 #include "hid/link/BluetoothHIDClient.h"
 
+#include "core/common/OSAL.h"
+#include "hid/channel/HIDDeviceClient.h"
+#include "hid/channel/IBluetoothHIDDeviceClientDummy.h"
+#include "hid/channel/IHIDDeviceClientDummy.h"
+#include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 #include "hid/link/IBluetoothHIDClientDummy.h"
 #include "tests/hid/HidChainFixture.h"
 #include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using Mouse = IInputMediaBufferMouse;
-using Bytes = test::FakeHidDevice::Bytes;
-using test::CapturedLog;
+using Bytes = FakeHidDevice::Bytes;
 
 constexpr const char* kPhone = "01:23:45:67:89:AB";
 
@@ -21,29 +25,23 @@ boost::shared_ptr<IMediaBuffer> mouseBuffer(std::uint8_t type, std::int32_t x = 
 
 class BluetoothHidClient : public testing::Test {
   protected:
-    test::ChainScript mScript;
-    boost::shared_ptr<test::FakeHidDevice> mDevice =
-        boost::make_shared<test::FakeHidDevice>(mScript);
-    test::FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient",
-                                                     [this](const KVStore&) { return mDevice; }};
+    ChainScript mScript;
+    boost::shared_ptr<FakeHidDevice> mDevice = boost::make_shared<FakeHidDevice>(mScript);
+    FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient",
+                                               [this](const KVStore&) { return mDevice; }};
     BluetoothHIDClient mClient{KVStore()};
 };
 
-TEST_F(BluetoothHidClient, SendsTheRelativeReportOfEachFrameAndForgetsButtonsOnDisconnect) {
+TEST_F(BluetoothHidClient, SendsTheRelativeReportOfEachInputAndForgetsButtonsOnDisconnect) {
+    CapturedLog log(kLogError);
     mClient.onFrame(mouseBuffer(Mouse::LeftDown));
     mClient.disconnect();
+    mClient.onFrame(boost::make_shared<IMediaBuffer>());
     mClient.onFrame(mouseBuffer(Mouse::Move, 5));
     EXPECT_EQ(mDevice->reports,
               (std::vector<Bytes>{{0xA1, 1, 1, 0, 0, 0, 0, 0, 0}, {0xA1, 1, 0, 5, 0, 0, 0, 0, 0}}));
-}
-
-TEST_F(BluetoothHidClient, FrameThatIsNoInputIsLoggedAndNotSent) {
-    CapturedLog log(kLogError);
-    mClient.onFrame(boost::make_shared<IMediaBuffer>());
-    EXPECT_EQ(log.take(),
-              (std::vector<CapturedLog::Line>{
-                  {kLogError, "orbelantine::BluetoothHIDClient::onFrame() error parsing event."}}));
-    EXPECT_TRUE(mDevice->reports.empty());
+    EXPECT_EQ(log.told(),
+              Texts{"error orbelantine::BluetoothHIDClient::onFrame() error parsing event."});
 }
 
 TEST_F(BluetoothHidClient, ForwardsToTheDeviceAndRelaysItsDisconnection) {
@@ -58,24 +56,42 @@ TEST_F(BluetoothHidClient, ForwardsToTheDeviceAndRelaysItsDisconnection) {
     mClient.forceDisconnect();
     mClient.disconnect();
     const std::string connect = std::string("connect ") + kPhone;
-    EXPECT_EQ(mScript.journal.take(),
-              (test::Names{connect, connect, "unplug", "force", "disconnect"}));
+    EXPECT_EQ(mScript.journal.take(), (Names{connect, connect, "unplug", "force", "disconnect"}));
     std::vector<error_code> raised;
     mClient.onDisconnected.connect([&](error_code ec) { raised.push_back(ec); });
     mDevice->onDisconnected(failure);
     EXPECT_EQ(raised, std::vector{failure});
 }
 
-TEST(BluetoothHidClientFactory, GivesTheRealClientAndTheDummyByName) {
-    const auto create = [](const char* hint) {
-        return osalCreate<IBluetoothHIDClient>(OSALFactory::instance(), "IBluetoothHIDClient",
-                                               KVStore(), hint);
-    };
-    EXPECT_NE(dynamic_cast<BluetoothHIDClient*>(create("").get()), nullptr);
-    const auto dummy = create("IBluetoothHIDClient::Dummy");
-    EXPECT_EQ(dummy->connect(kPhone), error_code());
-    EXPECT_FALSE(dummy->isConnected());
+template <class Interface>
+boost::shared_ptr<Interface> made(const char* name, const std::string& hint) {
+    return osalCreate<Interface>(OSALFactory::instance(), name, KVStore(), hint);
+}
+
+template <class Real, class Interface>
+void expectRealAndDummy(const char* name) {
+    EXPECT_NE(dynamic_cast<Real*>(made<Interface>(name, "").get()), nullptr) << name;
+    const auto dummy = made<Interface>(name, std::string(name) + "::Dummy");
+    EXPECT_NE(dynamic_cast<typename Interface::Dummy*>(dummy.get()), nullptr) << name;
+}
+
+TEST(HidFactory, GivesTheRealClientsAndTheirDummiesByName) {
+    expectRealAndDummy<HIDDeviceClient, IHIDDeviceClient>("IHIDDeviceClient");
+    expectRealAndDummy<BluetoothHIDClient, IBluetoothHIDClient>("IBluetoothHIDClient");
+    expectRealAndDummy<WindowsBluetoothHIDDeviceClient, IBluetoothHIDDeviceClient>(
+        "IBluetoothHIDDeviceClient");
+}
+
+TEST(HidFactory, DummiesSucceedAndAreNeverConnected) {
+    IHIDDeviceClient::Dummy device;
+    IBluetoothHIDClient::Dummy client;
+    IBluetoothHIDDeviceClient::Dummy stack;
+    EXPECT_EQ(device.connect(""), error_code());
+    EXPECT_EQ(client.connect(""), error_code());
+    EXPECT_FALSE(device.isConnected() || client.isConnected());
+    EXPECT_EQ(stack.getType(), 0u);
+    EXPECT_TRUE(stack.setLocalDeviceName("Desk"));
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

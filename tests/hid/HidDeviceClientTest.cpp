@@ -1,14 +1,11 @@
 #include "hid/channel/HIDDeviceClient.h"
 
-#include "core/common/OSAL.h"
 #include "core/common/errors/ErrorAreas.h"
 #include "core/common/run/WorkerThread.h"
-#include "hid/channel/IHIDDeviceClientDummy.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
 
-#include <boost/smart_ptr/make_shared.hpp>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -18,14 +15,10 @@
 #include <system_error>
 #include <thread>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
-using test::CapturedLog;
-using test::FakeDriverApi;
-using test::HandClock;
 using Write = FakeDriverApi::Write;
-using Lines = std::vector<CapturedLog::Line>;
 using Pauses = std::vector<IClock::Duration>;
 
 constexpr const char* kPeer = "01:23:45:67:89:AB";
@@ -41,10 +34,6 @@ error_code socketCode(int value) {
     return {value, boost::system::system_category()};
 }
 
-CapturedLog::Line noted(unsigned level, const std::string& text) {
-    return {level, "orbelantine::HIDDeviceClient::" + text};
-}
-
 class HidDeviceClient : public testing::Test {
   protected:
     HidDeviceClient() {
@@ -52,6 +41,8 @@ class HidDeviceClient : public testing::Test {
         mClient = std::make_unique<HIDDeviceClient>(mApi, mClock);
         mClient->onDisconnected.connect([this](error_code ec) { mDisconnected.push_back(ec); });
     }
+
+    void send() { mClient->sendReport(kReport, sizeof(kReport)); }
 
     void connect() { ASSERT_EQ(mClient->connect(kPeer), error_code()); }
 
@@ -76,34 +67,20 @@ TEST_F(HidDeviceClient, ConnectsControlThenInterruptThenGreetsTwiceAndRefusesToC
     EXPECT_TRUE(mClock.pauses().empty());
 }
 
-TEST_F(HidDeviceClient, EachCallThatFailsDuringConnectHasItsCodeAndLeavesEverythingOrNothing) {
-    connect();
-    mClient->disconnect();
-    const auto calls = mApi.calls();
-    ASSERT_EQ(calls.size(), 20u);
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        // Two channels of nine calls each, and the greetings, of which only the second counts. A
-        // removal may go unwatched.
-        const bool asksVersion = i == 7 || i == 16;
-        const bool harmless = calls[i] == "CM_Register_Notification" || i == 18;
-        const error_code expected = harmless ? error_code() : socketCode(asksVersion ? 136 : -1);
-        mApi.simulateFailure(mApi.calls().size() + i + 1, 1450);
-        EXPECT_EQ(mClient->connect(kPeer), expected) << calls[i] << ' ' << i;
-        EXPECT_EQ(mClient->isConnected(), harmless) << calls[i] << ' ' << i;
-        EXPECT_EQ(mApi.openFiles(), harmless ? 2u : 0u) << calls[i] << ' ' << i;
-        mClient->disconnect();
-        EXPECT_EQ(mApi.held(), 0u) << calls[i] << ' ' << i;
-    }
-}
-
 TEST_F(HidDeviceClient, ReportGoesDownOnTheInterruptChannelOfAConnectionAlone) {
-    CapturedLog log(kLogWarning);
-    mClient->sendReport(kReport, sizeof(kReport));
-    EXPECT_EQ(log.take(), Lines{noted(kLogWarning, "sendReport() already disconnected")});
     connect();
-    mClient->sendReport(kReport, sizeof(kReport));
+    send();
     const Write expected{19, {0xA1, 0x02, 0x05}};
     EXPECT_EQ(mApi.writes(), (std::vector{kGreeting, kGreeting, expected}));
+    mClient->disconnect();
+    EXPECT_FALSE(mClient->isConnected());
+    EXPECT_EQ(mApi.held(), 0u);
+    CapturedLog log(kLogDebug, "orbelantine::HIDDeviceClient::");
+    send();
+    mClient->disconnect();
+    EXPECT_EQ(log.told(),
+              (Texts{"warning sendReport() already disconnected",
+                     "debug disconnect() can only disconnect while connected/connecting."}));
     EXPECT_TRUE(mDisconnected.empty());
 }
 
@@ -113,26 +90,14 @@ TEST_F(HidDeviceClient, FailedReportTellsItsOwnListenersOfSuccessAndStaysConnect
     base.onDisconnected.connect([&](error_code) { ++inherited; });
     connect();
     mApi.simulateFailureOf("WriteFile", 433);
-    mClient->sendReport(kReport, sizeof(kReport));
+    send();
     EXPECT_EQ(mDisconnected, std::vector{error_code()});
     EXPECT_EQ(inherited, 0);
     EXPECT_TRUE(mClient->isConnected());
     mClient->onDisconnected.connect([this](error_code) { mClient->disconnect(); });
-    mClient->sendReport(kReport, sizeof(kReport));
+    send();
     EXPECT_FALSE(mClient->isConnected()) << "a slot may call back";
     EXPECT_EQ(mApi.held(), 0u);
-}
-
-TEST_F(HidDeviceClient, DisconnectClosesBothAndOnlyWhileConnected) {
-    connect();
-    mClient->disconnect();
-    EXPECT_FALSE(mClient->isConnected());
-    EXPECT_EQ(mApi.held(), 0u);
-    CapturedLog log(kLogDebug);
-    mClient->disconnect();
-    EXPECT_EQ(log.take(), Lines{noted(kLogDebug, "disconnect() can only disconnect while "
-                                                 "connected/connecting.")});
-    EXPECT_TRUE(mDisconnected.empty());
 }
 
 TEST_F(HidDeviceClient, ForcedDisconnectClosesTheDevicesUnderAClientThatStaysConnected) {
@@ -142,7 +107,7 @@ TEST_F(HidDeviceClient, ForcedDisconnectClosesTheDevicesUnderAClientThatStaysCon
     mClient->forceDisconnect();
     EXPECT_EQ(mApi.held(), 0u);
     EXPECT_TRUE(mClient->isConnected());
-    mClient->sendReport(kReport, sizeof(kReport));
+    send();
     EXPECT_EQ(mDisconnected, std::vector{error_code()});
     EXPECT_TRUE(mClient->isConnected());
 }
@@ -155,7 +120,7 @@ TEST_F(HidDeviceClient, ForcedDisconnectBreaksACallThatHangsInTheDriverAndTheNex
 
     for (const auto& [hangingCode, expected] : cases) {
         mApi.simulateHang(hangingCode);
-        auto connected = std::async(std::launch::async, [&] { return mClient->connect(kAddress); });
+        auto connected = std::async(std::launch::async, [&] { return mClient->connect(kPeer); });
         mApi.awaitHang();
         mClient->forceDisconnect();
         EXPECT_EQ(connected.get(), socketCode(expected)) << hangingCode;
@@ -169,7 +134,7 @@ TEST_F(HidDeviceClient, ForcedDisconnectBreaksACallThatHangsInTheDriverAndTheNex
     auto unplugged = std::async(std::launch::async, [&] { return mClient->virtualCableUnplug(); });
     mApi.awaitHang();
     mClient->forceDisconnect();
-    EXPECT_EQ(unplugged.get(), hidCode(HidErrors::SocketIsDisconnected));
+    EXPECT_EQ(unplugged.get(), codeOf(HidErrors::SocketIsDisconnected));
 }
 
 std::atomic<int> threadsLeft;
@@ -184,7 +149,7 @@ TEST_F(HidDeviceClient, ChannelWithoutAThreadIsAFailedConnect) {
     setThreadMaker(&makeThreadIfAnyIsLeft);
     for (const int left : {0, 1}) {
         threadsLeft = left;
-        EXPECT_EQ(mClient->connect(kAddress), error_code(11, boost::system::generic_category()))
+        EXPECT_EQ(mClient->connect(kPeer), error_code(11, boost::system::generic_category()))
             << left;
         EXPECT_EQ(mApi.held(), 0u) << left;
     }
@@ -253,7 +218,7 @@ TEST_F(HidDeviceClient, ThreadsMaySendAndTearDownAtWill) {
         threads.emplace_back([this, i] {
             for (int n = 0; n < 100; ++n) {
                 if (i == 0)
-                    mClient->sendReport(kReport, sizeof(kReport));
+                    send();
                 else if (i == 1)
                     mApi.simulateRemoval();
                 else
@@ -266,16 +231,5 @@ TEST_F(HidDeviceClient, ThreadsMaySendAndTearDownAtWill) {
     EXPECT_EQ(mApi.held(), 0u);
 }
 
-TEST(HidDeviceClientFactory, GivesTheRealClientAndTheDummyByName) {
-    auto& factory = OSALFactory::instance();
-    const auto client = osalCreate<IHIDDeviceClient>(factory, "IHIDDeviceClient", KVStore(), "");
-    EXPECT_NE(dynamic_cast<HIDDeviceClient*>(client.get()), nullptr);
-    const auto dummy = osalCreate<IHIDDeviceClient>(factory, "IHIDDeviceClient", KVStore(),
-                                                    "IHIDDeviceClient::Dummy");
-    EXPECT_NE(dynamic_cast<IHIDDeviceClient::Dummy*>(dummy.get()), nullptr);
-    EXPECT_EQ(dummy->connect(kPeer), error_code());
-    EXPECT_FALSE(dummy->isConnected());
-}
-
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

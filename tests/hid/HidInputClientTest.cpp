@@ -6,18 +6,16 @@
 #include "tests/support/CapturedLog.h"
 #include "tests/support/HandClock.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <thread>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using namespace std::chrono_literals;
-using test::CapturedLog;
-using test::Names;
-using Lines = std::vector<CapturedLog::Line>;
 using Pauses = std::vector<IClock::Duration>;
 
 const std::string kPhoneConnect = "connect 01:23:45:67:89:AB";
@@ -38,11 +36,11 @@ class HidInput : public testing::Test {
     void note(const std::string& what) { mChain.script.journal.note(what); }
 
     error_code connect() {
-        return test::await([this](const auto& done) { mClient->connect(mPeer, done); });
+        return await([this](const auto& done) { mClient->connect(mPeer, done); });
     }
 
     error_code disconnect() {
-        return test::await([this](const auto& done) { mClient->disconnect(done); });
+        return await([this](const auto& done) { mClient->disconnect(done); });
     }
 
     /// What was noted since the last call, the service record left out.
@@ -53,14 +51,14 @@ class HidInput : public testing::Test {
     }
 
     const BluetoothPeer mPeer{CMacAddress(std::uint64_t{0x0123456789AB})};
-    test::FakeChain mChain;
-    test::HandClock mClock;
+    FakeChain mChain;
+    HandClock mClock;
     boost::shared_ptr<HidInputClient> mClient =
         boost::make_shared<HidInputClient>(KVStore(), mClock);
 };
 
 TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
-    CapturedLog log(kLogInfo);
+    CapturedLog log(kLogInfo, kClient);
     EXPECT_EQ(connect(), error_code());
     EXPECT_EQ(connect(), HidErrors::getErrorCode(HidErrors::AlreadyStarted));
     EXPECT_EQ(disconnect(), error_code());
@@ -68,16 +66,15 @@ TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
                              "onConnected", "source stop", "disconnect"}));
     EXPECT_EQ(connect(), error_code());
     const std::string already = HidErrors::getErrorCode(HidErrors::AlreadyStarted).message();
-    EXPECT_EQ(log.take(),
-              (Lines{{kLogInfo, kClient + "startHID() HID started"},
-                     {kLogError, kClient + "startHID() failed to init HID, ec=" + already},
-                     {kLogInfo, kClient + "stopHID() HID disconnected"},
-                     {kLogInfo, kClient + "startHID() HID started"}}));
+    EXPECT_EQ(
+        log.told(),
+        (Texts{"info startHID() HID started", "error startHID() failed to init HID, ec=" + already,
+               "info stopHID() HID disconnected", "info startHID() HID started"}));
     EXPECT_EQ(mClock.pauses(), Pauses{});
 }
 
 TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
-    CapturedLog log(kLogError);
+    CapturedLog log(kLogError, kClient);
     mChain.script.onConnect = [] { return kPhoneRefused; };
     std::thread::id onCompletion;
     std::promise<std::thread::id> onSignal;
@@ -89,14 +86,12 @@ TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
             done(ec);
         });
     };
-    EXPECT_EQ(test::await(operation), kPhoneRefused);
+    EXPECT_EQ(await(operation), kPhoneRefused);
     EXPECT_EQ(onSignal.get_future().get(), onCompletion);
     EXPECT_EQ(take().back(), "onDisconnected 111");
     const std::string refused = kPhoneRefused.message();
-    EXPECT_EQ(
-        log.take(),
-        (Lines{{kLogError, kClient + "startHID() failed starting HID, ec=" + refused},
-               {kLogError, kClient + "onManagerDisconnected() onDisconnected - " + refused}}));
+    EXPECT_EQ(log.told(), (Texts{"error startHID() failed starting HID, ec=" + refused,
+                                 "error onManagerDisconnected() onDisconnected - " + refused}));
 }
 
 TEST_F(HidInput, RecordRefreshRunsOnceAndGivesThePhoneThreeSeconds) {
@@ -133,10 +128,10 @@ TEST_F(HidInput, PauseResumeAndIdleTimeoutReachTheLink) {
     mClient->resumeConnection();
     mChain.script.journal.await("onConnected");
     EXPECT_EQ(take(), (Names{"disconnect", "source refresh", kPhoneConnect, "onConnected"}));
-    CapturedLog log(kLogDebug);
+    CapturedLog log(kLogDebug, kClient);
     mClient->setIdleTimeout(1500);
     EXPECT_EQ(connect(), HidErrors::getErrorCode(HidErrors::AlreadyStarted));
-    EXPECT_EQ(log.take().at(0).text, kClient + "setIdleTimeout() ms=1500");
+    EXPECT_EQ(log.told().at(0), "debug setIdleTimeout() ms=1500");
     mClock.advance(1500ms);
     mChain.script.journal.await("source refresh");
 }
@@ -216,13 +211,11 @@ TEST_F(HidInput, ExceptionOnAWorkerFailsAllThatIsAskedAndIsToldInTheLog) {
     mClient->connect(mPeer, [](error_code) { throw std::runtime_error("a completion's"); });
     EXPECT_EQ(connect(), kTakenBack);
     mClient.reset();
-    std::string told;
-    for (const auto& line : log.take())
-        told += line.text + '\n';
+    const std::string told = boost::algorithm::join(log.told(), "\n");
     for (const char* part : {"what: out of order", "BluetoothHIDClientManagerIoThread has ended",
                              "what: a completion's", "HidInputClientIoThread has ended"})
         EXPECT_NE(told.find(part), std::string::npos) << part << " in\n" << told;
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -10,13 +10,11 @@
 
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 
 namespace {
 
-using test::CapturedLog;
-using Bytes = test::FakeHidDevice::Bytes;
-using Lines = std::vector<CapturedLog::Line>;
+using Bytes = FakeHidDevice::Bytes;
 
 /// Takes every report for itself.
 class Interceptor : public HIDReportProvider {
@@ -45,11 +43,11 @@ class HidReportProvider : public ::testing::Test {
 
     HIDReportProvider provider{KVStore()};
     Interceptor interceptor{KVStore()};
-    test::ChainScript script;
-    boost::shared_ptr<test::FakeHidDevice> device = boost::make_shared<test::FakeHidDevice>(script);
+    ChainScript script;
+    boost::shared_ptr<FakeHidDevice> device = boost::make_shared<FakeHidDevice>(script);
 };
 
-TEST_F(HidReportProvider, SendsEachEventAsARelativeReport) {
+TEST_F(HidReportProvider, SendsEachEventAsARelativeReportUntilResetForgetsTheButtons) {
     provider.sendMouseMove(-1, 300);
     provider.sendMouseLeftClick(true);
     provider.sendMouseRightClick(true);
@@ -57,6 +55,8 @@ TEST_F(HidReportProvider, SendsEachEventAsARelativeReport) {
     provider.sendMouseScroll(-3);
     provider.sendKey(30, true);
     provider.sendKey(30, false);
+    provider.resetState();
+    provider.sendMouseLeftClick(true);
     EXPECT_EQ(device->reports, (std::vector<Bytes>{{0xA1, 1, 0, 0xFF, 0xFF, 0x2C, 1, 0, 0},
                                                    {0xA1, 1, 1, 0, 0, 0, 0, 0, 0},
                                                    {0xA1, 1, 3, 0, 0, 0, 0, 0, 0},
@@ -64,52 +64,38 @@ TEST_F(HidReportProvider, SendsEachEventAsARelativeReport) {
                                                    // A wheel of 0, whatever the amount.
                                                    {0xA1, 1, 2, 0, 0, 0, 0, 0, 0},
                                                    {0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0},
-                                                   {0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0}}));
-}
-
-TEST_F(HidReportProvider, ResetForgetsButtonsAndSendsNothing) {
-    provider.sendMouseLeftClick(true);
-    provider.resetState();
-    EXPECT_EQ(device->reports.size(), 1U);
-    provider.sendMouseRightClick(true);
-    EXPECT_EQ(device->reports.back(), (Bytes{0xA1, 1, 2, 0, 0, 0, 0, 0, 0}));
+                                                   {0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0},
+                                                   {0xA1, 1, 1, 0, 0, 0, 0, 0, 0}}));
 }
 
 TEST_F(HidReportProvider, WithoutDeviceOrTranslationOnlyLogs) {
     CapturedLog log(kLogWarning);
     provider.sendKey(84, true);
-    EXPECT_EQ(log.take().back(),
-              (CapturedLog::Line{kLogWarning, "failed disptching report - conversion failed"}));
+    EXPECT_EQ(log.told().back(), "warning failed disptching report - conversion failed");
     provider.setDevice(nullptr);
     provider.sendMouseMove(1, 2);
-    EXPECT_EQ(log.take(), (Lines{{kLogError, "No device defined!"}}));
+    EXPECT_EQ(log.told(), Texts{"error No device defined!"});
     EXPECT_TRUE(device->reports.empty());
 }
 
 TEST_F(HidReportProvider, SubclassInterceptsEveryReportInReusedBuffers) {
-    interceptor.sendMouseMove(1, 2);
-    interceptor.sendMouseLeftClick(true);
-    interceptor.sendKey(30, true);
-    interceptor.sendKey(31, true);
-    EXPECT_TRUE(device->reports.empty());
-    ASSERT_EQ(interceptor.buffers.size(), 4U);
-    EXPECT_EQ(interceptor.buffers.at(0), interceptor.buffers.at(1));
-    EXPECT_EQ(interceptor.buffers.at(2), interceptor.buffers.at(3));
-}
-
-TEST_F(HidReportProvider, ClickKeepsTheYOfTheLastMoveAndScrollTravelsInXWithATypeByItsSign) {
     using Event = std::vector<std::int32_t>;
     interceptor.sendMouseMove(1, 2);
     interceptor.sendMouseRightClick(false);
-    EXPECT_EQ(interceptor.lastMouse(), (Event{0, 2, 3}));
-    interceptor.sendMouseScroll(-3);
-    EXPECT_EQ(interceptor.lastMouse(), (Event{-3, 0, 6}));
-    interceptor.sendMouseScroll(0);
-    EXPECT_EQ(interceptor.lastMouse(), (Event{0, 0, 5}));
-    interceptor.sendMouseScroll(3);
-    EXPECT_EQ(interceptor.lastMouse(), (Event{3, 0, 5}));
+    EXPECT_EQ(interceptor.lastMouse(), (Event{0, 2, 3})) << "y stays the last move's";
+    for (const std::int32_t amount : {-3, 0, 3}) {
+        interceptor.sendMouseScroll(amount);
+        EXPECT_EQ(interceptor.lastMouse(), (Event{amount, 0, amount < 0 ? 6 : 5}));
+    }
+    interceptor.sendKey(30, true);
+    interceptor.sendKey(31, true);
+    const auto& buffers = interceptor.buffers;
+    ASSERT_EQ(buffers.size(), 7U);
+    EXPECT_EQ(buffers[0], buffers[4]);
+    EXPECT_EQ(buffers[5], buffers[6]);
+    EXPECT_TRUE(device->reports.empty());
 }
 
 } // namespace
 
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -1,5 +1,3 @@
-#include "core/common/OSAL.h"
-#include "hid/channel/IBluetoothHIDDeviceClientDummy.h"
 #include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 #include "tests/bluetooth/FakeDriverApi.h"
 #include "tests/hid/FakeLocalRadioApi.h"
@@ -7,13 +5,8 @@
 
 #include <gtest/gtest.h>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
-
-using test::CapturedLog;
-using test::FakeDriverApi;
-using test::FakeLocalRadioApi;
-using Lines = std::vector<CapturedLog::Line>;
 
 constexpr std::uint32_t kReload = 0x411008;
 const std::wstring kDevice =
@@ -52,8 +45,9 @@ TEST_F(LocalName, IsWrittenToTheFirstUsbRadioAndReloaded) {
     EXPECT_EQ(mRadio.values(), std::vector{value});
     const FakeDriverApi::Request reload{kReload, {4, 0, 0, 0}};
     EXPECT_EQ(mDriver.requests(), std::vector{reload});
+    // None is a USB radio.
     mRadio.simulateInstanceIds({L"BTH\\1", L"usb\\lower-case", L"US"});
-    EXPECT_FALSE(client.setLocalDeviceName("Desk")) << "none is a USB radio";
+    EXPECT_FALSE(client.setLocalDeviceName("Desk"));
     EXPECT_EQ(mDriver.openings().size(), 1u);
 }
 
@@ -79,9 +73,9 @@ TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
         WindowsBluetoothHIDDeviceClient client(driver, radio);
         driver.simulateFailureOf(call, 7);
         radio.simulateFailureOf(call, 7);
-        CapturedLog log(kLogError);
+        CapturedLog log(kLogError, kLogName);
         EXPECT_FALSE(client.setLocalDeviceName("Desk")) << call;
-        EXPECT_EQ(log.take(), (Lines{{kLogError, kLogName + line}})) << call;
+        EXPECT_EQ(log.told(), Texts{"error " + line}) << call;
         EXPECT_EQ(driver.held(), 0u) << call;
         EXPECT_EQ(radio.held(), 0) << call;
     }
@@ -91,17 +85,18 @@ TEST_F(LocalName, IsRestoredToTheComputersOwnOnlyForTypeZero) {
     mRadio.simulateComputerName(L"HOME-PC");
     WindowsBluetoothHIDDeviceClient(mDriver, mRadio).restoreLocalDeviceName();
     EXPECT_TRUE(mRadio.values().empty());
-    CapturedLog log(kLogInfo);
+    CapturedLog log(kLogInfo, kLogName);
     ClientOfType client(0, mDriver, mRadio);
     (void)log.take();
     client.restoreLocalDeviceName();
     ASSERT_EQ(mRadio.values().size(), 1u);
     EXPECT_EQ(mRadio.values()[0].bytes, "HOME-PC");
-    const std::string name = kLogName + "restoreLocalDeviceName: ";
-    EXPECT_EQ(log.take(), (Lines{{kLogInfo, name + "Reset device name back to HOME-PC"}}));
+    EXPECT_EQ(log.told(),
+              (Texts{"info restoreLocalDeviceName: Reset device name back to HOME-PC"}));
     mRadio.simulateInstanceIds({});
     client.restoreLocalDeviceName();
-    EXPECT_EQ(log.take(), (Lines{{kLogError, name + "Failed to reset device name to HOME-PC"}}));
+    EXPECT_EQ(log.told(),
+              (Texts{"error restoreLocalDeviceName: Failed to reset device name to HOME-PC"}));
 }
 
 TEST_F(LocalName, RadioTellsItsOwnName) {
@@ -130,16 +125,5 @@ TEST(HidType, IsTwoWhateverTheDriverSays) {
     EXPECT_EQ(with.held(), 0u);
 }
 
-TEST(HidType, FactoryGivesTheRealClientAndTheDummyByName) {
-    auto& factory = OSALFactory::instance();
-    const auto client =
-        osalCreate<IBluetoothHIDDeviceClient>(factory, "IBluetoothHIDDeviceClient", KVStore(), "");
-    EXPECT_EQ(client->getType(), 2u);
-    const auto dummy = osalCreate<IBluetoothHIDDeviceClient>(
-        factory, "IBluetoothHIDDeviceClient", KVStore(), "IBluetoothHIDDeviceClient::Dummy");
-    EXPECT_EQ(dummy->getType(), 0u);
-    EXPECT_TRUE(dummy->setLocalDeviceName("Desk"));
-}
-
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -12,6 +12,10 @@ TEST_F(LogLevels, OffIsTheStartAndWritesNothingThoughTheFileIsMade) {
     lumiport_log_fmt(99, "T", "x");
     EXPECT_TRUE(std::filesystem::exists(file()));
     EXPECT_EQ(text(), "");
+    set_log_level(kLogTrace);
+    EXPECT_EQ(get_log_level(), kLogTrace);
+    set_log_level(99);
+    EXPECT_EQ(get_log_level(), kLogOff);
 }
 
 TEST_F(LogLevels, FirstLineOfNativeCodeMakesTheFileAndLaterFilteredOnesEvaluateNothing) {
@@ -44,13 +48,6 @@ TEST_F(LogLevels, ChangeReachesExistingLoggersAtTheirNextMessage) {
               (Lines{"logger | critical]: Changing log level from 4 to 2", "T | info]: written",
                      "logger | critical]: Changing log level from 2 to 4",
                      "logger | critical]: Changing log level from 6 to 5"}));
-}
-
-TEST_F(LogLevels, IsClampedToOff) {
-    set_log_level(99);
-    EXPECT_EQ(get_log_level(), kLogOff);
-    set_log_level(kLogTrace);
-    EXPECT_EQ(get_log_level(), kLogTrace);
 }
 
 TEST_F(LogLevels, OnlyAChangeIsReportedAndOnlyOnceTheServiceHasALogger) {

@@ -74,7 +74,7 @@ TEST_F(LogLine, NativeCodesLinesBeginWithTheQualifiedFunction) {
                                    "LUMIPORT | debug]: Leaving function " + name + "traced"}));
 }
 
-TEST_F(LogLine, PrivateEntriesAreRedactedAndTheirTagIsCut) {
+TEST_F(LogLine, PrivateEntriesAreRedactedUntilEnabledAndTheirTagIsCut) {
     const std::string tag(120, 't');
     lumiport_log_private(kLogInfo, "T", "secret");
     lumiport_log_private_fmt(kLogInfo, "T", "%s() user %s", "f", "secret");
@@ -82,10 +82,16 @@ TEST_F(LogLine, PrivateEntriesAreRedactedAndTheirTagIsCut) {
     lumiport_log_private_fmt(kLogInfo, "T", "%s(", "secret");
     lumiport_log_private(kLogInfo, tag.c_str(), "secret");
     lumiport_log(kLogInfo, tag.c_str(), "x");
-    EXPECT_EQ(laterLines(), (Lines{"ALL__T | info]: [redacted]", "ALL__T | info]: f() [redacted]",
-                                   "ALL__T | info]: [redacted]", "ALL__T | info]: [redacted]",
-                                   "ALL__" + std::string(94, 't') + " | info]: [redacted]",
-                                   tag + " | info]: x"}));
+    set_log_enable_private(true);
+    EXPECT_TRUE(get_log_enable_private());
+    lumiport_log_private(kLogInfo, "T", "100% secret");
+    lumiport_log_private_fmt(kLogInfo, "T", "%s() user %s", "f", "secret");
+    EXPECT_EQ(laterLines(),
+              (Lines{"ALL__T | info]: [redacted]", "ALL__T | info]: f() [redacted]",
+                     "ALL__T | info]: [redacted]", "ALL__T | info]: [redacted]",
+                     "ALL__" + std::string(94, 't') + " | info]: [redacted]", tag + " | info]: x",
+                     "logger | critical]: Changing log private from 0 to 1",
+                     "ALL__T | info]: 100% secret", "ALL__T | info]: f() user secret"}));
 }
 
 TEST_F(LogLine, NullTextIsTheEmptyText) {
@@ -101,15 +107,6 @@ TEST_F(LogLine, NullTextIsTheEmptyText) {
                                    "ALL__T | info]: [redacted]",
                                    "logger | critical]: Changing log private from 0 to 1",
                                    "ALL__T | info]: ", "ALL__T | info]: "}));
-}
-
-TEST_F(LogLine, PrivateEntriesAreWholeOnceEnabled) {
-    set_log_enable_private(true);
-    EXPECT_TRUE(get_log_enable_private());
-    lumiport_log_private(kLogInfo, "T", "100% secret");
-    lumiport_log_private_fmt(kLogInfo, "T", "%s() user %s", "f", "secret");
-    EXPECT_EQ(laterLines(),
-              (Lines{"ALL__T | info]: 100% secret", "ALL__T | info]: f() user secret"}));
 }
 
 } // namespace

@@ -22,8 +22,9 @@ struct CapturedLog::Sink final : spdlog::sinks::base_sink<std::mutex> {
     void flush_() override {}
 };
 
-CapturedLog::CapturedLog(unsigned level)
-    : mSink(std::make_shared<Sink>()) {
+CapturedLog::CapturedLog(unsigned level, std::string prefix)
+    : mSink(std::make_shared<Sink>())
+    , mPrefix(std::move(prefix)) {
     set_log_level(level);
     lumiport_log(kLogCritical, kNativeLogTag, "makes the logger");
     spdlog::get(kNativeLogTag)->sinks().push_back(mSink);
@@ -37,6 +38,16 @@ CapturedLog::~CapturedLog() {
 
 std::vector<CapturedLog::Line> CapturedLog::take() {
     return std::exchange(mSink->lines, {});
+}
+
+std::vector<std::string> CapturedLog::told() {
+    static constexpr const char* kLevels[] = {"trace ",   "debug ", "info ",
+                                              "warning ", "error ", "critical "};
+    std::vector<std::string> texts;
+    for (const auto& [level, text] : take())
+        texts.push_back(kLevels[level] +
+                        text.substr(text.starts_with(mPrefix) ? mPrefix.size() : 0));
+    return texts;
 }
 
 void PrintTo(const CapturedLog::Line& line, std::ostream* out) {

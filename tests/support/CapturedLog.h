@@ -18,19 +18,26 @@ class CapturedLog {
         bool operator==(const Line&) const = default;
     };
 
-    explicit CapturedLog(unsigned level);
+    /// `prefix`: what told() leaves out where a text begins with it.
+    explicit CapturedLog(unsigned level, std::string prefix = "");
     ~CapturedLog();
     CapturedLog(const CapturedLog&) = delete;
     CapturedLog& operator=(const CapturedLog&) = delete;
 
     /// The lines since the last call.
     [[nodiscard]] std::vector<Line> take();
+    /// As take, each as one text that begins with its level's name.
+    [[nodiscard]] std::vector<std::string> told();
 
   private:
     struct Sink;
 
     std::shared_ptr<Sink> mSink;
+    const std::string mPrefix;
 };
+
+using Lines = std::vector<CapturedLog::Line>;
+using Texts = std::vector<std::string>;
 
 void PrintTo(const CapturedLog::Line& line, std::ostream* out);
 

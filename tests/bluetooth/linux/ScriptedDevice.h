@@ -1,11 +1,15 @@
 #pragma once
 
+#include "bluetooth/DriverApi.h"
+#include "bluetooth/linux/DeviceFolder.h"
 #include "bluetooth/linux/FileDescriptor.h"
 
+#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -88,6 +92,28 @@ class ScriptedDevice {
     int mLink = -1;
     bool mEnding = false;
     std::thread mThread;
+};
+
+/// A device folder of its own, found through the environment.
+class DeviceFolderFixture : public testing::Test {
+  protected:
+    DeviceFolderFixture() {
+        char name[] = "/tmp/orbelantine-test-XXXXXX";
+        mFolder = mkdtemp(name);
+        setenv("ORBELANTINE_DEVICE_DIR", mFolder.c_str(), 1);
+    }
+
+    ~DeviceFolderFixture() override {
+        unsetenv("ORBELANTINE_DEVICE_DIR");
+        std::filesystem::remove_all(mFolder);
+    }
+
+    [[nodiscard]] std::filesystem::path devicePath(const Guid& interfaceClass,
+                                                   const std::string& name = "x}_LOCALMFG") const {
+        return mFolder / classFolderName(interfaceClass) / name;
+    }
+
+    std::filesystem::path mFolder;
 };
 
 } // namespace orbelantine::test

@@ -21,8 +21,6 @@ namespace packet = phone::packet;
 class BridgeTest : public phone::SteppedServerTest<Bridge, Bridge::Outcome::GoesOn> {
   protected:
     BridgeTest() {
-        mOptions.devices = mFolder / "devices";
-        mOptions.address = {{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
         mBridge.emplace(Parts{mL2cap, mLog, [this] { return mNow; }}, mOptions, mStop.reader.get());
     }
 
@@ -35,7 +33,7 @@ class BridgeTest : public phone::SteppedServerTest<Bridge, Bridge::Outcome::Goes
     std::ostringstream mLogged;
     phone::EventLog mLog{&mLogged, [this] { return mNow; }};
     FakeL2cap mL2cap;
-    Options mOptions;
+    const Options mOptions = optionsIn(mFolder / "devices");
     std::optional<Bridge> mBridge;
 };
 
@@ -79,34 +77,28 @@ TEST_F(BridgeTest, FailedConnectGivesItsWindowsNumberAndMayBeTriedAgain) {
     EXPECT_EQ(exchange(host, packet::kConnectControl), packet::kSuccess);
 }
 
-TEST_F(BridgeTest, SlowConnectKeepsNoOtherHandleWaiting) {
-    const TestHost slow = open();
-    const TestHost other = open();
-    mL2cap.simulateSlowConnect();
-    EXPECT_EQ(exchange(slow, packet::kConnectControl), std::nullopt);
-    EXPECT_EQ(exchange(slow, packet::kIsConnected), std::nullopt);
-    EXPECT_EQ(exchange(other, packet::kGetVersion), packet::kVersion4);
-    mL2cap.finishConnect(17, 0);
-    run();
-    EXPECT_EQ(slow.received(), packet::kSuccess);
-    EXPECT_EQ(slow.received(), packet::kStands);
-}
-
-TEST_F(BridgeTest, SlowConnectEndsRefusedOrTooLateOrWithItsHandle) {
+TEST_F(BridgeTest, SlowConnectKeepsNoOtherWaitingAndEndsRefusedOrTooLateOrWithItsHandle) {
     mL2cap.simulateSlowConnect();
     const TestHost host = open();
     EXPECT_EQ(exchange(host, packet::kConnectControl), std::nullopt);
+    EXPECT_EQ(exchange(host, packet::kIsConnected), std::nullopt);
+    EXPECT_EQ(exchange(open(), packet::kGetVersion), packet::kVersion4);
     mL2cap.finishConnect(17, ECONNREFUSED);
     run();
     EXPECT_EQ(host.received(), packet::failure(1225));
-
-    EXPECT_EQ(exchange(host, packet::kConnectControl), std::nullopt);
+    EXPECT_EQ(host.received(), packet::kGone);
+    EXPECT_EQ(exchange(host, packet::kConnectInterrupt), std::nullopt);
+    mL2cap.finishConnect(19, 0);
+    run();
+    EXPECT_EQ(host.received(), packet::kSuccess);
+    const TestHost late = open();
+    EXPECT_EQ(exchange(late, packet::kConnectControl), std::nullopt);
     mNow += Channel::kLongestConnect - Milliseconds(1);
     run();
-    EXPECT_EQ(host.received(), std::nullopt);
+    EXPECT_EQ(late.received(), std::nullopt);
     mNow += Milliseconds(1);
     run();
-    EXPECT_EQ(host.received(), packet::failure(1460));
+    EXPECT_EQ(late.received(), packet::failure(1460));
     {
         const TestHost leaving = open();
         EXPECT_EQ(exchange(leaving, packet::kConnectInterrupt), std::nullopt);
@@ -130,7 +122,7 @@ TEST_F(BridgeTest, WritesGoOutOneByOneAlsoThoseBeforeTheHandleCloses) {
 
 TEST_F(BridgeTest, NoWriteIsLostWhileTheRadioIsBusy) {
     const TestHost host = openInterrupt();
-    FakeL2cap::fill(mL2cap.bridgeEnd(19), 1);
+    FakeL2cap::fill(mL2cap.bridgeEnd(19));
     host.send({0, 0, 0, 0, 1});
     host.send({0, 0, 0, 0, 2});
     EXPECT_EQ(exchange(host, packet::kIsConnected), std::nullopt);
@@ -141,16 +133,12 @@ TEST_F(BridgeTest, NoWriteIsLostWhileTheRadioIsBusy) {
     EXPECT_EQ(host.received(), packet::kStands);
 }
 
-TEST_F(BridgeTest, WhatThePhoneSendsIsLoggedAndDropped) {
+TEST_F(BridgeTest, PhonesPacketsAreDroppedItsHangUpShowsAndALaterWriteClosesTheHandle) {
     const TestHost host = openInterrupt();
     mL2cap.sendFromPhone(19, {0xA2, 0x01});
     EXPECT_EQ(exchange(host, packet::kIsConnected), packet::kStands);
     EXPECT_EQ(host.received(), std::nullopt);
     EXPECT_TRUE(logged(R"("event":"dropped","handle":1,"bytes":[162,1])"));
-}
-
-TEST_F(BridgeTest, HangUpByThePhoneShowsAndALaterWriteClosesTheHandle) {
-    const TestHost host = openInterrupt();
     mL2cap.hangUp(19);
     EXPECT_EQ(exchange(host, packet::kIsConnected), packet::kGone);
     EXPECT_EQ(exchange(host, packet::kConnectInterrupt), packet::kSuccess);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/l2cap_bridge/Options.h"
 #include "tools/l2cap_bridge/linux/L2capApi.h"
 
 #include <poll.h>
@@ -15,6 +16,15 @@
 #include <vector>
 
 namespace orbelantine::bridge {
+
+/// A bridge of that folder to the phone at 00:11:22:33:44:55, without a record.
+inline Options optionsIn(const std::string& folder) {
+    Options options;
+    options.devices = folder;
+    options.address = {{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
+    options.publishRecord = false;
+    return options;
+}
 
 /// A radio with one phone in reach: each channel is a pair of local sockets, the other end of which
 /// is the phone's. Any thread may call.
@@ -57,13 +67,10 @@ class FakeL2cap final : public L2capApi {
         return bytes;
     }
 
-    /// So that nothing more fits: returns how many packets of this size were sent.
-    static int fill(int socket, std::size_t size) {
-        const Bytes filler(size, 0xFF);
-        int count = 0;
-        while (::send(socket, filler.data(), filler.size(), MSG_DONTWAIT | MSG_NOSIGNAL) > 0)
-            ++count;
-        return count;
+    /// So that nothing more fits.
+    static void fill(int socket) {
+        while (::send(socket, "", 1, MSG_DONTWAIT | MSG_NOSIGNAL) > 0) {
+        }
     }
 
     /// The bridge's end of a channel.
@@ -103,7 +110,7 @@ class FakeL2cap final : public L2capApi {
         mBridge[psm] = socket;
         mPhone[psm] = std::move(mNewEnd);
         if (mConnect == EINPROGRESS)
-            fill(socket, 1);
+            fill(socket);
         return mConnect;
     }
 

@@ -9,7 +9,6 @@
 
 #include <array>
 #include <csignal>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -21,13 +20,22 @@ namespace orbelantine::bridge {
 class PrivateBus {
   public:
     PrivateBus() {
-        const std::string config = mFolder / "bus.conf";
-        std::ofstream(config) << "<busconfig><type>session</type><listen>" << address()
-                              << "</listen><policy context=\"default\">"
-                                 "<allow send_destination=\"*\" eavesdrop=\"true\"/>"
-                                 "<allow eavesdrop=\"true\"/><allow own=\"*\"/>"
-                                 "</policy></busconfig>";
-        start("--config-file=" + config);
+        phone::Pipe output;
+        const std::string listen = "--address=" + address();
+        mProcess = ::fork();
+        if (mProcess == 0) {
+            ::dup2(output.writer.get(), STDOUT_FILENO);
+            // It complains of limits that don't matter here.
+            ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
+            ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--print-address=1",
+                     listen.c_str(), nullptr);
+            ::_exit(1);
+        }
+        // It prints its address once it listens, or fails.
+        output.writer = phone::FileDescriptor();
+        std::array<char, 256> line{};
+        if (::read(output.reader.get(), line.data(), line.size()) <= 0)
+            stop();
     }
 
     PrivateBus(const PrivateBus&) = delete;
@@ -49,24 +57,6 @@ class PrivateBus {
     }
 
   private:
-    /// Returns when the daemon has printed its address, as it listens then, or has failed.
-    void start(const std::string& config) {
-        phone::Pipe output;
-        mProcess = ::fork();
-        if (mProcess == 0) {
-            ::dup2(output.writer.get(), STDOUT_FILENO);
-            // It complains of limits that don't matter here.
-            ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
-            ::execlp("dbus-daemon", "dbus-daemon", "--nofork", "--print-address=1", config.c_str(),
-                     nullptr);
-            ::_exit(1);
-        }
-        output.writer = phone::FileDescriptor();
-        std::array<char, 256> line{};
-        if (::read(output.reader.get(), line.data(), line.size()) <= 0)
-            stop();
-    }
-
     phone::TemporaryFolder mFolder;
     pid_t mProcess = -1;
 };

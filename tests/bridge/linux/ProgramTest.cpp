@@ -23,12 +23,6 @@ namespace {
 
 class BridgeProgramTest : public testing::Test {
   protected:
-    BridgeProgramTest() {
-        mOptions.devices = mFolder / "devices";
-        mOptions.address = {{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
-        mOptions.publishRecord = false;
-    }
-
     ExitStatus run() {
         mErr.str("");
         return runBridge(mOptions, mL2cap, mOut, mErr);
@@ -48,7 +42,7 @@ class BridgeProgramTest : public testing::Test {
     }
 
     phone::TemporaryFolder mFolder;
-    Options mOptions;
+    Options mOptions = optionsIn(mFolder / "devices");
     FakeL2cap mL2cap;
     std::ostringstream mOut;
     std::ostringstream mErr;

@@ -9,15 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
-
-using test::FakeDriverApi;
-using test::Names;
 
 constexpr DriverApi::Error kAccessDenied = 5;
 
@@ -31,39 +27,34 @@ struct Call {
 
 using Calls = std::vector<Call>;
 
-/// Finding and opening the driver's device.
-Calls opening(Effect effect) {
-    return {
-        {"SetupDiGetClassDevs", effect},
-        {"SetupDiEnumDeviceInterfaces", effect},
-        {"SetupDiGetDeviceInterfaceDetail", effect},
-        {"LocalAlloc", effect},
-        {"SetupDiGetDeviceInterfaceDetail", effect},
-        {"CreateFile", effect},
-        {"CM_Register_Notification", kNone},
-    };
-}
-
-Calls join(std::initializer_list<Calls> parts) {
-    Calls calls;
-    for (const Calls& part : parts)
-        calls.insert(calls.end(), part.begin(), part.end());
+Calls operator+(Calls calls, const Calls& further) {
+    calls.insert(calls.end(), further.begin(), further.end());
     return calls;
 }
 
+/// Finding and opening the driver's device.
+Calls opening(Effect effect) {
+    return {{"SetupDiGetClassDevs", effect},
+            {"SetupDiEnumDeviceInterfaces", effect},
+            {"SetupDiGetDeviceInterfaceDetail", effect},
+            {"LocalAlloc", effect},
+            {"SetupDiGetDeviceInterfaceDetail", effect},
+            {"CreateFile", effect},
+            {"CM_Register_Notification", kNone}};
+}
+
 /// Looking for the local device's type, which counts as 2 whatever becomes of it.
-const Calls kTypeCalls = join({opening(kNone), {{"DeviceIoControl", kNone}}});
+const Calls kTypeCalls = opening(kNone) + Calls{{"DeviceIoControl", kNone}};
 /// Each of the two channels.
-const Calls kChannelCalls =
-    join({opening(kSocketFailure),
-          {{"DeviceIoControl", kWrongVersion}, {"DeviceIoControl", kSocketFailure}}});
+const Calls kChannelCalls = opening(kSocketFailure) + Calls{{"DeviceIoControl", kWrongVersion},
+                                                            {"DeviceIoControl", kSocketFailure}};
 const Calls kGreetingCalls = {{"WriteFile", kNone}, {"WriteFile", kSocketFailure}};
 const Calls kReportCalls = {{"WriteFile", kNone}};
-const Calls kLinkCalls = join({kChannelCalls, kChannelCalls, kGreetingCalls});
-const Calls kConnectCalls = join({kTypeCalls, kTypeCalls, kLinkCalls});
+const Calls kLinkCalls = kChannelCalls + kChannelCalls + kGreetingCalls;
+const Calls kConnectCalls = kTypeCalls + kTypeCalls + kLinkCalls;
 
 /// Every call of a session that connects, sends a report, sleeps, wakes by a report and ends.
-const Calls kSessionCalls = join({kConnectCalls, kReportCalls, kLinkCalls, kReportCalls});
+const Calls kSessionCalls = kConnectCalls + kReportCalls + kLinkCalls + kReportCalls;
 const std::size_t kFirstReportCall = kConnectCalls.size();
 const std::size_t kReconnectCall = kFirstReportCall + 1;
 const std::size_t kSecondReportCall = kReconnectCall + kLinkCalls.size();
@@ -71,7 +62,7 @@ const std::size_t kSecondReportCall = kReconnectCall + kLinkCalls.size();
 /// A device that tells when it has been given a report, sent or not.
 class NotingDevice final : public HIDDeviceClient {
   public:
-    NotingDevice(DriverApi& api, IClock& clock, test::Journal& journal)
+    NotingDevice(DriverApi& api, IClock& clock, Journal& journal)
         : HIDDeviceClient(api, clock)
         , mJournal(journal) {}
 
@@ -81,79 +72,62 @@ class NotingDevice final : public HIDDeviceClient {
     }
 
   private:
-    test::Journal& mJournal;
+    Journal& mJournal;
 };
 
 /// The whole road on a fake of the platform, one call of which fails.
-class FaultySession {
-  public:
+struct FaultySession {
     explicit FaultySession(std::size_t failing) {
-        mApi.simulateHidDriver();
-        mApi.simulateFailure(failing, kAccessDenied);
-        mSession.client->onConnected.connect([this] { mJournal.note("connected"); });
-        mSession.client->onDisconnected.connect(
-            [this](error_code ec) { mJournal.note("lost " + std::to_string(ec.value())); });
+        api.simulateHidDriver();
+        api.simulateFailure(failing, kAccessDenied);
+        session.client->onConnected.connect([this] { journal.note("connected"); });
+        session.client->onDisconnected.connect(
+            [this](error_code ec) { journal.note("lost " + std::to_string(ec.value())); });
     }
 
     ~FaultySession() {
-        mSession.client.reset();
-        EXPECT_EQ(mApi.held(), 0U);
+        session.client.reset();
+        EXPECT_EQ(api.held(), 0U);
     }
 
     /// The result of a connect, and what it raised.
     Names connect() {
-        const error_code result = mSession.connect();
-        mSession.settle();
-        Names notes = mJournal.take();
+        const error_code result = session.connect();
+        session.settle();
+        Names notes = journal.take();
         notes.insert(notes.begin(), std::to_string(result.value()));
         return notes;
     }
 
-    error_code disconnect() {
-        mDown = false;
-        return mSession.disconnect();
-    }
-
-    /// What one event raises, up to `last`.
+    /// What a new key raises, up to `last`.
     Names press(const std::string& last) {
-        mSession.key(mDown = !mDown, test::kScanA);
-        mJournal.await(last);
-        mSession.settle();
-        Names notes = mJournal.take();
+        session.key(true, nextKey++);
+        journal.await(last);
+        session.settle();
+        Names notes = journal.take();
         // They come from two threads.
         std::ranges::sort(notes);
         return notes;
     }
 
     void pause() {
-        mSession.client->pauseConnection();
-        mSession.settle();
+        session.client->pauseConnection();
+        session.settle();
     }
 
-    [[nodiscard]] std::size_t reportsArrived() const {
-        std::size_t count = 0;
-        for (const auto& write : mApi.writes())
-            count += write.psm == driver::kInterruptPsm ? 1 : 0;
-        return count;
-    }
-
-    [[nodiscard]] const FakeDriverApi& api() const { return mApi; }
-
-  private:
-    FakeDriverApi mApi;
-    test::FakeLocalRadioApi mRadio;
-    test::HandClock mClock;
-    test::Journal mJournal;
-    bool mDown = false;
-    test::FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient", [this](const KVStore&) {
-                                                         return boost::make_shared<NotingDevice>(
-                                                             mApi, mClock, mJournal);
-                                                     }};
-    test::FactoryOverride<IBluetoothHIDDeviceClient> mStacks{
+    FakeDriverApi api;
+    FakeLocalRadioApi radio;
+    HandClock clock;
+    Journal journal;
+    std::uint32_t nextKey = kScanA;
+    FactoryOverride<IHIDDeviceClient> devices{
+        "HIDDeviceClient",
+        [this](const KVStore&) { return boost::make_shared<NotingDevice>(api, clock, journal); }};
+    FactoryOverride<IBluetoothHIDDeviceClient> stacks{
         "WindowsBluetoothHIDDeviceClient", [this](const KVStore&) {
-            return boost::make_shared<WindowsBluetoothHIDDeviceClient>(mApi, mRadio);
+            return boost::make_shared<WindowsBluetoothHIDDeviceClient>(api, radio);
         }};
-    test::Session mSession{mClock};
+    Session session{clock};
 };
 
 std::string lost(Effect effect) {
@@ -178,21 +152,24 @@ void playWithFailure(std::size_t failing) {
     // The chain stands after a failure too: the next event tries again.
     EXPECT_EQ(session.connect(),
               connecting ? (Names{std::to_string(connecting), lost(connecting)}) : kConnected);
+    EXPECT_EQ(session.api.openFiles(), connecting ? 0U : 2U);
     EXPECT_EQ(session.press("report"), connecting ? kWokenAndSent : kSent);
     session.pause();
-    EXPECT_EQ(session.api().openFiles(), 0U);
+    EXPECT_EQ(session.api.openFiles(), 0U);
     if (waking) {
         EXPECT_EQ(session.press(lost(waking)), Names{lost(waking)}) << "the event is lost";
     }
     EXPECT_EQ(session.press("report"), kWokenAndSent);
-    EXPECT_EQ(session.reportsArrived(), loses ? 1U : 2U);
+    const auto writes = session.api.writes();
+    EXPECT_EQ(std::ranges::count(writes, driver::kInterruptPsm, &FakeDriverApi::Write::psm),
+              loses ? 1 : 2);
 
-    EXPECT_EQ(session.disconnect(), error_code());
-    EXPECT_EQ(session.api().held(), 0U);
+    EXPECT_EQ(session.session.disconnect(), error_code());
+    EXPECT_EQ(session.api.held(), 0U);
     EXPECT_EQ(session.connect(), kConnected);
     EXPECT_EQ(session.press("report"), kSent);
-    EXPECT_EQ(session.disconnect(), error_code());
-    EXPECT_EQ(session.api().held(), 0U);
+    EXPECT_EQ(session.session.disconnect(), error_code());
+    EXPECT_EQ(session.api.held(), 0U);
 }
 
 TEST(Faults, SessionMakesJustTheseCalls) {
@@ -204,11 +181,11 @@ TEST(Faults, SessionMakesJustTheseCalls) {
     Names expected;
     for (const Call& call : kSessionCalls)
         expected.emplace_back(call.name);
-    EXPECT_EQ(session.api().calls(), expected);
+    EXPECT_EQ(session.api.calls(), expected);
 }
 
 TEST(Faults, AnyOneCallMayFailAndTheNextSessionWorks) {
-    const test::Watchdog watchdog(60);
+    const Watchdog watchdog(60);
     for (std::size_t failing = 0; failing < kSessionCalls.size(); ++failing) {
         const std::string name =
             "call " + std::to_string(failing) + ", " + kSessionCalls[failing].name;
@@ -219,4 +196,4 @@ TEST(Faults, AnyOneCallMayFailAndTheNextSessionWorks) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

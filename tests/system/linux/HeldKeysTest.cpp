@@ -3,12 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using phone::PhoneThread;
-using test::kScanA;
-using test::kScanShift;
 using Seen = PhoneThread::Seen;
 
 constexpr const char* kNothingHeld = R"("held_keys":[],"modifiers":0,"buttons":0)";
@@ -41,7 +39,7 @@ class HeldKeys : public testing::Test {
     }
 
     PhoneThread mPhone{{}, PhoneThread::Detail::Summary};
-    test::Session mSession;
+    Session mSession;
     std::uint64_t mReports = 0;
 };
 
@@ -73,10 +71,10 @@ TEST_F(HeldKeys, SleepingLinkForgetsThemUntilTheyArePressedAnew) {
     EXPECT_TRUE(mPhone.await(shows(kNothingHeld)));
     // To the keyboard source Shift is still down: a repeat of it sends nothing.
     mSession.key(true, kScanShift);
-    mSession.type(test::kScanB);
+    mSession.type(kScanB);
     EXPECT_TRUE(mPhone.await([](const Seen& seen) { return seen.text == "Ab"; }))
         << mPhone.seen().text;
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

@@ -11,13 +11,13 @@
 #include <random>
 #include <thread>
 
-namespace orbelantine {
+namespace orbelantine::test {
 namespace {
 
 using namespace std::chrono_literals;
 using phone::PhoneThread;
 using Random = std::minstd_rand;
-using Surface = test::FakeInputContext;
+using Surface = FakeInputContext;
 
 /// Of the environment, to run longer or to repeat one round.
 constexpr const char* kRoundsVariable = "ORBELANTINE_STOP_ROUNDS";
@@ -38,7 +38,7 @@ int below(Random& random, unsigned bound) {
 }
 
 void raiseKey(Surface& surface, Random& random) {
-    const auto scanCode = static_cast<std::uint32_t>(test::kScanA + below(random, 9));
+    const auto scanCode = static_cast<std::uint32_t>(kScanA + below(random, 9));
     switch (below(random, 32)) {
     case 0:
         return surface.onInputSurfaceLostFocus();
@@ -174,10 +174,10 @@ class StopAnywhere : public testing::Test {
     }
 
     PhoneThread mPhone;
-    test::HandClock mClock;
-    test::Session mSession{mClock};
+    HandClock mClock;
+    Session mSession{mClock};
     std::uint64_t mReports = 0;
-    test::Watchdog mWatchdog{60};
+    Watchdog mWatchdog{60};
 };
 
 TEST_F(StopAnywhere, LeavesNothingUnderWay) {
@@ -197,4 +197,4 @@ TEST_F(StopAnywhere, LeavesNothingUnderWay) {
 }
 
 } // namespace
-} // namespace orbelantine
+} // namespace orbelantine::test

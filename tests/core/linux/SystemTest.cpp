@@ -1,9 +1,16 @@
+#include "core/common/errors/SystemText.h"
 #include "core/common/log/LogPathsApi.h"
+#include "core/common/run/ThreadName.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <future>
+#include <string>
+#include <thread>
 
 namespace orbelantine {
 namespace {
@@ -29,11 +36,6 @@ TEST_F(LinuxLogPaths, WhatIsNoKnownVariableStaysAsItStands) {
         EXPECT_EQ(mApi.expandEnvironment(text), text);
 }
 
-TEST_F(LinuxLogPaths, ExpansionBeyondTheLimitIsNone) {
-    EXPECT_EQ(mApi.expandEnvironment(std::wstring(2047, L'x')).size(), 2047U);
-    EXPECT_EQ(mApi.expandEnvironment(std::wstring(2048, L'x')), L"");
-}
-
 TEST_F(LinuxLogPaths, DataFolderFollowsTheDesktopsRules) {
     ::setenv("XDG_DATA_HOME", "/data", 1);
     EXPECT_EQ(mApi.localDataFolder(), L"/data");
@@ -51,11 +53,34 @@ TEST_F(LinuxLogPaths, TemporaryFolderIsTheEnvironments) {
     ::unsetenv("TMPDIR");
 }
 
-TEST_F(LinuxLogPaths, ProcessIsThisOne) {
-    ASSERT_FALSE(mApi.commandLine().empty());
-    EXPECT_NE(mApi.commandLine().front().find(L"core_tests"), std::wstring::npos);
-    EXPECT_EQ(std::filesystem::path(mApi.modulePath()).stem(), "core_tests");
-    EXPECT_EQ(mApi.separator(), L'/');
+TEST(SystemText, SaysWhatTheWindowsNumberMeans) {
+    EXPECT_EQ(systemErrorText(0), "Success");
+    EXPECT_EQ(systemErrorText(31), "The device is there but does not work");
+    EXPECT_EQ(systemErrorText(1225), "The phone refuses the connection");
+    // 110 is a timeout of Linux alone.
+    EXPECT_EQ(systemErrorText(110), "");
+}
+
+std::string shownName(int threadId) {
+    std::string name;
+    std::getline(std::ifstream("/proc/self/task/" + std::to_string(threadId) + "/comm"), name);
+    return name;
+}
+
+TEST(ThreadName, BothFormsAreShownCutToFifteenCharacters) {
+    std::promise<int> id;
+    std::promise<void> done;
+    std::thread worker([&] {
+        setThreadName("BluetoothStateMachineThread");
+        id.set_value(gettid());
+        done.get_future().wait();
+    });
+    const int worksAs = id.get_future().get();
+    EXPECT_EQ(shownName(worksAs), "BluetoothStateM");
+    setThreadName("HidInputClientIoThread", worksAs);
+    EXPECT_EQ(shownName(worksAs), "HidInputClientI");
+    done.set_value();
+    worker.join();
 }
 
 } // namespace

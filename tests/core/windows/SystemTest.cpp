@@ -1,13 +1,44 @@
+#include "core/common/errors/SystemText.h"
+#include "core/common/log/LogPathsApi.h"
 #include "core/common/run/ThreadName.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace orbelantine {
 namespace {
+
+class WindowsLogPaths : public ::testing::Test {
+  protected:
+    LogPathsApi& mApi = LogPathsApi::system();
+};
+
+TEST_F(WindowsLogPaths, VariablesAreExpandedAndOthersStay) {
+    ::SetEnvironmentVariableW(L"ORB_TEST", L"va lue");
+    EXPECT_EQ(mApi.expandEnvironment(L"C:\\%ORB_TEST%\\%ORB_TEST_UNSET%"),
+              L"C:\\va lue\\%ORB_TEST_UNSET%");
+}
+
+TEST_F(WindowsLogPaths, FoldersExist) {
+    EXPECT_TRUE(std::filesystem::is_directory(mApi.localDataFolder()));
+    EXPECT_TRUE(std::filesystem::is_directory(mApi.temporaryFolder()));
+}
+
+TEST_F(WindowsLogPaths, FolderIsMadeWithThoseAboveIt) {
+    const std::filesystem::path top = std::filesystem::path(mApi.temporaryFolder()) /
+                                      (L"orb_paths_" + std::to_wstring(::GetCurrentProcessId()));
+    mApi.createFolder((top / L"\u00e4" / L"b").wstring());
+    EXPECT_TRUE(std::filesystem::is_directory(top / L"\u00e4" / L"b"));
+    std::filesystem::remove_all(top);
+}
+
+TEST(SystemText, KeepsItsLineEnd) {
+    EXPECT_TRUE(systemErrorText(2).ends_with("\r\n"));
+}
 
 struct Naming {
     ULONG_PTR record, id, flags;
