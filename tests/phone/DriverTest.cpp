@@ -114,7 +114,7 @@ TEST_F(DriverTest, UnplugDropsBothChannelsAndKeepsTheHandlesUnlessToldToKeepAll)
         EXPECT_EQ(driver().packet(control, kUnplug), std::nullopt);
         for (const auto handle : {control, interrupt})
             EXPECT_EQ(request(handle, kIsConnected), keeps ? kStands : kGone);
-        EXPECT_EQ(request(control, kConnectControl), keeps ? failure(1225) : kSuccess);
+        EXPECT_EQ(request(control, kConnectControl), keeps ? failure(170) : kSuccess);
     }
     EXPECT_EQ(mPhone.tally().unplugs, 2U);
 }
