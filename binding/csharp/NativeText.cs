@@ -74,18 +74,4 @@ namespace Orbelantine.Swig
             return GCHandle.ToIntPtr(GCHandle.Alloc(text));
         }
     }
-
-    /// <summary>Objects that an override returns to its native caller.</summary>
-    internal static class NativeObject
-    {
-        [ThreadStatic]
-        internal static object returned;
-
-        /// <summary>Keeps an object reachable until the next one on this thread.</summary>
-        internal static T Keep<T>(T value)
-        {
-            returned = value;
-            return value;
-        }
-    }
 }

@@ -33,7 +33,7 @@ TEST_F(Exports, EveryAgreedNameIsFoundByName) {
     ASSERT_TRUE(names) << ORBELANTINE_EXPORTS;
     std::size_t count = 0;
     for (std::string name; std::getline(names, name); ++count)
-        EXPECT_TRUE(library.has(name)) << name;
+        EXPECT_TRUE(name.starts_with('#') || library.has(name)) << name;
     EXPECT_GT(count, 400U);
 }
 

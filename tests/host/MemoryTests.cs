@@ -89,9 +89,6 @@ namespace Orbelantine.HostTests
 
         private sealed class ForgettingRecorder : ErrorCodeCallbackImpl
         {
-            // Held by the test as long as native code holds it.
-            public override void pin() { }
-            public override bool unpin() { return false; }
             public override void call(error_code code) { code.Dispose(); }
         }
 
