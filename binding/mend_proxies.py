@@ -25,6 +25,8 @@ class Proxy:
     def mend(self):
         if "SwigDirectorConnect()" in self.text:
             self.mend_director()
+        if self.name == "InputContextComposite":
+            self.text = re.sub(r"(  public override \S+ \w+\(.*\) \{\n)", r"\1    swigContexts.RequireMain(swigCPtr);" "\n", self.text)
         if self.is_callback():
             self.mend_callback()
         elif self.name.startswith("Signal"):

@@ -98,14 +98,14 @@ namespace Orbelantine.HostTests
                 object signal = family.NewSignal();
                 var callback = Releasing(() => { });
                 WeakReference implementation = ConnectAndForget(family, signal, callback);
-                Collect();
+                Collector.Run();
                 family.FireNatively(signal);
                 Assert.Equal(1, callback.Calls, "calls");
                 Assert.Equal(1, callback.Pins, "pins");
                 Assert.Equal(0, callback.Unpins, "unpins while a slot holds it");
                 ((IDisposable)signal).Dispose();
                 Assert.Equal(1, callback.Unpins, "unpins");
-                Collect();
+                Collector.Run();
                 Assert.True(!implementation.IsAlive, "the object is still held");
             });
         }
@@ -154,15 +154,6 @@ namespace Orbelantine.HostTests
             using (var function = (IDisposable)Activator.CreateInstance(family.Function, implementation))
                 ((connection)family.Invoke(signal, "connect", function)).Dispose();
             return new WeakReference(implementation);
-        }
-
-        private static void Collect()
-        {
-            for (int i = 0; i < 2; ++i)
-            {
-                GC.Collect();
-                GC.WaitForPendingFinalizers();
-            }
         }
 
         private static void Unwrapped(Action action)

@@ -112,11 +112,7 @@ namespace Orbelantine.HostTests
             long before = ResidentKb();
             for (int i = 0; i < count; ++i)
                 action();
-            for (int i = 0; i < 2; ++i)
-            {
-                GC.Collect();
-                GC.WaitForPendingFinalizers();
-            }
+            Collector.Run();
             return ResidentKb() - before;
         }
 
