@@ -6,6 +6,10 @@
 #include <cstdarg>
 %}
 
+// No text is the empty text.
+%typemap(in) const char *tag, const char *message, const char *prefix, const char *suffix, const char *header
+%{ $1 = ($1_ltype)($input ? $input : ""); %}
+
 namespace orbelantine {
 
 void lumiport_log(unsigned int level, const char *tag, const char *message);
@@ -34,7 +38,7 @@ extern "C" SWIGEXPORT void SWIGSTDCALL
 CSharp_OrbelantinefSwigfcommon_lumiport_log_fmt___(unsigned int level, const char *tag, const char *format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  orbelantine::lumiport_log_vfmt(level, tag, format, arguments);
+  orbelantine::lumiport_log_vfmt(level, tag ? tag : "", format ? format : "", arguments);
   va_end(arguments);
 }
 
@@ -42,7 +46,7 @@ extern "C" SWIGEXPORT void SWIGSTDCALL
 CSharp_OrbelantinefSwigfcommon_lumiport_log_private_fmt___(unsigned int level, const char *tag, const char *format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  orbelantine::lumiport_log_private_vfmt(level, tag, format, arguments);
+  orbelantine::lumiport_log_private_vfmt(level, tag ? tag : "", format ? format : "", arguments);
   va_end(arguments);
 }
 %}

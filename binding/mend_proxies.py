@@ -1,23 +1,42 @@
 #!/usr/bin/env python3
-"""mend_proxies.py FOLDER
+"""mend_proxies.py FOLDER HEADER...
 
 What the generator of the C# proxies offers no rule for, in the proxies of one module:
 an exception of the host's doesn't enter native code, operations that must be overridden are
-abstract, callbacks pin themselves and are made of delegates.
+abstract, callbacks pin themselves and are made of delegates, arguments have names, and the headers'
+comments are the documentation.
 """
 import pathlib
 import re
 import sys
 
+from header_comments import HeaderComments, summary
+
 DIRECTOR_METHOD = re.compile(
     r"^  private (\S+) (SwigDirectorMethod(\w+?)(?:__SWIG_\d+)?)\(([^\n]*)\) \{\n(.*?)^  \}\n", re.M | re.S)
+MEMBER = re.compile(r"^(  )(?:public|protected) (?:static |virtual |override |abstract |new )*[\w.:<>\[\]]+ (\w+)(?= \{|\()", re.M)
+CLASS = re.compile(r"^( *)public (?:abstract |static |sealed )*(?:class|struct|enum) (\w+)", re.M)
 OPERATION = re.compile(r"^  public virtual (\S+) (\w+)\(([^\n]*)\) \{\n(.*?)^  \}\n", re.M | re.S)
+
+# The arguments of the callbacks that surfaces raise.
+ARGUMENTS = {
+    "IntCallback": ["rotation"],
+    "MouseEvent": ["button", "x", "y"],
+    "PointerEvent": ["type", "id", "x", "y", "isPrimary"],
+    "ThreeIntCallback": ["delta", "x", "y"],
+    "TwoIntCallback": ["x", "y"],
+    "TwoIntDoubleIntCallback": ["width", "height", "scale", "inset"],
+    "TwoUintCallback": ["virtualKey", "scanCode"],
+    "TwoUintsIntCallback": ["virtualKey", "scanCode", "repeatCount"],
+}
+ORDINALS = ["first", "second", "third", "fourth", "fifth"]
 
 
 class Proxy:
     """The source of one class."""
 
-    def __init__(self, path):
+    def __init__(self, path, comments):
+        self.comments = comments
         self.path = path
         self.name = path.stem
         self.text = path.read_text(encoding="utf-8")
@@ -33,6 +52,7 @@ class Proxy:
             self.mend_signal()
         elif (self.path.parent / (self.name + "Impl.cs")).exists():
             self.mend_function()
+        self.document()
         self.path.write_text(self.text, encoding="utf-8")
 
     def is_callback(self):
@@ -42,6 +62,26 @@ class Proxy:
         if self.text.count(old) != count:
             sys.exit(f"{self.path}: {self.text.count(old)} of {old!r}")
         self.text = self.text.replace(old, new)
+
+    def document(self):
+        owner = self.name
+
+        def with_comment(match):
+            comment = self.comments.of(owner, match[2])
+            return (summary(comment, match[1]) if comment else "") + match[0]
+
+        def of_class(match):
+            comment = self.comments.of(match[2])
+            return (summary(comment, match[1]) if comment else "") + match[0]
+
+        self.text = MEMBER.sub(with_comment, self.text)
+        self.text = CLASS.sub(of_class, self.text)
+
+    def name_arguments(self, name):
+        """Of the callbacks `name`: the generator knows them by their order."""
+        _, parameters = self.call(name)
+        for ordinal, argument in zip(ORDINALS, ARGUMENTS.get(name) or argument_names(parameters)):
+            self.text = re.sub(rf"\b{ordinal}\b", argument, self.text)
 
     def add_members(self, members):
         end = self.text.rindex("}\n\n}")
@@ -94,25 +134,24 @@ class Proxy:
             "    }\n"
             "    return isGivenAway;\n"
             "  }\n")
+        self.name_arguments(self.name[:-len("Impl")])
 
     def call(self, name):
         """The result of the call of the callbacks `name`, and its parameters."""
         source = (self.path.parent / (name + "Impl.cs")).read_text(encoding="utf-8")
         match = re.search(r"  public (?:abstract|virtual|override) (\S+) call\((.*)\)", source)
-        return match[1], match[2]
+        types = [type_ for type_, _ in split(match[2])]
+        return match[1], ", ".join(f"{type_} {ordinal}" for type_, ordinal in zip(types, ORDINALS))
 
     def mend_function(self):
         name = self.name
         result, parameters = self.call(name)
         call = f"action({names(parameters)})"
         delegate = delegate_type(result, parameters)
-        self.text = re.sub(
-            rf"  public {name}\({name}Impl (\w+)\) : this\((.*)\) \{{\n",
-            lambda m: f"  public {name}({name}Impl {m[1]}) : this({m[2].replace(f'{name}Impl.getCPtr({m[1]})', f'{name}Impl.getCPtr(global::Orbelantine.Swig.NativeObject.swigGiven({m[1]}))')}, true) {{\n".replace(", true, true)", ", true)"),
-            self.text)
-        if "swigGiven" not in self.text:
-            sys.exit(f"{self.path}: no constructor of an implementation")
+        self.replace(f"{name}Impl.getCPtr(impl)", f"{name}Impl.getCPtr(global::Orbelantine.Swig.NativeObject.swigGiven(impl))")
         self.add_members(
+            "  /// <summary>A function that calls a delegate, for native code to hold as long as it likes. It may be\n"
+            "  /// disposed once it is given. The delegate is called on the thread that raises what it waits for.</summary>\n"
             f"  public static {name} From({delegate} action) {{\n"
             f"    return new {name}(new DelegateImpl(action));\n"
             "  }\n\n"
@@ -130,6 +169,7 @@ class Proxy:
             f"      {'' if result == 'void' else 'return '}{call};\n"
             "    }\n"
             "  }\n")
+        self.name_arguments(name)
 
     def mend_signal(self):
         name = self.name[len("Signal"):]
@@ -143,10 +183,13 @@ class Proxy:
                                r'      throw new global::System.InvalidOperationException("No slot is connected that could answer.");' "\n",
                                self.text)
         self.add_members("".join(
+            "  /// <summary>Calls a delegate at each event, on the thread that raises it, until the connection is\n"
+            "  /// disconnected or the signal's owner ends.</summary>\n"
             f"  public connection connect({group}{delegate} slot) {{\n"
             f"    using ({name} function = {name}.From(slot))\n"
             f"      return connect({'group, ' if group else ''}function);\n"
             "  }\n" for group in ("", "int group, ")))
+        self.name_arguments(name)
 
 
 def guarded(match):
@@ -168,6 +211,16 @@ def split(parameters):
     return [tuple(parameter.rsplit(" ", 1)) for parameter in parameters.split(", ") if parameter]
 
 
+def argument_names(parameters):
+    """By their types, and numbered where a type comes twice."""
+    kinds = {"string": "text", "bool": "flag", "error_code": "code", "ByteVector": "bytes", "BluetoothPeer": "peer",
+             "BluetoothPeerVector": "peers", "AudioState": "state", "SWIGTYPE_p_boost__asio__ip__address": "address"}
+    types = [type_ for type_, _ in split(parameters)]
+    nouns = [kinds.get(type_, "function" if type_.endswith("Callback") else "map" if type_.startswith("Map") else "number")
+             for type_ in types]
+    return [noun if nouns.count(noun) == 1 else f"{noun}{nouns[:i + 1].count(noun)}" for i, noun in enumerate(nouns)]
+
+
 def names(parameters):
     return ", ".join(name for _, name in split(parameters))
 
@@ -178,10 +231,11 @@ def delegate_type(result, parameters):
     return f"global::System.{kind}" + (f"<{', '.join(types)}>" if types else "")
 
 
-def main(folder):
+def main(folder, headers):
+    comments = HeaderComments(pathlib.Path(header) for header in headers)
     for path in sorted(pathlib.Path(folder).glob("*.cs")):
-        Proxy(path).mend()
+        Proxy(path, comments).mend()
 
 
 if __name__ == "__main__":
-    main(sys.argv[1])
+    main(sys.argv[1], sys.argv[2:])

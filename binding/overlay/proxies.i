@@ -61,9 +61,12 @@
 
 ORB_PROXY(SWIGUpcast, false, SWIGTYPE)
 
+// At the process's end native code goes with it: a thread that it would have to wait for may be held
+// at the door of the runtime.
 %typemap(csdispose) SWIGTYPE %{
   ~$csclassname() {
-    Dispose(false);
+    if (!global::System.Environment.HasShutdownStarted)
+      Dispose(false);
   }
 
   public void Dispose() {

@@ -203,7 +203,7 @@ namespace Orbelantine.HostTests
             using (var device = new HIDDeviceClient())
             {
                 device.connect(VirtualPhone.Address).Dispose();
-                device.sendReport(IntPtr.Zero, 5);
+                Assert.Throws<ArgumentNullException>(() => device.sendReport(IntPtr.Zero, 5));
                 device.sendReport(IntPtr.Zero, 0);
             }
         }
