@@ -46,6 +46,8 @@ class Proxy:
             self.mend_director()
         if self.name == "InputContextComposite":
             self.text = re.sub(r"(  public override \S+ \w+\(.*\) \{\n)", r"\1    swigContexts.RequireMain(swigCPtr);" "\n", self.text)
+        if self.name == "HidInputClient":
+            self.replace("    swigHandle = cPtr;\n", "    swigHandle = cPtr;\n    global::Orbelantine.Swig.ProcessEnd.Watch(this);\n")
         if self.is_callback():
             self.mend_callback()
         elif self.name.startswith("Signal"):
