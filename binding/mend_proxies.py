@@ -46,6 +46,8 @@ class Proxy:
             self.mend_director()
         if self.name == "InputContextComposite":
             self.text = re.sub(r"(  public override \S+ \w+\(.*\) \{\n)", r"\1    swigContexts.RequireMain(swigCPtr);" "\n", self.text)
+        if self.name == "KVStoreMap":
+            self.mend_store_map()
         if self.name == "HidInputClient":
             self.replace("    swigHandle = cPtr;\n", "    swigHandle = cPtr;\n    global::Orbelantine.Swig.ProcessEnd.Watch(this);\n")
         if self.is_callback():
@@ -137,6 +139,12 @@ class Proxy:
             "    return isGivenAway;\n"
             "  }\n")
         self.name_arguments(self.name[:-len("Impl")])
+
+    def mend_store_map(self):
+        """What a change ends of the inside of a store (binding/csharp/StoreTree.cs)."""
+        for call, told in (("setitem(swigCPtr, key, KVStore.getCPtr(x));", "Replaced(this, key)"),
+                           ("Remove(swigCPtr, key);", "Removed(this, key)"), ("Clear(swigCPtr);", "Cleared(this)")):
+            self.replace(call + "\n", f"{call}\n    global::Orbelantine.Swig.StoreTree.{told};\n")
 
     def call(self, name):
         """The result of the call of the callbacks `name`, and its parameters."""

@@ -1,3 +1,4 @@
+using System;
 using System.Linq;
 using Orbelantine.Swig.common;
 
@@ -19,6 +20,33 @@ namespace Orbelantine.HostTests
                 Assert.Equal("a text that is longer than a small one", store.getKVStoreAt("a").getKVStoreAt("a").getStringAt("key"));
                 store.setKVStoreAt("self", store);
                 Assert.Sequence(new[] { "a" }, store.getKVStoreAt("self").getKVStoreMap().Keys.ToArray());
+            }
+        }
+
+        [Mistake]
+        public static void WhatLayInAReplacedStoreRefuses()
+        {
+            using (var store = new KVStore())
+            using (var other = new KVStore())
+            {
+                KVStore a = store.getKVStoreAt("a");
+                KVStore b = a.getKVStoreAt("b");
+                ByteVector data = a.getDataAt("data");
+                KVStore beside = store.getKVStoreAt("beside").getKVStoreAt("b");
+                store.setKVStoreAt("a", other);
+                Assert.Throws<ObjectDisposedException>(() => b.getIntAt("key"));
+                Assert.Throws<ObjectDisposedException>(() => data.Clear());
+                a.setIntAt("key", 5);
+                Assert.Equal(5, store.getKVStoreAt("a").getIntAt("key"));
+
+                b = a.getKVStoreAt("b");
+                store.getKVStoreMap()["a"] = other;
+                Assert.Throws<ObjectDisposedException>(() => b.getIntAt("key"));
+                store.getKVStoreMap().Remove("a");
+                Assert.Throws<ObjectDisposedException>(() => a.getIntAt("key"));
+                Assert.Equal(0, beside.getIntAt("key"));
+                store.getKVStoreMap().Clear();
+                Assert.Throws<ObjectDisposedException>(() => beside.getIntAt("key"));
             }
         }
 
