@@ -24,7 +24,7 @@ namespace {
 
 constexpr const char* kAddress = "01:23:45:67:89:AB";
 // A relative mouse report with its transaction header.
-constexpr std::uint8_t kReport[] = {0xA1, 0x02, 0x00, 0x05, 0x00, 0xFB, 0xFF, 0x00, 0x00};
+constexpr std::uint8_t kMoveReport[] = {0xA1, 0x02, 0x00, 0x05, 0x00, 0xFB, 0xFF, 0x00, 0x00};
 constexpr std::size_t kHeaderSize = 4;
 
 sockaddr_un addressOf(const std::filesystem::path& path) {
@@ -130,7 +130,7 @@ void sendReportOurs(benchmark::State& state) {
     const DeviceOnThisMachine device;
     const auto client = connectedClient();
     for (auto _ : state)
-        client->sendReport(kReport, sizeof(kReport));
+        client->sendReport(kMoveReport, sizeof(kMoveReport));
 }
 
 void mouseMoveOurs(benchmark::State& state) {
@@ -148,8 +148,8 @@ void bareSend(benchmark::State& state) {
     const sockaddr_un address = addressOf(device.path());
     if (::connect(link.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
         throw std::runtime_error("no connection");
-    char packet[kHeaderSize + sizeof(kReport)] = {};
-    std::memcpy(packet + kHeaderSize, kReport, sizeof(kReport));
+    char packet[kHeaderSize + sizeof(kMoveReport)] = {};
+    std::memcpy(packet + kHeaderSize, kMoveReport, sizeof(kMoveReport));
     for (auto _ : state)
         benchmark::DoNotOptimize(::send(link.get(), packet, sizeof(packet), MSG_NOSIGNAL));
 }

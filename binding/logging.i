@@ -6,9 +6,8 @@
 #include <cstdarg>
 %}
 
-// No text is the empty text.
-%typemap(in) const char *tag, const char *message, const char *prefix, const char *suffix, const char *header
-%{ $1 = ($1_ltype)($input ? $input : ""); %}
+// What it is given is not looked at, so anything may be given.
+%typemap(in) const wchar_t *ignored %{ (void)$input; %}
 
 namespace orbelantine {
 
@@ -26,7 +25,7 @@ void set_log_folder(const wchar_t *folder);
 void set_log_name_prefix(const char *prefix);
 void set_log_name_suffix(const char *suffix);
 void set_log_header(const char *header);
-void set_log_directory(const wchar_t *folder);
+void set_log_directory(const wchar_t *ignored);
 
 }
 
@@ -38,7 +37,7 @@ extern "C" SWIGEXPORT void SWIGSTDCALL
 CSharp_OrbelantinefSwigfcommon_lumiport_log_fmt___(unsigned int level, const char *tag, const char *format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  orbelantine::lumiport_log_vfmt(level, tag ? tag : "", format ? format : "", arguments);
+  orbelantine::lumiport_log_vfmt(level, tag, format, arguments);
   va_end(arguments);
 }
 
@@ -46,7 +45,7 @@ extern "C" SWIGEXPORT void SWIGSTDCALL
 CSharp_OrbelantinefSwigfcommon_lumiport_log_private_fmt___(unsigned int level, const char *tag, const char *format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  orbelantine::lumiport_log_private_vfmt(level, tag ? tag : "", format ? format : "", arguments);
+  orbelantine::lumiport_log_private_vfmt(level, tag, format, arguments);
   va_end(arguments);
 }
 %}

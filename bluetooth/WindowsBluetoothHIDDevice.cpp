@@ -2,6 +2,7 @@
 
 #include "bluetooth/DriverProtocol.h"
 #include "core/common/errors/ErrorAreas.h"
+#include "core/common/errors/SystemText.h"
 #include "core/common/log/Log.h"
 
 #include <algorithm>
@@ -33,6 +34,13 @@ constexpr int digitValue(char c) {
     if (c <= '9')
         return c - '0';
     return c - (c <= '`' ? '7' : 'W');
+}
+
+/// On one line, though the system ends its texts with a line end.
+std::string reasonOf(DriverApi::Error error) {
+    std::string text = systemErrorText(static_cast<int>(error));
+    text.erase(text.find_last_not_of("\r\n") + 1);
+    return text;
 }
 
 } // namespace
@@ -80,12 +88,15 @@ std::int32_t WindowsBluetoothHIDDevice::connect(const std::string& address, std:
         return 0;
     }
     ConnectRequest request{{}, psm, channelOf(psm)};
-    if (!convertBthAddress(address, request.address))
+    if (!convertBthAddress(address, request.address)) {
+        ORB_LOG(kLogError, "%s() no connection: an address looks like 01:23:45:67:89:AB");
         return 0;
+    }
     std::uint32_t returned = 0;
     if (const auto error = api().deviceIoControl(use.handle(), driver::kConnect, &request,
                                                  sizeof(request), nullptr, 0, returned)) {
         ORB_LOG(kLogError, "%s() DeviceIoControl failed with error %d", static_cast<int>(error));
+        ORB_LOG(kLogError, "%s() no connection: %s", reasonOf(error).c_str());
         return 0;
     }
     mChannel = request.channel;

@@ -1,7 +1,6 @@
 # Third-party libraries, all Debian's, as interface targets:
-#   orbelantine_deps          Boost's headers
+#   orbelantine_deps          Boost's headers, and those of spdlog and fmt
 #   orbelantine_deps_system   what of Boost is compiled
-#   orbelantine_deps_logging  spdlog and fmt, for the one file that includes them
 #   GTest::gtest_main         GoogleTest from Debian's sources, with this build's own flags
 find_package(Threads REQUIRED)
 
@@ -10,10 +9,6 @@ target_link_libraries(orbelantine_deps INTERFACE Threads::Threads)
 target_compile_definitions(orbelantine_deps INTERFACE
     BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB BOOST_THREAD_VERSION=4
     BOOST_ASIO_SEPARATE_COMPILATION)
-
-add_library(orbelantine_deps_logging INTERFACE)
-target_compile_definitions(orbelantine_deps_logging INTERFACE
-    SPDLOG_HEADER_ONLY SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
 
 add_library(orbelantine_deps_system INTERFACE)
 
@@ -27,7 +22,8 @@ if(WIN32)
         file(CREATE_LINK "/usr/include/${name}" "${header_links}/${name}" SYMBOLIC)
     endforeach()
     target_include_directories(orbelantine_deps SYSTEM INTERFACE "${header_links}")
-    target_link_libraries(orbelantine_deps INTERFACE ws2_32)
+    # What the sockets of asio call, which is compiled whole.
+    target_link_libraries(orbelantine_deps INTERFACE ws2_32 mswsock bcrypt)
     target_link_libraries(orbelantine_deps_system INTERFACE
         orbelantine_boost_thread orbelantine_boost_filesystem
         shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops)

@@ -69,7 +69,8 @@ wait "$host" || status=$?
 host=
 end TERM "$phone"
 phone=
-echo "picture: $output/phone.svg"
+# A session that could not be read (2) and a phone that nobody reached (3) have nothing to show.
+[[ $status = [23] ]] || echo "picture: $output/phone.svg"
 # The demo itself also shows how well the mouse hits in every position, on a phone of its own.
 if [ $# -eq 1 ] && [ "$status" = 0 ]; then
     echo

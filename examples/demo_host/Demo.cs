@@ -24,7 +24,7 @@ namespace Orbelantine.DemoHost
         }
 
         /// <summary>The process's exit status.</summary>
-        public int Run(IReadOnlyCollection<Action<Player>> steps)
+        public int Run(IEnumerable<Step> steps)
         {
             using (PhoneLog phoneLog = options.PhoneLog == null ? null : new PhoneLog(options.PhoneLog))
             using (var control = new PhoneControl(options.PhoneControl))
@@ -33,7 +33,7 @@ namespace Orbelantine.DemoHost
                 string failure = link.Connect();
                 if (failure != null)
                     return MissPhone(failure);
-                Console.WriteLine("connected to " + options.Address + ", playing " + steps.Count + " steps");
+                Console.WriteLine("connected to " + options.Address + (steps is ICollection<Step> known ? ", playing " + known.Count + " steps" : ""));
                 var player = new Player(link, control, timeline, stop);
                 player.ChangePhone(1080, 2340, 1, 1);
                 player.Play(steps);

@@ -31,11 +31,11 @@ namespace Orbelantine.DemoHost
         /// <summary>Of the clicks, in phone pixels.</summary>
         public List<(int X, int Y)> Targets { get; } = new List<(int X, int Y)>();
 
-        public void Play(IEnumerable<Action<Player>> steps)
+        public void Play(IEnumerable<Step> steps)
         {
-            foreach (Action<Player> step in steps)
+            foreach (Step step in steps)
                 if (!stop.IsSet)
-                    step(this);
+                    step.Play(this);
             // What is held is let go of, however the session ended.
             link.Surface.LoseFocus();
         }

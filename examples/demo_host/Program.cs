@@ -30,8 +30,9 @@ namespace Orbelantine.DemoHost
 
         private static int Run(Options options)
         {
-            SessionReader session = ReadSession(options.Session);
-            if (session.Complaints.Count > 0)
+            bool isTyped = options.Session == "-" && !Console.IsInputRedirected;
+            SessionReader session = isTyped ? null : ReadSession(options.Session);
+            if (session != null && session.Complaints.Count > 0)
             {
                 session.Complaints.ForEach(Console.Error.WriteLine);
                 return BadInput;
@@ -45,7 +46,7 @@ namespace Orbelantine.DemoHost
                     key.Cancel = true;
                     stop.Interrupt();
                 };
-                return new Demo(options, stop).Run(session.Steps);
+                return new Demo(options, stop).Run(isTyped ? new Conversation(stop).Steps() : session.Steps);
             }
         }
 

@@ -44,18 +44,20 @@ namespace Orbelantine.DemoHost
             this.name = name;
         }
 
-        public List<Action<Player>> Steps { get; } = new List<Action<Player>>();
+        public List<Step> Steps { get; } = new List<Step>();
         public List<string> Complaints { get; } = new List<string>();
 
         public void Read(TextReader reader)
         {
             for (string line = reader.ReadLine(); line != null; line = reader.ReadLine())
-            {
-                ++lineNumber;
-                if (line.Trim() == "" || line.TrimStart().StartsWith("#"))
-                    continue;
+                Read(line);
+        }
+
+        public void Read(string line)
+        {
+            ++lineNumber;
+            if (line.Trim() != "" && !line.TrimStart().StartsWith("#"))
                 Take(line.TrimStart());
-            }
         }
 
         private void Take(string line)
@@ -96,13 +98,13 @@ namespace Orbelantine.DemoHost
             }
             if (text == "")
                 Complain("type wants a text behind it");
-            Steps.Add(player => keys.ForEach(player.Press));
+            Add("type " + text.Length + " characters", player => keys.ForEach(player.Press));
         }
 
         private void PressKey(string[] values)
         {
             if (values.Length == 1 && Keyboard.TryName(values[0], out Key key))
-                Steps.Add(player => player.Press(key));
+                Add("press " + values[0], player => player.Press(key));
             else
                 Complain("key wants one name of " + string.Join(", ", Keyboard.Names));
         }
@@ -111,7 +113,7 @@ namespace Orbelantine.DemoHost
         {
             bool isWhole = TryNumbers(values.Where((_, i) => i != 2).ToArray(), 3, 1, MaxSide, out int[] n);
             if (isWhole && n[2] <= 4 && TryScale(values[2], out double scale))
-                Steps.Add(player => player.ChangePhone(n[0], n[1], scale, n[2]));
+                Add("phone of " + n[0] + " x " + n[1] + ", scale " + values[2] + ", rotation " + n[2], player => player.ChangePhone(n[0], n[1], scale, n[2]));
             else
                 Complain("phone wants W, H, SCALE and ROTATION: sides from 1 to 20000, a scale up to 10, a rotation from 1 to 4");
         }
@@ -120,7 +122,7 @@ namespace Orbelantine.DemoHost
         {
             bool isPlace = TryNumbers(values.Skip(1).ToArray(), 2, 0, MaxSide, out int[] place);
             if (TryNumbers(values.Take(1).ToArray(), 1, -MaxWheel, MaxWheel, out int[] amount) && isPlace && amount[0] != 0)
-                Steps.Add(player => player.Wheel(amount[0], place[0], place[1]));
+                Add("wheel by " + amount[0] + " at " + place[0] + ", " + place[1], player => player.Wheel(amount[0], place[0], place[1]));
             else
                 Complain("wheel wants N, X and Y: steps from -100 to 100 that are not 0, then a point");
         }
@@ -128,9 +130,14 @@ namespace Orbelantine.DemoHost
         private void Take(string[] values, int count, int low, int high, string wanted, Action<Player, int[]> step)
         {
             if (TryNumbers(values, count, low, high, out int[] numbers))
-                Steps.Add(player => step(player, numbers));
+                Add((wanted.Split(' ')[0] + " " + string.Join(", ", numbers)).TrimEnd(), player => step(player, numbers));
             else
                 Complain(count == 0 ? wanted + " wants nothing behind it" : wanted + ", whole numbers from " + low + " to " + high);
+        }
+
+        private void Add(string meaning, Action<Player> play)
+        {
+            Steps.Add(new Step(meaning, play));
         }
 
         private void Complain(string what)

@@ -14,22 +14,14 @@ class l2cap_protocol {
   public:
     class endpoint {
       public:
-        using protocol_type = l2cap_protocol;
-
-        endpoint() = default;
-
         /// `address` as in "00:11:22:33:44:55".
         endpoint(std::string address, std::uint16_t psm)
             : mAddress(std::move(address))
             , mPsm(psm) {}
 
-        [[nodiscard]] protocol_type protocol() const { return {}; }
-
         [[nodiscard]] const std::string& address() const { return mAddress; }
 
         [[nodiscard]] std::uint16_t psm() const { return mPsm; }
-
-        friend bool operator==(const endpoint&, const endpoint&) = default;
 
       private:
         std::string mAddress;

@@ -36,8 +36,6 @@ class HIDEventsPacker : public IMediaElement {
     void registerTarget(const boost::shared_ptr<IMediaElement>& target) override;
     void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override;
 
-    [[nodiscard]] const Identity& identity() const { return mIdentity; }
-
   private:
     using KeyEvent = IInputMediaBufferKeyboard::EventData;
     using MouseEvent = IInputMediaBufferMouse::EventData;
@@ -59,7 +57,7 @@ class HIDEventsPacker : public IMediaElement {
 
     boost::shared_ptr<IMediaElement> mTarget;
     boost::shared_ptr<IHIDKeyTranslator> mTranslator;
-    Identity mIdentity;
+    [[maybe_unused]] Identity mIdentity;
     std::uint8_t mMouseButtons = 0;
     std::uint8_t mModifiers = 0;
     std::array<std::uint8_t, 8> mKeys{};

@@ -89,9 +89,30 @@ TEST_F(WindowsBluetoothHIDDeviceTest, AddressIsReadByPositionAloneAndHasSeventee
     for (const char* text : {"", "01:23:45:67:89:A", "01:23:45:67:89:ABC"})
         EXPECT_EQ(mDevice.connect(text, 17), 0) << text;
     EXPECT_EQ(mApi.requests().size(), std::size(addresses));
-    EXPECT_EQ(log.take(),
-              std::vector(3, CapturedLog::Line{kLogError,
-                                               kDeviceLogName + "convertBthAddress() Wrong size"}));
+    std::vector<CapturedLog::Line> expected;
+    for (int i = 0; i < 3; ++i)
+        for (const char* text :
+             {"convertBthAddress() Wrong size",
+              "connect() no connection: an address looks like 01:23:45:67:89:AB"})
+            expected.push_back({kLogError, kDeviceLogName + text});
+    EXPECT_EQ(log.take(), expected);
+}
+
+TEST_F(WindowsBluetoothHIDDeviceTest, FailedConnectIsLoggedInWords) {
+    std::set<std::string> reasons;
+    for (const DriverApi::Error error : {170U, 1168U, 1225U, 1460U}) {
+        mApi.simulateFailureOf("DeviceIoControl", error);
+        CapturedLog log(kLogError);
+        EXPECT_EQ(mDevice.connect(kPhone, 17), 0);
+        const auto lines = log.take();
+        ASSERT_EQ(lines.size(), 2U);
+        EXPECT_TRUE(lines[1].text.starts_with(kDeviceLogName + "connect() no connection: "))
+            << lines[1].text;
+        EXPECT_GT(lines[1].text.size(), (kDeviceLogName + "connect() no connection: ").size());
+        EXPECT_NE(lines[1].text.back(), '\n');
+        reasons.insert(lines[1].text);
+    }
+    EXPECT_EQ(reasons.size(), 4U);
 }
 
 TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAWriteOfMoreThanFiveMillisecondsIsLoggedAsSlow) {

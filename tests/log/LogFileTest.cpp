@@ -1,4 +1,8 @@
 #include "LogTest.h"
+#include "core/common/log/LogFileSink.h"
+
+#include <algorithm>
+#include <chrono>
 
 namespace orbelantine {
 namespace {
@@ -63,14 +67,18 @@ TEST_F(LogFile, FolderThatIsAFileCostsTheFirstMessageAndTheFile) {
     std::filesystem::create_directories(mFolder.parent_path());
     std::ofstream(mFolder) << "a file";
 
+    testing::internal::CaptureStderr();
     lumiport_log(kLogInfo, "T", "lost");
     EXPECT_EQ(spdlog::get("T"), nullptr);
     lumiport_log_fmt(kLogInfo, "T", "%s", "kept");
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::ranges::count(told, '\n'), 1);
+    EXPECT_TRUE(told.starts_with("orbelantine: nothing is logged to a file: ")) << told;
     ASSERT_NE(spdlog::get("T"), nullptr);
     ASSERT_NE(spdlog::get("logger"), nullptr);
     EXPECT_TRUE(std::filesystem::is_regular_file(mFolder));
     for (const auto& sink : spdlog::get("T")->sinks())
-        EXPECT_EQ(std::dynamic_pointer_cast<spdlog::sinks::rotating_file_sink_mt>(sink), nullptr);
+        EXPECT_EQ(std::dynamic_pointer_cast<LogFileSink>(sink), nullptr);
 }
 
 TEST_F(LogFile, IsRotatedAtItsLimitWithOneFileKept) {
@@ -85,6 +93,33 @@ TEST_F(LogFile, IsRotatedAtItsLimitWithOneFileKept) {
     EXPECT_GT(std::filesystem::file_size(rotated), kLimit - 2 * part.size());
     EXPECT_FALSE(std::filesystem::exists(mFolder / "lumiport.log_tests.2.log"));
     std::filesystem::remove(rotated);
+}
+
+TEST_F(LogFile, HoldsWarningsAtOnceAndOtherLinesWithOneASecondLater) {
+    using namespace std::chrono_literals;
+    std::filesystem::create_directories(mFolder);
+    LogFileSink sink((mFolder / "lumiport.log_tests.log").native());
+    sink.set_formatter(
+        std::make_unique<spdlog::pattern_formatter>("%v", spdlog::pattern_time_type::local, " "));
+    const spdlog::log_clock::time_point start{1000s};
+    const auto log = [&](std::chrono::milliseconds when, spdlog::level::level_enum level,
+                         const char* text) {
+        sink.log({start + when, {}, "T", level, text});
+    };
+
+    log(0ms, spdlog::level::info, "a");
+    log(900ms, spdlog::level::info, "b");
+    EXPECT_EQ(onDisk(), "");
+    log(1000ms, spdlog::level::info, "c");
+    EXPECT_EQ(onDisk(), "a b c ");
+    log(1999ms, spdlog::level::info, "d");
+    log(2500ms, spdlog::level::info, "e");
+    EXPECT_EQ(onDisk(), "a b c ");
+    log(2500ms, spdlog::level::warn, "f");
+    EXPECT_EQ(onDisk(), "a b c d e f ");
+    log(2500ms, spdlog::level::info, "g");
+    log(-5000ms, spdlog::level::info, "the clock was set back");
+    EXPECT_EQ(onDisk(), "a b c d e f g the clock was set back ");
 }
 
 } // namespace

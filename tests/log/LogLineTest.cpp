@@ -88,6 +88,21 @@ TEST_F(LogLine, PrivateEntriesAreRedactedAndTheirTagIsCut) {
                                    tag + " | info]: x"}));
 }
 
+TEST_F(LogLine, NullTextIsTheEmptyText) {
+    set_log_name_prefix(nullptr);
+    lumiport_log(kLogInfo, nullptr, nullptr);
+    lumiport_log_fmt(kLogInfo, "T", nullptr);
+    lumiport_log_private(kLogInfo, nullptr, nullptr);
+    lumiport_log_private_fmt(kLogInfo, "T", nullptr);
+    set_log_enable_private(true);
+    lumiport_log_private(kLogInfo, "T", nullptr);
+    lumiport_log_private_fmt(kLogInfo, "T", nullptr);
+    EXPECT_EQ(laterLines(), (Lines{" | info]: ", "T | info]: ", "ALL__ | info]: [redacted]",
+                                   "ALL__T | info]: [redacted]",
+                                   "logger | critical]: Changing log private from 0 to 1",
+                                   "ALL__T | info]: ", "ALL__T | info]: "}));
+}
+
 TEST_F(LogLine, PrivateEntriesAreWholeOnceEnabled) {
     set_log_enable_private(true);
     EXPECT_TRUE(get_log_enable_private());

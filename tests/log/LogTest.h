@@ -31,6 +31,10 @@ class LogTest : public ::testing::Test {
     /// The file's bytes, with all that was logged so far.
     [[nodiscard]] std::string text() const {
         spdlog::apply_all([](const auto& logger) { logger->flush(); });
+        return onDisk();
+    }
+
+    [[nodiscard]] std::string onDisk() const {
         std::ifstream stream(file(), std::ios::binary);
         return {std::istreambuf_iterator<char>(stream), {}};
     }

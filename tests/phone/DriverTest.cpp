@@ -94,8 +94,8 @@ TEST_F(DriverTest, EachChannelStandsOnItsOwnHandle) {
 
 TEST_F(DriverTest, ChannelThatStandsIsNotGivenTwice) {
     const auto control = connected(kConnectControl);
-    EXPECT_EQ(request(driver().open(), kConnectControl), failure(1225));
-    EXPECT_EQ(request(control, kConnectInterrupt), failure(1225));
+    EXPECT_EQ(request(driver().open(), kConnectControl), failure(170));
+    EXPECT_EQ(request(control, kConnectInterrupt), failure(170));
     driver().close(control);
     connected(kConnectControl);
 }

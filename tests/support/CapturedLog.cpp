@@ -24,7 +24,6 @@ struct CapturedLog::Sink final : spdlog::sinks::base_sink<std::mutex> {
 
 CapturedLog::CapturedLog(unsigned level)
     : mSink(std::make_shared<Sink>()) {
-    set_disable_file_log(true);
     set_log_level(level);
     lumiport_log(kLogCritical, kNativeLogTag, "makes the logger");
     spdlog::get(kNativeLogTag)->sinks().push_back(mSink);

@@ -9,8 +9,7 @@
 
 namespace orbelantine::test {
 
-/// What native code logs at `level` and above, as long as this object lives. Nothing goes to a
-/// file.
+/// What native code logs at `level` and above, as long as this object lives.
 class CapturedLog {
   public:
     struct Line {

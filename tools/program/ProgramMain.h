@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/common/log/Log.h"
 #include "tools/program/CommandLine.h"
 
 #include <cstddef>
@@ -29,6 +30,8 @@ int runParsed(const std::variant<Options, HelpWanted, UsageError>& parsed, const
         std::cout << help;
         return 0;
     }
+    // What a tool has to tell is on its terminal.
+    set_disable_file_log(true);
     return run(std::get<Options>(parsed));
 }
 

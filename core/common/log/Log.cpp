@@ -19,11 +19,15 @@ constexpr const char* kPrivateTagPrefix = "ALL__";
 constexpr const char* kRedacted = "[redacted]";
 constexpr const char* kRedactedAfterFunction = "%s() [redacted]";
 
+const char* orEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
+
 /// The tag of private entries; a long one is cut.
 class PrivateTag {
   public:
     explicit PrivateTag(const char* tag) {
-        (void)std::snprintf(mText, sizeof mText, "%s%s", kPrivateTagPrefix, tag);
+        (void)std::snprintf(mText, sizeof mText, "%s%s", kPrivateTagPrefix, orEmpty(tag));
     }
 
     [[nodiscard]] const char* text() const { return mText; }
@@ -35,7 +39,7 @@ class PrivateTag {
 const char* redactedFormat(const char* format) {
     if (get_log_enable_private())
         return format;
-    return std::strncmp(format, "%s()", 4) == 0 ? kRedactedAfterFunction : kRedacted;
+    return std::strncmp(orEmpty(format), "%s()", 4) == 0 ? kRedactedAfterFunction : kRedacted;
 }
 
 /// For the service's texts, which any thread may read while the host sets them.
@@ -43,7 +47,10 @@ template <class Text>
 void storeText(Text LogSettings::*member, const typename Text::value_type* text) {
     LogSettings& settings = LogSettings::instance();
     const std::lock_guard lock(settings.mutex);
-    settings.*member = text;
+    if (text != nullptr)
+        settings.*member = text;
+    else
+        (settings.*member).clear();
 }
 
 std::wstring loadText(std::wstring LogSettings::*member) {
@@ -55,23 +62,23 @@ std::wstring loadText(std::wstring LogSettings::*member) {
 } // namespace
 
 void lumiport_log(unsigned level, const char* tag, const char* message) {
-    const LogMessage entry(level, tag);
+    const LogMessage entry(level, orEmpty(tag));
     if (entry.wanted())
-        entry.write(message);
+        entry.write(orEmpty(message));
 }
 
 void lumiport_log_vfmt(unsigned level, const char* tag, const char* format,
                        std::va_list arguments) {
-    const LogMessage entry(level, tag);
-    if (!entry.wanted() || format == nullptr)
+    const LogMessage entry(level, orEmpty(tag));
+    if (!entry.wanted())
         return;
     char text[kTextSize];
     std::va_list again;
     va_copy(again, arguments);
     // What does not fit is cut; what is refused leaves what came before it, without an end.
-    if (std::vsnprintf(text, sizeof text, format, arguments) < 0) {
+    if (std::vsnprintf(text, sizeof text, orEmpty(format), arguments) < 0) {
         std::fill(std::begin(text), std::end(text), '\0');
-        (void)std::vsnprintf(text, sizeof text, format, again);
+        (void)std::vsnprintf(text, sizeof text, orEmpty(format), again);
     }
     va_end(again);
     entry.write(text);
@@ -107,9 +114,14 @@ unsigned get_log_level() {
 void set_log_level(unsigned level) {
     const unsigned now = std::min<unsigned>(level, kLogOff);
     const unsigned before = LogSettings::level.exchange(now);
+    LogSettings::publishLevel();
     if (now != before && loggerExists(kServiceLogTag))
         lumiport_log_fmt(kLogCritical, kServiceLogTag, "Changing log level from %d to %d",
                          static_cast<int>(before), static_cast<int>(now));
+}
+
+unsigned native_log_threshold() {
+    return LogSettings::nativeThreshold.load(std::memory_order_relaxed);
 }
 
 bool get_log_enable_private() {

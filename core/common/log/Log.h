@@ -29,7 +29,8 @@ enum LogLevel : unsigned {
 inline constexpr const char* kNativeLogTag = "LUMIPORT";
 
 /// The logging service. Any thread may call; nothing throws or reports failure. Loggers and the
-/// file are made at the first message, so folder, name and file switch are set before it.
+/// file are made at the first message, so folder, name and file switch are set before it. A null
+/// text is the empty text.
 /// @{
 
 /// Logs the text as it stands under the logger `tag`.
@@ -48,6 +49,8 @@ void lumiport_log_private_vfmt(unsigned level, const char* tag, const char* form
                                std::va_list arguments) ORB_PRINTF(3, 0);
 
 [[nodiscard]] unsigned get_log_level();
+/// The level from which native code's lines go through the service: 0 before the first of them.
+[[nodiscard]] unsigned native_log_threshold();
 /// Clamped to kLogOff. Reaches each existing logger at its next message.
 void set_log_level(unsigned level);
 [[nodiscard]] bool get_log_enable_private();
@@ -84,10 +87,10 @@ class TracedFunction {
 } // namespace orbelantine
 
 /// Native code's line as it stands, under kNativeLogTag. The arguments of a filtered line are not
-/// evaluated.
+/// evaluated, but for the first line of the process: it makes the logger and the file.
 #define ORB_LOG_TEXT(level, ...)                                                                   \
     do {                                                                                           \
-        if ((level) >= ::orbelantine::get_log_level())                                             \
+        if ((level) >= ::orbelantine::native_log_threshold())                                      \
             ::orbelantine::lumiport_log_fmt(level, ::orbelantine::kNativeLogTag, __VA_ARGS__);     \
     } while (false)
 

@@ -1,6 +1,7 @@
 #include "core/common/log/LogLoggers.h"
 
 #include "core/common/log/DebuggerSink.h"
+#include "core/common/log/LogFileSink.h"
 #include "core/common/log/LogPaths.h"
 #include "core/common/log/LogSettings.h"
 #include "core/common/log/Spdlog.h"
@@ -8,7 +9,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <functional>
 #include <map>
@@ -22,7 +25,6 @@ namespace orbelantine {
 
 namespace {
 
-constexpr std::size_t kFileSize = 0x4000000;
 constexpr const char* kPattern = "[%d/%m/%C %H:%M:%S.%e | tid:%t | %n | %l]: %v";
 constexpr const char* kLineEnd = "\r\n";
 
@@ -134,14 +136,24 @@ std::filesystem::path resolvePath() {
     return toPath(folder + name);
 }
 
+/// Throws where the file can't be opened, which is also told where somebody may read it.
+spdlog::sink_ptr openFile(const std::filesystem::path& path) {
+    try {
+        return std::make_shared<LogFileSink>(path.native());
+    } catch (const spdlog::spdlog_ex& failure) {
+        (void)std::fprintf(stderr, "orbelantine: nothing is logged to a file: %s\n",
+                           failure.what());
+        throw;
+    }
+}
+
 /// Throws where the file can't be opened; the sinks are then those made before.
 void buildSinks(LoggerState& state, const std::filesystem::path& path) {
     state.sinksBuilt = true;
     if (auto debugger = debuggerSink())
         state.sinks.push_back(std::move(debugger));
     if (!LogSettings::fileDisabled)
-        state.sinks.push_back(std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-            path.native(), kFileSize, kLogMaxIndex));
+        state.sinks.push_back(openFile(path));
 }
 
 void stopLogging() {
@@ -207,11 +219,18 @@ Logger loggerOf(const char* tag) {
     return madeLogger(tag);
 }
 
+void startNativeLog() {
+    LogSettings::nativeLogStarted = true;
+    LogSettings::publishLevel();
+}
+
 } // namespace
 
 LogMessage::LogMessage(unsigned level, const char* tag)
     : mLevel(std::min<unsigned>(level, kLogOff))
     , mLogger(loggerOf(tag)) {
+    if (!LogSettings::nativeLogStarted && std::strcmp(tag, kNativeLogTag) == 0)
+        startNativeLog();
     if (mLogger == nullptr)
         return;
     takeProcessLevel(*mLogger);

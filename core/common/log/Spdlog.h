@@ -1,16 +1,9 @@
 #pragma once
 
-// spdlog as this product uses it, for source files alone: all of it and of fmt in headers, wide
-// file names where the system has them, and no console logger under the empty name.
-#ifndef SPDLOG_HEADER_ONLY
+// spdlog as this product uses it, for source files alone: all of it and of Debian's fmt in headers,
+// wide file names where the system has them, and no console logger under the empty name.
 #define SPDLOG_HEADER_ONLY
-#endif
-#ifndef SPDLOG_FMT_EXTERNAL
-#define SPDLOG_FMT_EXTERNAL
-#endif
-#ifndef FMT_HEADER_ONLY
 #define FMT_HEADER_ONLY
-#endif
 #define SPDLOG_WCHAR_FILENAMES
 #define SPDLOG_DISABLE_DEFAULT_LOGGER
 #include <spdlog/pattern_formatter.h>

@@ -62,7 +62,7 @@ TEST_F(BridgeTest, ConnectIsRefusedWithoutThePhoneIfItCannotBeMeant) {
     EXPECT_EQ(exchange(host, packet::changed(packet::kConnectControl, 12, 2)), packet::failure(87));
     EXPECT_EQ(exchange(host, packet::kConnectControl), packet::kSuccess);
     EXPECT_EQ(mL2cap.peer(), mOptions.address);
-    EXPECT_EQ(exchange(host, packet::kConnectControl), packet::failure(1225));
+    EXPECT_EQ(exchange(host, packet::kConnectControl), packet::failure(170));
     EXPECT_EQ(exchange(host, packet::kIsConnected), packet::kStands);
 }
 

@@ -181,9 +181,10 @@ std::optional<Handle::Answer> Handle::connect(device::Bytes input) {
         return Answer{device::kErrorInvalidParameter, {}};
     if (wanted.address != mPeer)
         return Answer{device::kErrorNotFound, {}};
-    const bool known = wanted.psm == driver::kControlPsm || wanted.psm == driver::kInterruptPsm;
-    if (!known || mChannel.state() == Channel::State::Standing)
+    if (wanted.psm != driver::kControlPsm && wanted.psm != driver::kInterruptPsm)
         return Answer{device::kErrorConnectionRefused, {}};
+    if (mChannel.state() == Channel::State::Standing)
+        return Answer{device::kErrorBusy, {}};
     const Channel::Error error = mChannel.connect(mPeer, wanted.psm, mParts.now());
     if (error == EINPROGRESS)
         return std::nullopt;

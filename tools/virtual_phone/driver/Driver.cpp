@@ -10,6 +10,7 @@ namespace orbelantine::phone {
 namespace {
 
 using device::ConnectInput;
+using device::kErrorBusy;
 using device::kErrorConnectionRefused;
 using device::kErrorInvalidFunction;
 using device::kErrorInvalidParameter;
@@ -141,8 +142,9 @@ Driver::Answer Driver::connect(Handle& handle, Bytes payload) {
 std::uint32_t Driver::connectError(Channel channel, const Handle& handle) const {
     const bool refuses =
         channel == Channel::Control ? mFaults.refuseControl : mFaults.refuseInterrupt;
-    const bool inUse = handle.channel || stands(channel);
-    return refuses || inUse ? kErrorConnectionRefused : 0;
+    if (refuses)
+        return kErrorConnectionRefused;
+    return handle.channel || stands(channel) ? kErrorBusy : 0;
 }
 
 bool Driver::stands(Channel channel) const {
