@@ -1,4 +1,5 @@
 using System;
+using System.Diagnostics;
 
 namespace Orbelantine.Swig
 {
@@ -46,6 +47,9 @@ namespace Orbelantine.Swig
         {
             string what = "An exception left " + operation + " of " + target.GetType().FullName + ", which native code had called.";
             Console.Error.WriteLine(what + Environment.NewLine + exception);
+            // Mono would have a debugger look into every thread first.
+            if (Type.GetType("Mono.Runtime") != null)
+                Process.GetCurrentProcess().Kill();
             Environment.FailFast(what, exception);
         }
     }
