@@ -11,9 +11,7 @@ namespace Orbelantine.HostTests
     /// <summary>The link, used as it should not be.</summary>
     public static class ClientMistakes
     {
-        private const int InvalidState = 21120;
-
-        private sealed class SlowSurface : FakeSurface
+        private sealed class FailingSurface : FakeSurface
         {
             public override int getSystemMouseSpeed()
             {
@@ -72,6 +70,32 @@ namespace Orbelantine.HostTests
         }
 
         [Mistake]
+        public static void AConnectThatHangsInTheDriverEndsWithItsClient()
+        {
+            using (new VirtualPhone("--late 60000"))
+                WithClient(client =>
+                {
+                    Task<int> connected = Connect(client);
+                    Assert.True(!connected.Wait(500), "nothing hangs");
+                    client.Dispose();
+                    Assert.True(connected.Wait(0) && connected.Result != 0, "not completed, or with success");
+                });
+        }
+
+        [Mistake]
+        public static void AConnectThatHangsInTheDriverIsBrokenByForce()
+        {
+            using (new VirtualPhone("--late 60000"))
+                WithClient(client =>
+                {
+                    Task<int> connected = Connect(client);
+                    Assert.True(!connected.Wait(500), "nothing hangs");
+                    client.forceDisconnect(null);
+                    Assert.True(connected.Wait(3000) && connected.Result != 0, "not completed, or with success");
+                });
+        }
+
+        [Mistake]
         public static void AClientLeftConnectedLetsTheProcessEnd()
         {
             using (new VirtualPhone())
@@ -115,7 +139,7 @@ namespace Orbelantine.HostTests
             using (new VirtualPhone())
                 WithClient(client =>
                 {
-                    client.setInputContext(new SlowSurface());
+                    client.setInputContext(new FailingSurface());
                     Connect(client).Wait();
                 });
         }
