@@ -61,7 +61,8 @@ bool isEmpty(const boost::signals2::signal<Signature>& signal);
 template <class Signature>
 void destroy(const boost::signals2::signal<Signature>* signal);
 
-/// Fires a signal as its signature says: a result is the last slot's, and having none throws.
+/// Fires a signal as its signature says: a result is the last slot's, and having none throws. A
+/// slot may end the signal's owner.
 template <class Signature>
 struct fire;
 

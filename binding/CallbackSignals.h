@@ -3,6 +3,7 @@
 #include "binding/AudioCallbackFamilies.h"
 #include "binding/BluetoothCallbackFamilies.h"
 #include "binding/InputCallbackFamilies.h"
+#include "core/common/run/FireSafely.h"
 
 #include <type_traits>
 #include <utility>
@@ -80,9 +81,9 @@ void destroy(const boost::signals2::signal<Signature>* signal) {
 template <class Result, class... Arguments>
 Result fire<Result(Arguments...)>::operator()(Arguments... arguments) const {
     if constexpr (std::is_void_v<Result>)
-        mSignal(std::move(arguments)...);
+        fireSafely(mSignal, std::move(arguments)...);
     else
-        return mSignal(std::move(arguments)...).value();
+        return fireSafely(mSignal, std::move(arguments)...).value();
 }
 
 } // namespace orbelantine::binding

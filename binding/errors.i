@@ -50,6 +50,8 @@ public:
   boost::system::error_code error_code(int value) const;
 };
 
+%typemap(csvarout) SwigErrorCategory * %{
+    get { return new SwigErrorCategory($imcall, false); } %}
 %immutable GlobalCategory;
 extern SwigErrorCategory GlobalCategory;
 

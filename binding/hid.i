@@ -4,6 +4,10 @@
 %feature("director") orbelantine::IHIDReportProvider;
 %feature("director") orbelantine::HIDReportProvider;
 
+// A report has bytes, at an address that the host vouches for.
+%typemap(csin, pre="    if ($csinput == global::System.IntPtr.Zero && size > 0)\n      throw new global::System.ArgumentNullException(\"$csinput\", \"A report needs an address.\");")
+    const uint8_t *data "$csinput"
+
 namespace orbelantine {
 
 %nodefaultctor IHIDDeviceClient;

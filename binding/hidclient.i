@@ -24,6 +24,16 @@ public:
   void resumeConnection();
   void setHidRemoteSdpRefresh(bool refresh);
   void setInputContext(boost::shared_ptr< orbelantine::IInputContext > const &context);
+  %extend {
+%proxycode %{
+  public void flush(ErrorCodeCallback completion) {
+    orbelantine_flush(swigCPtr, ErrorCodeCallback.getCPtr(completion));
+  }
+
+  [global::System.Runtime.InteropServices.DllImport("$dllimport")]
+  private static extern void orbelantine_flush(global::System.Runtime.InteropServices.HandleRef client, global::System.Runtime.InteropServices.HandleRef completion);
+%}
+  }
   %immutable;
   boost::signals2::signal< void (boost::system::error_code) > onHidSdpRefresh;
   boost::signals2::signal< void () > onConnected;
@@ -31,3 +41,12 @@ public:
 };
 
 }
+
+%wrapper %{
+// Outside the scheme: completes once what was raised before has gone out.
+extern "C" SWIGEXPORT void SWIGSTDCALL
+orbelantine_flush(const boost::shared_ptr< orbelantine::HidInputClient > *client,
+                  const boost::function< void (boost::system::error_code) > *completion) {
+  (*client)->flush(orbelantine::binding::completionOf(completion));
+}
+%}

@@ -52,12 +52,27 @@ public:
   %mutable;
 };
 
+// The proxy knows its contexts: it refuses itself, and questions that nobody can answer.
+%define ORB_COMPOSITE_PUT(ID)
+%typemap(csin,
+         pre="    swigContexts.Put(" #ID ", $csinput);\n    global::Orbelantine.Swig.Loan loan$csinput = global::Orbelantine.Swig.Loan.Of($csinput, IInputContext.getCPtr($csinput));",
+         post="      loan$csinput.End();") boost::shared_ptr< orbelantine::IInputContext > const &context "loan$csinput.Handle"
+%enddef
+%typemap(cscode) orbelantine::InputContextComposite %{
+  internal readonly global::Orbelantine.Swig.CompositeContexts swigContexts = new global::Orbelantine.Swig.CompositeContexts();
+%}
+
 class InputContextComposite : public orbelantine::IInputContext {
 public:
   InputContextComposite();
+  ORB_COMPOSITE_PUT(null)
   void setMainInputContext(boost::shared_ptr< orbelantine::IInputContext > const &context);
+  ORB_COMPOSITE_PUT(id)
   void addSecondaryContext(const std::string &id, boost::shared_ptr< orbelantine::IInputContext > const &context);
+  %clear boost::shared_ptr< orbelantine::IInputContext > const &context;
+  %typemap(csin, pre="    swigContexts.Remove($csinput);") const std::string &id "$csinput"
   void removeSecondaryContext(const std::string &id);
+  %clear const std::string &id;
   uint16_t convertVKCodeToUnicode(uint32_t vk);
   uint32_t mapVK(uint32_t index);
   uint32_t mapScan(uint32_t index);

@@ -2,6 +2,13 @@
 #include "core/common/config/KVStore.h"
 %}
 
+// What lies within a store is known by its place (binding/csharp/StoreTree.cs).
+%typemap(csout, excode=SWIGEXCODE) orbelantine::KVStore & {
+    $csclassname ret = global::Orbelantine.Swig.StoreTree.Nested(this, key, new $csclassname($imcall, $owner));$excode
+    return ret;
+  }
+%typemap(csin, post="      global::Orbelantine.Swig.StoreTree.Replaced(this, key);") orbelantine::KVStore const &value "$csclassname.getCPtr($csinput)"
+
 namespace orbelantine {
 
 class KVStore {
@@ -14,6 +21,10 @@ public:
   float getFloatAt(const std::string &key, float defaultValue = 0.0f);
   std::string &getStringAt(const std::string &key, const std::string &defaultValue = std::string());
   std::wstring &getWStringAt(const std::string &key, const std::wstring &defaultValue = std::wstring());
+  %typemap(csout, excode=SWIGEXCODE) std::vector< uint8_t > & {
+    $csclassname ret = global::Orbelantine.Swig.StoreTree.Data(this, key, new $csclassname($imcall, $owner));$excode
+    return ret;
+  }
   std::vector< uint8_t > &getDataAt(const std::string &key, std::vector< uint8_t > const &defaultValue = std::vector< uint8_t >());
   void *getContextAt(const std::string &key, void *defaultValue = 0);
   orbelantine::KVStore &getKVStoreAt(const std::string &key, orbelantine::KVStore const &defaultValue = orbelantine::KVStore());
@@ -27,6 +38,10 @@ public:
   void setContextAt(const std::string &key, void *value);
   void setKVStoreAt(const std::string &key, orbelantine::KVStore const &value);
 
+  %typemap(csout, excode=SWIGEXCODE) std::map< std::string, orbelantine::KVStore > & {
+    $csclassname ret = global::Orbelantine.Swig.StoreTree.Map(this, new $csclassname($imcall, $owner));$excode
+    return ret;
+  }
   std::map< std::string, orbelantine::KVStore > &getKVStoreMap();
 };
 

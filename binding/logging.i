@@ -1,5 +1,5 @@
 // The logging service. The printf forms are variadic exports, which a native caller may use in
-// full; the proxies pass a format without arguments, in which "%%" stands for a percent sign.
+// full; the proxies pass a text without arguments, in which a percent sign is one.
 
 %{
 #include "core/common/log/Log.h"
@@ -29,8 +29,9 @@ void set_log_directory(const wchar_t *ignored);
 
 }
 
-%native(lumiport_log_fmt) void lumiport_log_fmt(unsigned int level, const char *tag, const char *format);
-%native(lumiport_log_private_fmt) void lumiport_log_private_fmt(unsigned int level, const char *tag, const char *format);
+%typemap(csin) const char *plainText "($csinput ?? string.Empty).Replace(\"%\", \"%%\")"
+%native(lumiport_log_fmt) void lumiport_log_fmt(unsigned int level, const char *tag, const char *plainText);
+%native(lumiport_log_private_fmt) void lumiport_log_private_fmt(unsigned int level, const char *tag, const char *plainText);
 %wrapper %{
 extern "C" SWIGEXPORT void SWIGSTDCALL
 CSharp_OrbelantinefSwigfcommon_lumiport_log_fmt___(unsigned int level, const char *tag, const char *format, ...) {

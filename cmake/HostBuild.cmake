@@ -11,7 +11,6 @@ if(DOTNET_PROGRAM)
     execute_process(COMMAND "${DOTNET_PROGRAM}" --version
         OUTPUT_VARIABLE dotnet_version OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE dotnet_failed)
     if(NOT dotnet_failed)
-        string(REGEX MATCH "^[0-9]+" dotnet_major "${dotnet_version}")
         list(APPEND orbelantine_host_runtimes dotnet)
     endif()
 endif()
@@ -37,9 +36,8 @@ function(orbelantine_host_program name folder)
         add_custom_command(
             OUTPUT "${output_dir}/${name}.dll"
             COMMAND ${CMAKE_COMMAND} -E env DOTNET_CLI_TELEMETRY_OPTOUT=1 DOTNET_NOLOGO=1 DOTNET_SKIP_FIRST_TIME_EXPERIENCE=1
-                "${DOTNET_PROGRAM}" build "${folder}/${name}.csproj" -v quiet --nologo -c Release
-                -p:OrbelantineFramework=net${dotnet_major}.0 -p:OrbelantineBuild=${output_dir}
-                -p:OrbelantineProxies=${orbelantine_proxies} -clp:NoSummary
+                OrbelantineBuild=${output_dir} OrbelantineProxies=${orbelantine_proxies}
+                "${DOTNET_PROGRAM}" build "${folder}/${name}.csproj" -v quiet --nologo -c Release -clp:NoSummary
             COMMAND ${CMAKE_COMMAND} -E touch "${output_dir}/${name}.dll"
             DEPENDS ${inputs} "${folder}/${name}.csproj" "${PROJECT_SOURCE_DIR}/Directory.Build.props"
                 "${orbelantine_proxy_sources}/Orbelantine.Swig.csproj"

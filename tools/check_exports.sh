@@ -1,6 +1,7 @@
 #!/bin/sh
 # check_exports.sh LIBRARY LIST [--write]
-# Compares the names that a built library exports with the agreed list; --write makes the list.
+# Compares the names that a built library exports with the agreed list; --write makes the list. Lines
+# of the list that begin with # are notes.
 set -eu
 library=$1
 list=$2
@@ -13,17 +14,17 @@ names() {
     esac | LC_ALL=C sort
 }
 
+actual=$(mktemp)
+trap 'rm -f "$actual"' EXIT
+{ grep '^#' "$list" || true; names; } >"$actual"
 if [ "${3:-}" = --write ]; then
-    names >"$list"
+    cat "$actual" >"$list"
     exit
 fi
 
-actual=$(mktemp)
-trap 'rm -f "$actual"' EXIT
-names >"$actual"
 if ! diff -u "$list" "$actual"; then
     echo "The exports differ from the agreed list: '+' is exported and not agreed, '-' is agreed and missing." >&2
     echo "If the change is meant: tools/check_exports.sh $library $list --write" >&2
     exit 1
 fi
-echo "$(wc -l <"$actual") exports, all agreed"
+echo "$(grep -vc '^#' "$actual") exports, all agreed"

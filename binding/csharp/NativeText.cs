@@ -12,6 +12,10 @@ namespace Orbelantine.Swig
         [UnmanagedFunctionPointer(CallingConvention.StdCall)]
         public delegate IntPtr Callback(IntPtr text);
 
+        /// <summary>How text goes in. LPUTF8Str by its number: netstandard2.0 has no name for it.</summary>
+        internal const UnmanagedType MarshalNarrow = (UnmanagedType)48;
+        internal const UnmanagedType MarshalWide = UnmanagedType.LPWStr;
+
         // Static fields, so that the native side may call them as long as the process lives.
         public static readonly Callback Narrow = CopyNarrow;
         public static readonly Callback Wide = CopyWide;
@@ -72,20 +76,6 @@ namespace Orbelantine.Swig
         private static IntPtr Keep(string text)
         {
             return GCHandle.ToIntPtr(GCHandle.Alloc(text));
-        }
-    }
-
-    /// <summary>Objects that an override returns to its native caller.</summary>
-    internal static class NativeObject
-    {
-        [ThreadStatic]
-        internal static object returned;
-
-        /// <summary>Keeps an object reachable until the next one on this thread.</summary>
-        internal static T Keep<T>(T value)
-        {
-            returned = value;
-            return value;
         }
     }
 }

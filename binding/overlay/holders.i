@@ -5,9 +5,15 @@
 
 %define ORB_SHARED(TYPE)
 %shared_ptr(TYPE)
-// What a host's override returns stays reachable until the native caller has taken its reference.
+ORB_PROXY(SWIGSmartPtrUpcast, true, TYPE)
+// One that the host overrides is pinned while native code holds it; what an override returns stays
+// reachable until the native caller has taken its reference.
+%typemap(csin,
+         pre="    global::Orbelantine.Swig.Loan loan$csinput = global::Orbelantine.Swig.Loan.Of($csinput, $typemap(cstype, TYPE).getCPtr($csinput));",
+         post="      loan$csinput.End();")
+    boost::shared_ptr< TYPE >, boost::shared_ptr< TYPE > &, boost::shared_ptr< TYPE > const & "loan$csinput.Handle"
 %typemap(csdirectorout) boost::shared_ptr< TYPE >
-    "$typemap(cstype, TYPE).getCPtr(global::Orbelantine.Swig.NativeObject.Keep($cscall)).Handle"
+    "global::Orbelantine.Swig.Loan.Return<$typemap(cstype, TYPE)>($cscall, $typemap(cstype, TYPE).getCPtr)"
 %enddef
 
 // A context has no class of its own; none is null.

@@ -8,6 +8,7 @@
 %include <typemaps.i>
 %include "binding/overlay/text.i"
 %include "binding/overlay/values.i"
+%include "binding/overlay/proxies.i"
 %include "binding/overlay/holders.i"
 
 // Native enumerations are constants for the host, without an export each.

@@ -36,6 +36,7 @@ SWIGEXPORT void SWIGSTDCALL SWIGRegisterWStringCallback_$module(SWIG_CSharpWStri
     public static extern void SWIGRegisterWStringCallback_$module(global::Orbelantine.Swig.NativeText.Callback callback);
 
     static SWIGStringHelper() {
+      global::Orbelantine.Swig.LibraryVersion.Check();
       SWIGRegisterStringCallback_$module(global::Orbelantine.Swig.NativeText.Narrow);
       SWIGRegisterWStringCallback_$module(global::Orbelantine.Swig.NativeText.Wide);
     }

@@ -6,7 +6,7 @@
 %define ORB_TEXT_PROXY(NATIVE, MARSHAL, GIVE, TYPES...)
 %typemap(ctype, out="void *") TYPES "NATIVE"
 %typemap(imtype, out="global::System.IntPtr",
-         inattributes="[global::System.Runtime.InteropServices.MarshalAs(global::System.Runtime.InteropServices.UnmanagedType.MARSHAL)]") TYPES "string"
+         inattributes="[global::System.Runtime.InteropServices.MarshalAs(global::Orbelantine.Swig.NativeText.MARSHAL)]") TYPES "string"
 %typemap(cstype) TYPES "string"
 %typemap(csin) TYPES "$csinput"
 %typemap(csout, excode=SWIGEXCODE) TYPES {
@@ -30,9 +30,9 @@
 #include <string>
 %}
 
-ORB_TEXT_PROXY(const char *, LPUTF8Str, GiveNarrow, std::string, const std::string &, std::string &)
-ORB_TEXT_PROXY(char *, LPUTF8Str, GiveNarrow, char *, const char *)
-ORB_TEXT_PROXY(const char16_t *, LPWStr, GiveWide, std::wstring, const std::wstring &, std::wstring &, const wchar_t *)
+ORB_TEXT_PROXY(const char *, MarshalNarrow, GiveNarrow, std::string, const std::string &, std::string &)
+ORB_TEXT_PROXY(char *, MarshalNarrow, GiveNarrow, char *, const char *)
+ORB_TEXT_PROXY(const char16_t *, MarshalWide, GiveWide, std::wstring, const std::wstring &, std::wstring &, const wchar_t *)
 
 namespace std {
 %naturalvar string;

@@ -11,6 +11,8 @@ namespace Orbelantine.DemoHost
         private const int NoPhone = 3;
         private const int Interrupted = 130;
 
+        private static readonly TimeSpan Patience = TimeSpan.FromSeconds(10);
+
         private readonly Options options;
         private readonly StopSignal stop;
         private readonly Timeline timeline = new Timeline();
@@ -32,7 +34,7 @@ namespace Orbelantine.DemoHost
                 if (failure != null)
                     return MissPhone(failure);
                 Console.WriteLine("connected to " + options.Address + (steps is ICollection<Step> known ? ", playing " + known.Count + " steps" : ""));
-                var player = new Player(link, control, phoneLog, timeline, stop);
+                var player = new Player(link, control, timeline, stop);
                 player.ChangePhone(1080, 2340, 1, 1);
                 player.Play(steps);
                 player.Settle();
@@ -66,8 +68,10 @@ namespace Orbelantine.DemoHost
             return Agrees;
         }
 
-        private static int Compare(Player player, PhoneLog phoneLog)
+        private int Compare(Player player, PhoneLog phoneLog)
         {
+            // The phone writes down what it has received in its own time.
+            phoneLog.WaitFor(player.Sent, Patience, stop);
             var summary = new Summary(player.Sent, phoneLog.Received);
             Console.WriteLine();
             Console.WriteLine(summary);

@@ -1,5 +1,5 @@
 using System;
-using System.Threading;
+using System.Threading.Tasks;
 using Orbelantine.Swig.bluetooth;
 using Orbelantine.Swig.common;
 using Orbelantine.Swig.input;
@@ -35,9 +35,15 @@ namespace Orbelantine.DemoHost
             return Await(done => client.connect(peer, done));
         }
 
+        /// <summary>Returns once what was raised on the surface has gone out.</summary>
+        public void Flush()
+        {
+            Await(client.flush);
+        }
+
         public string Disconnect()
         {
-            return Await(done => client.disconnect(done));
+            return Await(client.disconnect);
         }
 
         /// <summary>Has the phone read the computer's service record again.</summary>
@@ -66,10 +72,6 @@ namespace Orbelantine.DemoHost
 
         public void Dispose()
         {
-            client.onConnected.disconnect_all_slots();
-            client.onDisconnected.disconnect_all_slots();
-            client.onEventError.disconnect_all_slots();
-            client.onHidSdpRefresh.disconnect_all_slots();
             client.Dispose();
             composite.Dispose();
             Surface.Dispose();
@@ -79,8 +81,7 @@ namespace Orbelantine.DemoHost
 
         private void Listen()
         {
-            using (VoidCallback function = OnEvent.Function(() => timeline.Add(Timeline.Link, "connected")))
-                client.onConnected.connect(function).Dispose();
+            client.onConnected.connect(() => timeline.Add(Timeline.Link, "connected")).Dispose();
             Listen(client.onDisconnected, "lost");
             Listen(client.onEventError, "event error");
             Listen(client.onHidSdpRefresh, "record refreshed");
@@ -88,31 +89,22 @@ namespace Orbelantine.DemoHost
 
         private void Listen(SignalErrorCodeCallback signal, string what)
         {
-            using (ErrorCodeCallback function = OnCode.Function((value, text) =>
-                       timeline.Add(Timeline.Link, value == 0 ? what : what + ": " + Explain(value, text))))
-                signal.connect(function).Dispose();
+            signal.connect(code => timeline.Add(Timeline.Link, code.value() == 0 ? what : what + ": " + Explain(code))).Dispose();
         }
 
-        // Completions come from the client's own thread.
+        // Completions come from the client's own thread, which goes on before the waiting one does.
         private static string Await(Action<ErrorCodeCallback> operation)
         {
-            string failure = null;
-            using (var done = new ManualResetEvent(false))
-            {
-                using (ErrorCodeCallback function = OnCode.Function((value, text) =>
-                       {
-                           failure = value == 0 ? null : Explain(value, text);
-                           done.Set();
-                       }))
-                    operation(function);
-                done.WaitOne();
-            }
-            return failure;
+            var completed = new TaskCompletionSource<string>(TaskCreationOptions.RunContinuationsAsynchronously);
+            using (ErrorCodeCallback done = ErrorCodeCallback.From(
+                       code => completed.SetResult(code.value() == 0 ? null : Explain(code))))
+                operation(done);
+            return completed.Task.Result;
         }
 
-        private static string Explain(int value, string text)
+        private static string Explain(error_code code)
         {
-            return "error " + value + ", " + text;
+            return "error " + code.value() + ", " + code.message();
         }
     }
 }

@@ -9,21 +9,18 @@ namespace Orbelantine.DemoHost
         // What a report carries of a wheel step at most.
         private const int MaxWheel = 3;
         private const int ParkingMs = 150;
-        private static readonly TimeSpan Patience = TimeSpan.FromSeconds(10);
 
         private readonly Link link;
         private readonly PhoneControl phone;
         private readonly Timeline timeline;
         private readonly StopSignal stop;
-        private readonly PhoneLog log;
         private int phoneWidth;
         private int phoneHeight;
 
         /// <summary>Once `stop` is set, what remains to be played is skipped; a key or button that is down
-        /// comes up first. Without a log the player can't know what the phone has seen, and only waits.</summary>
-        public Player(Link link, PhoneControl phone, PhoneLog log, Timeline timeline, StopSignal stop)
+        /// comes up first.</summary>
+        public Player(Link link, PhoneControl phone, Timeline timeline, StopSignal stop)
         {
-            this.log = log;
             this.link = link;
             this.phone = phone;
             this.timeline = timeline;
@@ -53,10 +50,10 @@ namespace Orbelantine.DemoHost
             Sent.Text.Append(key.Text);
         }
 
-        /// <summary>Waits until the phone has had all that was played, and its cursor is parked again.</summary>
+        /// <summary>Waits until all that was played has gone out, and the phone's cursor is parked again.</summary>
         public void Settle()
         {
-            log?.WaitFor(Sent, Patience, stop);
+            link.Flush();
             stop.Pause(ParkingMs);
         }
 

@@ -65,47 +65,51 @@ void InputContextComposite::unregisterEvents(const std::string& id) {
 }
 
 std::uint16_t InputContextComposite::convertVKCodeToUnicode(std::uint32_t vk) {
-    return mMainContext->convertVKCodeToUnicode(vk);
+    return mMainContext ? mMainContext->convertVKCodeToUnicode(vk) : 0;
 }
 
 std::uint32_t InputContextComposite::mapVK(std::uint32_t index) {
-    return mMainContext->mapVK(index);
+    return mMainContext ? mMainContext->mapVK(index) : 0;
 }
 
 std::uint32_t InputContextComposite::mapScan(std::uint32_t index) {
-    return mMainContext->mapScan(index);
+    return mMainContext ? mMainContext->mapScan(index) : 0;
 }
 
 void InputContextComposite::lockSystemMouse() {
-    mMainContext->lockSystemMouse();
+    if (mMainContext)
+        mMainContext->lockSystemMouse();
 }
 
 void InputContextComposite::unlockSystemMouse(std::int32_t x, std::int32_t y) {
-    mMainContext->unlockSystemMouse(x, y);
+    if (mMainContext)
+        mMainContext->unlockSystemMouse(x, y);
 }
 
 std::int32_t InputContextComposite::getSystemMouseSpeed() {
-    return mMainContext->getSystemMouseSpeed();
+    return mMainContext ? mMainContext->getSystemMouseSpeed() : DEFAULT_MOUSE_SPEED;
 }
 
 bool InputContextComposite::screenToInputSurface(Point& point) {
-    return mMainContext->screenToInputSurface(point);
+    return mMainContext && mMainContext->screenToInputSurface(point);
 }
 
 bool InputContextComposite::inputSurfaceToScreen(Point& point) {
-    return mMainContext->inputSurfaceToScreen(point);
+    return mMainContext && mMainContext->inputSurfaceToScreen(point);
 }
 
 bool InputContextComposite::getInputSurfaceRectWithinScreen(Rect& rect) {
-    return mMainContext->getInputSurfaceRectWithinScreen(rect);
+    return mMainContext && mMainContext->getInputSurfaceRectWithinScreen(rect);
 }
 
 void InputContextComposite::setCaptureMouseExclusively() {
-    mMainContext->setCaptureMouseExclusively();
+    if (mMainContext)
+        mMainContext->setCaptureMouseExclusively();
 }
 
 void InputContextComposite::releaseCaptureMouseExclusively() {
-    mMainContext->releaseCaptureMouseExclusively();
+    if (mMainContext)
+        mMainContext->releaseCaptureMouseExclusively();
 }
 
 } // namespace orbelantine

@@ -12,8 +12,8 @@
 namespace orbelantine {
 
 /// Several surfaces as one: it raises the events of all, and asks the main one. Its signals fire
-/// on the threads of the surfaces. The operations that it adds are for the host's thread; the main
-/// context is set before anything is asked.
+/// on the threads of the surfaces. The operations that it adds are for the host's thread. Without a
+/// main context it answers with zeros, false and the default speed.
 class InputContextComposite final : public IInputContext {
   public:
     /// Takes the place of the present main context, whose events are no longer raised.

@@ -20,7 +20,12 @@ class Library {
     /// An export of a module by the part of its name that says what it does.
     template <class Function>
     Function* call(const std::string& module, const std::string& rest) {
-        return &mLibrary.get<Function>("CSharp_OrbelantinefSwigf" + module + "_" + rest + "___");
+        return symbol<Function>("CSharp_OrbelantinefSwigf" + module + "_" + rest + "___");
+    }
+
+    template <class Function>
+    Function* symbol(const std::string& name) {
+        return &mLibrary.get<Function>(name);
     }
 
     /// The same for the module `common`.

@@ -25,12 +25,6 @@ namespace Orbelantine.HostTests
         /// <summary>A callback that native code deletes with its last hold on it.</summary>
         private sealed class GivenAwayRecorder : Recorder
         {
-            public override void pin()
-            {
-                swigCMemOwn = false;
-                base.pin();
-            }
-
             public override bool unpin()
             {
                 base.unpin();

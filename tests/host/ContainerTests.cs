@@ -9,17 +9,6 @@ namespace Orbelantine.HostTests
     public sealed class ContainerTests
     {
         [Test]
-        public void WhatLiesOutsideIsToldByAnExceptionOfItsKind()
-        {
-            var bytes = new ByteVector(new byte[] { 1, 2 });
-            Assert.Equal("index", Assert.Throws<ArgumentOutOfRangeException>(() => bytes.GetRange(-1, -1)).ParamName);
-            Assert.Equal("count", Assert.Throws<ArgumentOutOfRangeException>(() => bytes.GetRange(3, -1)).ParamName);
-            ArgumentException invalid = Assert.Throws<ArgumentException>(() => bytes.GetRange(1, 2));
-            Assert.Equal("invalid range", invalid.Message);
-            Assert.Equal("", invalid.ParamName);
-        }
-
-        [Test]
         public void TextsOfAVector()
         {
             using (var texts = new StringVector(new[] { "grün", "\U0001F4F1", null, "grün" }))

@@ -5,7 +5,7 @@ namespace Orbelantine.HostTests
 {
     /// <summary>A surface of 100 by 200 pixels at (10, 20) of the screen, which notes what is asked of
     /// it.</summary>
-    public sealed class FakeSurface : IInputContext
+    public class FakeSurface : IInputContext
     {
         public List<string> Asked { get; } = new List<string>();
 

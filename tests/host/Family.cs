@@ -45,10 +45,11 @@ namespace Orbelantine.HostTests
             return All.Single(family => family.Function == function);
         }
 
-        /// <summary>A function of the host's object, for the caller to dispose.</summary>
+        /// <summary>A function of the host's delegate, for the caller to dispose.</summary>
         public IDisposable NewFunction(HostCallback callback)
         {
-            return (IDisposable)Activator.CreateInstance(Function, callback.ImplementationOf(Impl));
+            MethodInfo from = Function.GetMethod("From");
+            return (IDisposable)from.Invoke(null, new object[] { callback.As(from.GetParameters()[0].ParameterType) });
         }
 
         /// <summary>A signal that native code can fire.</summary>
@@ -66,8 +67,8 @@ namespace Orbelantine.HostTests
 
         public connection Connect(object signal, HostCallback callback, params object[] group)
         {
-            using (IDisposable function = NewFunction(callback))
-                return (connection)Invoke(signal, "connect", group.Concat(new object[] { function }).ToArray());
+            Type type = Function.GetMethod("From").GetParameters()[0].ParameterType;
+            return (connection)Invoke(signal, "connect", group.Concat(new object[] { callback.As(type) }).ToArray());
         }
 
         public object Invoke(object target, string method, params object[] arguments)

@@ -89,9 +89,6 @@ namespace Orbelantine.HostTests
 
         private sealed class ForgettingRecorder : ErrorCodeCallbackImpl
         {
-            // Held by the test as long as native code holds it.
-            public override void pin() { }
-            public override bool unpin() { return false; }
             public override void call(error_code code) { code.Dispose(); }
         }
 
@@ -115,11 +112,7 @@ namespace Orbelantine.HostTests
             long before = ResidentKb();
             for (int i = 0; i < count; ++i)
                 action();
-            for (int i = 0; i < 2; ++i)
-            {
-                GC.Collect();
-                GC.WaitForPendingFinalizers();
-            }
+            Collector.Run();
             return ResidentKb() - before;
         }
 

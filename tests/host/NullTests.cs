@@ -51,6 +51,7 @@ namespace Orbelantine.HostTests
             Assert.NullArgument("boost::system::error_category const & type is null", () => new error_code(5, null));
             using (var composite = new InputContextComposite())
             {
+                composite.setMainInputContext(new FakeSurface());
                 Assert.NullArgument("orbelantine::IInputContext::Point & type is null", () => composite.screenToInputSurface(null));
                 Assert.NullArgument("orbelantine::IInputContext::Rect & type is null", () => composite.getInputSurfaceRectWithinScreen(null));
             }
