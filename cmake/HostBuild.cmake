@@ -24,6 +24,23 @@ endif()
 set(orbelantine_proxy_sources ${PROJECT_SOURCE_DIR}/binding/csharp)
 file(GLOB orbelantine_proxy_helpers CONFIGURE_DEPENDS "${orbelantine_proxy_sources}/*.cs")
 
+# The assembly for all runtimes takes a package of reference assemblies, which the SDK fetches once.
+set(orbelantine_dotnet ${CMAKE_COMMAND} -E env DOTNET_CLI_TELEMETRY_OPTOUT=1 DOTNET_NOLOGO=1
+    DOTNET_SKIP_FIRST_TIME_EXPERIENCE=1 OrbelantineProxies=${orbelantine_proxies})
+if("dotnet" IN_LIST orbelantine_host_runtimes AND NOT DEFINED ORBELANTINE_OWN_FRAMEWORK)
+    execute_process(COMMAND ${orbelantine_dotnet} OrbelantineBuild=${CMAKE_BINARY_DIR}/host/dotnet
+            "${DOTNET_PROGRAM}" restore "${orbelantine_proxy_sources}/Orbelantine.Swig.csproj" -v quiet
+        OUTPUT_QUIET ERROR_QUIET RESULT_VARIABLE unfetched)
+    set(own "")
+    if(unfetched)
+        message(WARNING "The reference assemblies of netstandard2.0 can't be fetched: Orbelantine.Swig.dll "
+            "is built for this SDK's runtime alone.")
+        set(own yes)
+    endif()
+    set(ORBELANTINE_OWN_FRAMEWORK "${own}" CACHE INTERNAL "Whether Orbelantine.Swig.dll is for the SDK's runtime alone")
+endif()
+list(APPEND orbelantine_dotnet OrbelantineOwnFramework=${ORBELANTINE_OWN_FRAMEWORK})
+
 # orbelantine_host_program(NAME folder): the program NAME of a folder's sources, as
 # <build>/host/<runtime>/NAME.dll or NAME.exe. Adds the target NAME and, for each runtime, the
 # list NAME_<runtime>_COMMAND that runs it.
@@ -35,9 +52,7 @@ function(orbelantine_host_program name folder)
         set(output_dir "${CMAKE_BINARY_DIR}/host/dotnet")
         add_custom_command(
             OUTPUT "${output_dir}/${name}.dll"
-            COMMAND ${CMAKE_COMMAND} -E env DOTNET_CLI_TELEMETRY_OPTOUT=1 DOTNET_NOLOGO=1 DOTNET_SKIP_FIRST_TIME_EXPERIENCE=1
-                OrbelantineBuild=${output_dir} OrbelantineProxies=${orbelantine_proxies}
-                "${DOTNET_PROGRAM}" build "${folder}/${name}.csproj" -v quiet --nologo -c Release -clp:NoSummary
+            COMMAND ${orbelantine_dotnet} OrbelantineBuild=${output_dir} "${DOTNET_PROGRAM}" build "${folder}/${name}.csproj" -v quiet --nologo -c Release -clp:NoSummary
             COMMAND ${CMAKE_COMMAND} -E touch "${output_dir}/${name}.dll"
             DEPENDS ${inputs} "${folder}/${name}.csproj" "${PROJECT_SOURCE_DIR}/Directory.Build.props"
                 "${orbelantine_proxy_sources}/Orbelantine.Swig.csproj"

@@ -117,11 +117,17 @@ error_code BluetoothHIDClientManager::start(const std::string& address) {
         return HidErrors::getErrorCode(HidErrors::InvalidState);
     }
     KVStore store(*mStore);
+    const unsigned forced = mForced;
     createClient(store);
     mAddress = address;
     buildChain(store);
     mState = kStarted;
-    return reconnectIfNecessary();
+    if (mForced == forced)
+        return reconnectIfNecessary();
+    // Broken off while the chain was made, which asks the driver too.
+    const error_code ec = HidErrors::getErrorCode(HidErrors::SocketIsDisconnected);
+    onDisconnected(ec);
+    return ec;
 }
 
 void BluetoothHIDClientManager::createClient(const KVStore& store) {
@@ -272,6 +278,7 @@ void BluetoothHIDClientManager::flush(OnceCompletion done) {
 }
 
 void BluetoothHIDClientManager::forceDisconnect() {
+    ++mForced;
     // The client may only be in the making.
     WindowsBluetoothHIDDeviceClient::breakQueries();
     if (const auto client = mHidClient.load())

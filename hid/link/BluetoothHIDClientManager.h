@@ -129,6 +129,8 @@ class BluetoothHIDClientManager final {
     bool mIdleEnabled = false;
     // Set by any thread.
     std::atomic<bool> mStopping = false;
+    // How often the link was broken by force.
+    std::atomic<unsigned> mForced = 0;
 };
 
 } // namespace orbelantine

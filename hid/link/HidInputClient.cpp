@@ -95,6 +95,7 @@ void HidInputClient::teardown() {
 }
 
 void HidInputClient::breakLink() {
+    ++mForced;
     mManager->forceDisconnect();
     if (const auto client = mRefreshClient.load())
         client->forceDisconnect();
@@ -120,6 +121,7 @@ void HidInputClient::connect(const BluetoothPeer& peer, Completion completion) {
 error_code HidInputClient::connectTo(const std::string& address) {
     if (!mHidRemoteSdpRefresh.exchange(false))
         return startHID(address);
+    const unsigned forced = mForced;
     const error_code refreshed = refreshHidSdpRecords(address);
     mRefreshClient.store(nullptr);
     const boost::weak_ptr<void> life = mLife;
@@ -127,7 +129,8 @@ error_code HidInputClient::connectTo(const std::string& address) {
     if (life.expired())
         return takenBack();
     // A refresh succeeds whatever becomes of the link, which tells of itself by onDisconnected.
-    (void)startHID(address);
+    if (mForced == forced)
+        (void)startHID(address);
     mClock.sleepFor(kRecordPause);
     return {};
 }

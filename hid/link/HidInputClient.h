@@ -77,6 +77,8 @@ class HidInputClient : public IBluetoothService {
     IClock& mClock;
     IoThread mWorker;
     std::atomic<bool> mHidRemoteSdpRefresh = false;
+    // How often the link was broken by force.
+    std::atomic<unsigned> mForced = 0;
     boost::shared_ptr<BluetoothHIDClientManager> mManager;
     // That of a record refresh in progress; read by any thread.
     boost::atomic_shared_ptr<IBluetoothHIDClient> mRefreshClient;
