@@ -30,7 +30,7 @@ set(orbelantine_dotnet ${CMAKE_COMMAND} -E env DOTNET_CLI_TELEMETRY_OPTOUT=1 DOT
 if("dotnet" IN_LIST orbelantine_host_runtimes AND NOT DEFINED ORBELANTINE_OWN_FRAMEWORK)
     execute_process(COMMAND ${orbelantine_dotnet} OrbelantineBuild=${CMAKE_BINARY_DIR}/host/dotnet
             "${DOTNET_PROGRAM}" restore "${orbelantine_proxy_sources}/Orbelantine.Swig.csproj" -v quiet
-        OUTPUT_QUIET ERROR_QUIET RESULT_VARIABLE unfetched)
+        TIMEOUT 120 OUTPUT_QUIET ERROR_QUIET RESULT_VARIABLE unfetched)
     set(own "")
     if(unfetched)
         message(WARNING "The reference assemblies of netstandard2.0 can't be fetched: Orbelantine.Swig.dll "
