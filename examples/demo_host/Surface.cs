@@ -10,7 +10,9 @@ namespace Orbelantine.DemoHost
         // Where the window stands on the screen.
         private const int Left = 100;
         private const int Top = 50;
-        private const int Apart = 16;
+        // After 40 ms without a move the phone forgets how fast its cursor was, and hits what comes next.
+        private const int ApartMs = 45;
+        private const int StepLength = 32;
         private static readonly uint[] VirtualKeys = { 32, 32, 91 };
         private static readonly uint[] ScanCodes = { 57, 29, 219 };
 
@@ -48,14 +50,14 @@ namespace Orbelantine.DemoHost
             onPointerUp.call(ePointerType.PointerTouch, 1, Left + x, Top + y, true);
         }
 
-        /// <summary>Presses, moves in small steps as a hand does, and releases.</summary>
+        /// <summary>Presses, moves in steps, and releases.</summary>
         public void Drag(int fromX, int fromY, int toX, int toY, StopSignal stop)
         {
             onPointerDown.call(ePointerType.PointerTouch, 1, Left + fromX, Top + fromY, true);
-            int steps = Math.Max(1, Math.Max(Math.Abs(toX - fromX), Math.Abs(toY - fromY)) / 12);
+            int steps = Math.Max(1, Math.Max(Math.Abs(toX - fromX), Math.Abs(toY - fromY)) / StepLength);
             for (int step = 1; step <= steps && !stop.IsSet; ++step)
             {
-                stop.Pause(Apart);
+                stop.Pause(ApartMs);
                 onPointerUpdate.call(ePointerType.PointerTouch, 1, Left + fromX + (toX - fromX) * step / steps,
                                      Top + fromY + (toY - fromY) * step / steps, true);
             }
