@@ -1,4 +1,5 @@
 #include "core/common/errors/ErrorCode.h"
+#include "core/common/run/WorkerThread.h"
 #include "hid/channel/HIDDeviceClient.h"
 #include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 #include "tests/bluetooth/FakeDriverApi.h"
@@ -9,7 +10,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 namespace orbelantine::test {
@@ -192,6 +197,40 @@ TEST(Faults, AnyOneCallMayFailAndTheNextSessionWorks) {
         const testing::ScopedTrace trace(__FILE__, __LINE__, name);
         watchdog.begin(name);
         playWithFailure(failing);
+    }
+}
+
+std::atomic<int> threadsMade;
+std::atomic<int> missingThread;
+
+std::thread makeAllThreadsButOne(std::function<void()> body) {
+    if (threadsMade++ == missingThread)
+        throw std::system_error(EAGAIN, std::generic_category());
+    return makeThread(std::move(body));
+}
+
+TEST(Faults, AnyOneThreadMayBeMissingAndNobodyWaitsForIt) {
+    const Watchdog watchdog(60);
+    // A device whose type can't be asked for counts as a relative mouse.
+    constexpr std::pair<const char*, bool> kConnects[] = {{"type, for the reports", true},
+                                                          {"keyboard", false},
+                                                          {"type, for the mouse", true},
+                                                          {"mouse", false},
+                                                          {"control channel", false},
+                                                          {"interrupt channel", false},
+                                                          {"none", true}};
+    int missing = 0;
+    for (const auto& [name, succeeds] : kConnects) {
+        const testing::ScopedTrace trace(__FILE__, __LINE__, name);
+        watchdog.begin(name);
+        FaultySession session(0);
+        threadsMade = 0;
+        missingThread = missing++;
+        setThreadMaker(&makeAllThreadsButOne);
+        const error_code result = session.session.connect();
+        setThreadMaker(&makeThread);
+        EXPECT_EQ(!result, succeeds) << result.message();
+        EXPECT_GE(threadsMade, std::min(missing, int{std::size(kConnects)} - 1));
     }
 }
 
