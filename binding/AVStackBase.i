@@ -5,7 +5,7 @@
 %{
 #include "avstack/IMediaBuffer.h"
 #include "avstack/IMediaElement.h"
-#include "binding/CallbackFamilies.h"
+#include "binding/callbacks/CallbackFamilies.h"
 %}
 
 %include "binding/media.i"

@@ -3,7 +3,7 @@
 %import "binding/Common.i"
 
 %{
-#include "binding/AudioCallbackFamilies.h"
+#include "binding/callbacks/AudioCallbackFamilies.h"
 %}
 
 namespace orbelantine {
@@ -12,4 +12,4 @@ enum AudioState { AudioAvailable = 0, NoAudioOut = 1, NoAudioIn = 2, NoAudioInOu
 
 }
 
-%include "binding/CallbackTableAudio.inc"
+%include "binding/callbacks/CallbackTableAudio.inc"

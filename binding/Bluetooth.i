@@ -3,7 +3,7 @@
 %import "binding/Common.i"
 
 %{
-#include "binding/BluetoothCallbackFamilies.h"
+#include "binding/callbacks/BluetoothCallbackFamilies.h"
 #include "bluetooth/IBluetoothService.h"
 %}
 

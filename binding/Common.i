@@ -6,5 +6,5 @@
 %include "binding/coretypes.i"
 %include "binding/containers.i"
 %include "binding/kvstore.i"
-%include "binding/callbacks.i"
-%include "binding/CallbackTableCommon.inc"
+%include "binding/callbacks/callbacks.i"
+%include "binding/callbacks/CallbackTableCommon.inc"

@@ -11,7 +11,7 @@
 #include "avstack/IInputSource.h"
 #include "avstack/IInputTarget.h"
 #include "avstack/InputFormat.h"
-#include "binding/InputCallbackFamilies.h"
+#include "binding/callbacks/InputCallbackFamilies.h"
 #include "core/common/config/KVStore.h"
 #include "hid/channel/HIDDeviceClient.h"
 #include "hid/reports/HIDEventsPacker.h"

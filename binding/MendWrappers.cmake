@@ -14,7 +14,7 @@ if(text MATCHES "static_cast<SwigDirector_")
     message(FATAL_ERROR "${WRAPPER}: a director is connected in a form that is not known here")
 endif()
 
-# Short names that stand for types within the signatures of callbacks (binding/callbacks.i).
+# Short names that stand for types within the signatures of callbacks (binding/callbacks/callbacks.i).
 function(write_out name type)
     string(REGEX REPLACE "([^A-Za-z0-9_])${name}([^A-Za-z0-9_])" "\\1${type}\\2" mended "${text}")
     set(text "${mended}" PARENT_SCOPE)

@@ -107,4 +107,4 @@ public:
 
 }
 
-%include "binding/CallbackTableInput.inc"
+%include "binding/callbacks/CallbackTableInput.inc"

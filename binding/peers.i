@@ -50,4 +50,4 @@ typedef std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > > vectorPee
 
 %template(BluetoothPeerVector) std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > >;
 
-%include "binding/CallbackTableBluetooth.inc"
+%include "binding/callbacks/CallbackTableBluetooth.inc"

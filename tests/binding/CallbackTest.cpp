@@ -1,4 +1,4 @@
-#include "binding/CallbackFamilies.h"
+#include "binding/callbacks/CallbackFamilies.h"
 #include "tests/binding/Library.h"
 
 #include <boost/signals2/signal.hpp>

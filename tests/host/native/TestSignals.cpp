@@ -1,8 +1,8 @@
 // Signals of every callback family for the host's tests, fired by native code.
 
-#include "binding/AudioCallbackFamilies.h"
-#include "binding/BluetoothCallbackFamilies.h"
-#include "binding/InputCallbackFamilies.h"
+#include "binding/callbacks/AudioCallbackFamilies.h"
+#include "binding/callbacks/BluetoothCallbackFamilies.h"
+#include "binding/callbacks/InputCallbackFamilies.h"
 
 #include <boost/asio/ip/address_v4.hpp>
 #include <boost/smart_ptr/make_shared_object.hpp>
@@ -101,10 +101,10 @@ struct Family {
     {#NAME, &Firing<RESULT TYPES>::make, &Firing<RESULT TYPES>::fire},
 
 constexpr Family kFamilies[] = {
-#include "binding/CallbackTableAudio.inc"
-#include "binding/CallbackTableBluetooth.inc"
-#include "binding/CallbackTableCommon.inc"
-#include "binding/CallbackTableInput.inc"
+#include "binding/callbacks/CallbackTableAudio.inc"
+#include "binding/callbacks/CallbackTableBluetooth.inc"
+#include "binding/callbacks/CallbackTableCommon.inc"
+#include "binding/callbacks/CallbackTableInput.inc"
 };
 
 const Family* find(const char* name) {

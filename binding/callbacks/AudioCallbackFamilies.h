@@ -1,8 +1,8 @@
 #pragma once
 
 #include "audio/AudioState.h"
-#include "binding/CallbackFamilies.h"
+#include "binding/callbacks/CallbackFamilies.h"
 
 #define ORB_CALLBACK_FAMILY ORB_CALLBACK_IMPL
-#include "binding/CallbackTableAudio.inc"
+#include "binding/callbacks/CallbackTableAudio.inc"
 #undef ORB_CALLBACK_FAMILY

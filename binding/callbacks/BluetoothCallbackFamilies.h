@@ -1,11 +1,11 @@
 #pragma once
 
-#include "binding/CallbackFamilies.h"
+#include "binding/callbacks/CallbackFamilies.h"
 #include "bluetooth/BluetoothPeer.h"
 
 using sharedPeer = boost::shared_ptr<orbelantine::BluetoothPeer>;
 using vectorPeer = std::vector<sharedPeer>;
 
 #define ORB_CALLBACK_FAMILY ORB_CALLBACK_IMPL
-#include "binding/CallbackTableBluetooth.inc"
+#include "binding/callbacks/CallbackTableBluetooth.inc"
 #undef ORB_CALLBACK_FAMILY

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "binding/AudioCallbackFamilies.h"
-#include "binding/BluetoothCallbackFamilies.h"
-#include "binding/InputCallbackFamilies.h"
+#include "binding/callbacks/AudioCallbackFamilies.h"
+#include "binding/callbacks/BluetoothCallbackFamilies.h"
+#include "binding/callbacks/InputCallbackFamilies.h"
 #include "core/common/run/FireSafely.h"
 
 #include <type_traits>

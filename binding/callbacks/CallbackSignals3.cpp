@@ -1,5 +1,5 @@
 // The families of three arguments and more.
-#include "binding/CallbackSignals.h"
+#include "binding/callbacks/CallbackSignals.h"
 
 #define ORB_INSTANTIATE_0(...)
 #define ORB_INSTANTIATE_1(...)
@@ -11,9 +11,9 @@
 
 namespace orbelantine::binding {
 
-#include "binding/CallbackTableAudio.inc"
-#include "binding/CallbackTableBluetooth.inc"
-#include "binding/CallbackTableCommon.inc"
-#include "binding/CallbackTableInput.inc"
+#include "binding/callbacks/CallbackTableAudio.inc"
+#include "binding/callbacks/CallbackTableBluetooth.inc"
+#include "binding/callbacks/CallbackTableCommon.inc"
+#include "binding/callbacks/CallbackTableInput.inc"
 
 } // namespace orbelantine::binding

@@ -2,7 +2,7 @@
 // implementation NAMEImpl (a director), and the event source SignalNAME.
 
 %{
-#include "binding/CallbackFamilies.h"
+#include "binding/callbacks/CallbackFamilies.h"
 %}
 
 namespace boost {

@@ -1,5 +1,5 @@
 // The families of up to one argument.
-#include "binding/CallbackSignals.h"
+#include "binding/callbacks/CallbackSignals.h"
 
 #define ORB_INSTANTIATE_0(...) ORB_INSTANTIATE(__VA_ARGS__)
 #define ORB_INSTANTIATE_1(...) ORB_INSTANTIATE(__VA_ARGS__)
@@ -11,9 +11,9 @@
 
 namespace orbelantine::binding {
 
-#include "binding/CallbackTableAudio.inc"
-#include "binding/CallbackTableBluetooth.inc"
-#include "binding/CallbackTableCommon.inc"
-#include "binding/CallbackTableInput.inc"
+#include "binding/callbacks/CallbackTableAudio.inc"
+#include "binding/callbacks/CallbackTableBluetooth.inc"
+#include "binding/callbacks/CallbackTableCommon.inc"
+#include "binding/callbacks/CallbackTableInput.inc"
 
 } // namespace orbelantine::binding

@@ -100,5 +100,5 @@ using functionStringErrorCode = boost::function<void(std::string, boost::system:
     struct NAME##Impl : orbelantine::binding::CallbackImpl<RESULT TYPES> {};
 
 #define ORB_CALLBACK_FAMILY ORB_CALLBACK_IMPL
-#include "binding/CallbackTableCommon.inc"
+#include "binding/callbacks/CallbackTableCommon.inc"
 #undef ORB_CALLBACK_FAMILY
