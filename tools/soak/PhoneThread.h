@@ -7,11 +7,14 @@
 #include "tools/virtual_phone/program/Control.h"
 #include "tools/virtual_phone/program/linux/ControlPipe.h"
 
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -105,6 +108,7 @@ class PhoneThread {
                 std::chrono::steady_clock::now().time_since_epoch());
         };
         mServer.emplace(DeviceServer::Parts{*mDriver, mLog, now}, options, mStopReader.get());
+        mPath = mServer->path();
         mServer->setControl(mPipe.emplace(controlPath(), mControl));
         mThread = std::thread([this] { run(); });
     }
@@ -136,6 +140,7 @@ class PhoneThread {
 
     /// Until all that went out on handles closed since has been taken.
     [[nodiscard]] bool awaitAllClosed() {
+        awaitTurn();
         return await([](const Seen& seen) { return seen.opens == seen.closes; });
     }
 
@@ -148,6 +153,22 @@ class PhoneThread {
     static constexpr const char* kVariable = "ORBELANTINE_DEVICE_DIR";
 
     [[nodiscard]] std::string controlPath() const { return mFolder + "/control"; }
+
+    /// Handles are taken in the order of their opening: one more that is answered comes after all
+    /// that were opened before.
+    void awaitTurn() const {
+        constexpr std::array<std::uint8_t, 4> kGetVersion = {0x08, 0, 0x22, 0};
+        const FileDescriptor handle(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        mPath.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        std::array<std::uint8_t, 16> answer{};
+        if (::connect(handle.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) !=
+                0 ||
+            ::send(handle.get(), kGetVersion.data(), kGetVersion.size(), MSG_NOSIGNAL) < 0 ||
+            ::recv(handle.get(), answer.data(), answer.size(), 0) <= 0)
+            throw std::runtime_error("the phone does not answer at " + mPath);
+    }
 
     void run() {
         while (mServer->step()) {
@@ -173,6 +194,8 @@ class PhoneThread {
     const Detail mDetail;
     std::string mFolder =
         (std::filesystem::temp_directory_path() / "orbelantine-phone-XXXXXX").string();
+    // Of the device.
+    std::string mPath;
     FileDescriptor mStopReader;
     FileDescriptor mStopWriter;
     LogCounts mCounts;
