@@ -27,8 +27,7 @@ class BluetoothHidClient : public testing::Test {
   protected:
     ChainScript mScript;
     boost::shared_ptr<FakeHidDevice> mDevice = boost::make_shared<FakeHidDevice>(mScript);
-    FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient",
-                                               [this](const KVStore&) { return mDevice; }};
+    FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient", mDevice};
     BluetoothHIDClient mClient{KVStore()};
 };
 

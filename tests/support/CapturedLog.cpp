@@ -50,6 +50,14 @@ std::vector<std::string> CapturedLog::told() {
     return texts;
 }
 
+std::vector<std::string> CapturedLog::missing(std::vector<std::string> parts) {
+    std::erase_if(parts, [lines = told()](const std::string& part) {
+        return std::ranges::any_of(
+            lines, [&](const auto& line) { return line.find(part) != std::string::npos; });
+    });
+    return parts;
+}
+
 void PrintTo(const CapturedLog::Line& line, std::ostream* out) {
     *out << line.level << ' ' << line.text;
 }

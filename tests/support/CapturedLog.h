@@ -28,6 +28,8 @@ class CapturedLog {
     [[nodiscard]] std::vector<Line> take();
     /// As take, each as one text that begins with its level's name.
     [[nodiscard]] std::vector<std::string> told();
+    /// Those of `parts` that none of the lines since the last call has in it.
+    [[nodiscard]] std::vector<std::string> missing(std::vector<std::string> parts);
 
   private:
     struct Sink;
