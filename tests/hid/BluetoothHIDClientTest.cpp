@@ -81,16 +81,5 @@ TEST(HidFactory, GivesTheRealClientsAndTheirDummiesByName) {
         "IBluetoothHIDDeviceClient");
 }
 
-TEST(HidFactory, DummiesSucceedAndAreNeverConnected) {
-    IHIDDeviceClient::Dummy device;
-    IBluetoothHIDClient::Dummy client;
-    IBluetoothHIDDeviceClient::Dummy stack;
-    EXPECT_EQ(device.connect(""), error_code());
-    EXPECT_EQ(client.connect(""), error_code());
-    EXPECT_FALSE(device.isConnected() || client.isConnected());
-    EXPECT_EQ(stack.getType(), 0u);
-    EXPECT_TRUE(stack.setLocalDeviceName("Desk"));
-}
-
 } // namespace
 } // namespace orbelantine::test

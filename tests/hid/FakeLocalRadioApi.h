@@ -11,8 +11,7 @@
 
 namespace orbelantine::test {
 
-/// The local radio, registry and computer name as a script tells them. Knows what was not given
-/// back.
+/// The local radio, registry and computer name as a script tells them.
 class FakeLocalRadioApi : public LocalRadioApi {
   public:
     struct Value {
@@ -24,27 +23,25 @@ class FakeLocalRadioApi : public LocalRadioApi {
     };
 
     /// The present Bluetooth devices' instance ids, in order; an empty one has no id.
-    void simulateInstanceIds(std::vector<std::wstring> ids) { mIds = std::move(ids); }
-
-    void simulateComputerName(const std::wstring& name) { mComputerName = name; }
-
-    void simulateRadioName(const std::wstring& name) { mRadioName = name; }
-
-    void simulateFailureOf(const std::string& call, Error error) { mFailures[call] = error; }
-
-    [[nodiscard]] const std::vector<Value>& values() const { return mValues; }
-
-    [[nodiscard]] int held() const { return mHeld; }
+    std::vector<std::wstring> instanceIds;
+    std::wstring computerName;
+    std::wstring radioName;
+    /// By call.
+    std::map<std::string, Error> failures;
+    /// What was set.
+    std::vector<Value> values;
+    /// Keys and searches that were not given back.
+    int held = 0;
 
     Error setupDiEnumDeviceInfo(Handle, std::uint32_t index, DevInfoData& data) override {
-        if (index >= mIds.size())
+        if (index >= instanceIds.size())
             return win32::kErrorNoMoreItems;
         data.devInst = index + 1;
         return failure("SetupDiEnumDeviceInfo");
     }
 
     Error cmGetDeviceId(std::uint32_t devInst, wchar_t* id, std::uint32_t capacity) override {
-        const std::wstring& found = mIds.at(devInst - 1);
+        const std::wstring& found = instanceIds.at(devInst - 1);
         if (found.empty() || found.size() >= capacity)
             return kCrNoSuchDevInst;
         std::wmemcpy(id, found.c_str(), found.size() + 1);
@@ -59,7 +56,7 @@ class FakeLocalRadioApi : public LocalRadioApi {
             return error;
         mOpenKey = path;
         key = kKey;
-        ++mHeld;
+        ++held;
         return 0;
     }
 
@@ -67,18 +64,17 @@ class FakeLocalRadioApi : public LocalRadioApi {
                         std::uint32_t size) override {
         if (const Error error = failure("RegSetValueEx"))
             return error;
-        mValues.push_back(
-            {mOpenKey, name, type, std::string(static_cast<const char*>(data), size)});
+        values.push_back({mOpenKey, name, type, std::string(static_cast<const char*>(data), size)});
         return 0;
     }
 
-    void regCloseKey(Handle key) override { mHeld -= key == kKey; }
+    void regCloseKey(Handle key) override { held -= key == kKey; }
 
     Error getComputerName(wchar_t* name, std::uint32_t& size) override {
-        if (mComputerName.size() >= size)
+        if (computerName.size() >= size)
             return kErrorBufferOverflow;
-        std::wmemcpy(name, mComputerName.c_str(), mComputerName.size() + 1);
-        size = static_cast<std::uint32_t>(mComputerName.size());
+        std::wmemcpy(name, computerName.c_str(), computerName.size() + 1);
+        size = static_cast<std::uint32_t>(computerName.size());
         return failure("GetComputerName");
     }
 
@@ -87,18 +83,18 @@ class FakeLocalRadioApi : public LocalRadioApi {
             return error;
         search = kSearch;
         radio = kRadio;
-        ++mHeld;
+        ++held;
         return 0;
     }
 
     Error bluetoothGetRadioInfo(Handle radio, RadioInfo& info) override {
         if (radio != kRadio || info.size != 520)
             return win32::kErrorInvalidHandle;
-        info.name = mRadioName;
+        info.name = radioName;
         return failure("BluetoothGetRadioInfo");
     }
 
-    void bluetoothFindRadioClose(Handle search) override { mHeld -= search == kSearch; }
+    void bluetoothFindRadioClose(Handle search) override { held -= search == kSearch; }
 
   private:
     static constexpr Error kCrNoSuchDevInst = 13;
@@ -108,17 +104,11 @@ class FakeLocalRadioApi : public LocalRadioApi {
     static constexpr Handle kRadio = 503;
 
     [[nodiscard]] Error failure(const std::string& call) const {
-        const auto found = mFailures.find(call);
-        return found == mFailures.end() ? 0 : found->second;
+        const auto found = failures.find(call);
+        return found == failures.end() ? 0 : found->second;
     }
 
-    std::vector<std::wstring> mIds;
-    std::wstring mComputerName;
-    std::wstring mRadioName;
-    std::map<std::string, Error> mFailures;
     std::wstring mOpenKey;
-    std::vector<Value> mValues;
-    int mHeld = 0;
 };
 
 } // namespace orbelantine::test

@@ -198,7 +198,7 @@ TEST_F(HidDeviceClient, PeerThatNeverClosesTimesOutAndStaysConnected) {
     CapturedLog log(kLogWarning);
     EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::TimeoutReached));
     EXPECT_EQ(mClock.pauses(), Pauses(10, std::chrono::milliseconds(500)));
-    EXPECT_EQ(log.take().size(), 10u);
+    EXPECT_EQ(log.told().size(), 10u);
     EXPECT_TRUE(mClient->isConnected());
     EXPECT_EQ(mApi.openFiles(), 2u);
     EXPECT_TRUE(mDisconnected.empty());

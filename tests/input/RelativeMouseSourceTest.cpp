@@ -128,7 +128,7 @@ TEST_F(NewRelativeMouse, AScreenBeyondTheReachOfAReportIsRefused) {
     for (const auto& [width, height, inset] : beyond) {
         source->rmiLogicalDimensions(width, height, 2, inset);
         EXPECT_EQ(take(), "");
-        EXPECT_EQ(log.take().size(), 1U) << width << ' ' << height << ' ' << inset;
+        EXPECT_EQ(log.told().size(), 1U) << width << ' ' << height << ' ' << inset;
     }
     (void)play("press 0 0");
     EXPECT_EQ(position(), " 0,0 held");
