@@ -6,7 +6,6 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/smart_ptr/make_shared_object.hpp>
 #include <boost/throw_exception.hpp>
 #include <gtest/gtest.h>
 

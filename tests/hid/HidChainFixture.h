@@ -19,7 +19,6 @@
 #include <functional>
 #include <future>
 #include <iterator>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>

@@ -40,15 +40,15 @@ TEST_F(LocalName, IsWrittenToTheFirstUsbRadioAndReloaded) {
     EXPECT_EQ(mDriver.held(), 0u);
     EXPECT_EQ(mRadio.held, 0);
     const FakeDriverApi::Opening device{kDevice, 0x40000000, 0, 3, 0};
-    EXPECT_EQ(mDriver.openings(), std::vector{device});
+    EXPECT_EQ(mDriver.openings, std::vector{device});
     const FakeLocalRadioApi::Value value{kKey, L"Local Name", 3, "Desk"};
     EXPECT_EQ(mRadio.values, std::vector{value});
     const FakeDriverApi::Request reload{kReload, {4, 0, 0, 0}};
-    EXPECT_EQ(mDriver.requests(), std::vector{reload});
+    EXPECT_EQ(mDriver.requests, std::vector{reload});
     // None is a USB radio.
     mRadio.instanceIds = {L"BTH\\1", L"usb\\lower-case", L"US"};
     EXPECT_FALSE(client.setLocalDeviceName("Desk"));
-    EXPECT_EQ(mDriver.openings().size(), 1u);
+    EXPECT_EQ(mDriver.openings.size(), 1u);
 }
 
 TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
@@ -71,7 +71,7 @@ TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
         FakeLocalRadioApi radio;
         radio.instanceIds = {L"USB\\VID_8087&PID_0A2B\\5&1"};
         WindowsBluetoothHIDDeviceClient client(driver, radio);
-        driver.simulateFailureOf(call, 7);
+        driver.failures[call] = 7;
         radio.failures[call] = 7;
         CapturedLog log(kLogError, kLogName);
         EXPECT_FALSE(client.setLocalDeviceName("Desk")) << call;
@@ -118,10 +118,10 @@ TEST(HidType, IsTwoWhateverTheDriverSays) {
     EXPECT_EQ(WindowsBluetoothHIDDeviceClient(without, radio).getType(), 2u);
     FakeDriverApi with;
     with.simulateHidDriver();
-    with.simulateType(1);
+    with.type = 1;
     EXPECT_EQ(WindowsBluetoothHIDDeviceClient(with, radio).getType(), 2u);
     const FakeDriverApi::Request asked{0x220004, {}};
-    EXPECT_EQ(with.requests(), std::vector{asked});
+    EXPECT_EQ(with.requests, std::vector{asked});
     EXPECT_EQ(with.held(), 0u);
 }
 
