@@ -67,7 +67,8 @@ class FakeDriverApi : public DriverApi {
     /// Runs within each WriteFile.
     std::function<void()> onWrite = [] {};
 
-    /// What it was asked, in order.
+    /// The names of the calls that can fail, and what they asked, in order.
+    std::vector<std::string> calls;
     std::vector<Opening> openings;
     std::vector<Request> requests;
     std::vector<Write> writes;
@@ -253,11 +254,12 @@ class FakeDriverApi : public DriverApi {
         bool cancelled = false;
     };
 
-    /// Fails the call or makes it.
+    /// Records the call, and fails it or makes it.
     template <class Action>
     Error call(const char* name, Action action) {
         const std::lock_guard lock(mMutex);
-        if (++mCalls == mFailingCall.first)
+        calls.push_back(name);
+        if (calls.size() == mFailingCall.first)
             return mFailingCall.second;
         if (const Error error = failures[name])
             return error;
@@ -309,7 +311,6 @@ class FakeDriverApi : public DriverApi {
     int mHanging = 0;
     std::condition_variable mChanged;
     std::pair<std::size_t, Error> mFailingCall;
-    std::size_t mCalls = 0;
 
     Handle mLastHandle = 0;
     std::map<Handle, std::vector<std::wstring>> mLists;

@@ -37,7 +37,7 @@ class FakeLocalRadioApi : public LocalRadioApi {
         if (index >= instanceIds.size())
             return win32::kErrorNoMoreItems;
         data.devInst = index + 1;
-        return failure("SetupDiEnumDeviceInfo");
+        return failures["SetupDiEnumDeviceInfo"];
     }
 
     Error cmGetDeviceId(std::uint32_t devInst, wchar_t* id, std::uint32_t capacity) override {
@@ -52,7 +52,7 @@ class FakeLocalRadioApi : public LocalRadioApi {
                        Handle& key) override {
         if (root != kLocalMachine || access != kKeySetValue)
             return win32::kErrorInvalidHandle;
-        if (const Error error = failure("RegOpenKeyEx"))
+        if (const Error error = failures["RegOpenKeyEx"])
             return error;
         mOpenKey = path;
         key = kKey;
@@ -62,7 +62,7 @@ class FakeLocalRadioApi : public LocalRadioApi {
 
     Error regSetValueEx(Handle, const std::wstring& name, std::uint32_t type, const void* data,
                         std::uint32_t size) override {
-        if (const Error error = failure("RegSetValueEx"))
+        if (const Error error = failures["RegSetValueEx"])
             return error;
         values.push_back({mOpenKey, name, type, std::string(static_cast<const char*>(data), size)});
         return 0;
@@ -75,11 +75,11 @@ class FakeLocalRadioApi : public LocalRadioApi {
             return kErrorBufferOverflow;
         std::wmemcpy(name, computerName.c_str(), computerName.size() + 1);
         size = static_cast<std::uint32_t>(computerName.size());
-        return failure("GetComputerName");
+        return failures["GetComputerName"];
     }
 
     Error bluetoothFindFirstRadio(Handle& search, Handle& radio) override {
-        if (const Error error = failure("BluetoothFindFirstRadio"))
+        if (const Error error = failures["BluetoothFindFirstRadio"])
             return error;
         search = kSearch;
         radio = kRadio;
@@ -91,7 +91,7 @@ class FakeLocalRadioApi : public LocalRadioApi {
         if (radio != kRadio || info.size != 520)
             return win32::kErrorInvalidHandle;
         info.name = radioName;
-        return failure("BluetoothGetRadioInfo");
+        return failures["BluetoothGetRadioInfo"];
     }
 
     void bluetoothFindRadioClose(Handle search) override { held -= search == kSearch; }
@@ -102,11 +102,6 @@ class FakeLocalRadioApi : public LocalRadioApi {
     static constexpr Handle kKey = 501;
     static constexpr Handle kSearch = 502;
     static constexpr Handle kRadio = 503;
-
-    [[nodiscard]] Error failure(const std::string& call) const {
-        const auto found = failures.find(call);
-        return found == failures.end() ? 0 : found->second;
-    }
 
     std::wstring mOpenKey;
 };

@@ -159,7 +159,7 @@ TEST_F(HidDeviceClient, ChannelWithoutAThreadIsAFailedConnect) {
 
 TEST_F(HidDeviceClient, UnplugThatCannotBeAskedForIsRefusedAtOnce) {
     EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::InvalidState));
-    EXPECT_TRUE(mApi.openings.empty());
+    EXPECT_TRUE(mApi.calls.empty());
     connect();
     mApi.failures["WriteFile"] = 433;
     EXPECT_EQ(mClient->virtualCableUnplug(), socketCode(-1));
