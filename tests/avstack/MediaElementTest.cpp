@@ -39,8 +39,8 @@ boost::shared_ptr<IMediaBuffer> makeBuffer() {
     return boost::make_shared<IInputMediaBufferMouse>(1, 2, std::uint8_t{0});
 }
 
-Lines traceOf(const std::string& name) {
-    return {{kLogDebug, "Entering function " + name}, {kLogDebug, "Leaving function " + name}};
+Texts traceOf(const std::string& name) {
+    return {"debug Entering function " + name, "debug Leaving function " + name};
 }
 
 TEST(MediaElement, StartWithACallbackStartsReportsSuccessAndDropsIt) {
@@ -71,7 +71,7 @@ TEST(MediaElement, NullElementsOnlyTraceUnderTheirNames) {
         {"flush", [&] { element.flush(); }}};
     for (const auto& [name, perform] : operations) {
         perform();
-        EXPECT_EQ(log.take(), traceOf(std::string("orbelantine::IMediaElement::") + name));
+        EXPECT_EQ(log.told(), traceOf(std::string("orbelantine::IMediaElement::") + name));
     }
 }
 
@@ -105,7 +105,7 @@ TEST(MediaElement, ProxyCallsItsFunctionAndLeavesTheTargetToIt) {
     CapturedLog log(kLogDebug);
     Proxy empty(Proxy::Handler(), "proxy");
     empty.registerTarget(target);
-    EXPECT_EQ(log.take(), traceOf("orbelantine::IMediaElement::TemplateProxySimplified<class "
+    EXPECT_EQ(log.told(), traceOf("orbelantine::IMediaElement::TemplateProxySimplified<class "
                                   "orbelantine::IMediaElement>::registerTarget"));
     EXPECT_THROW(empty.onFrame(buffer), boost::bad_function_call);
 }

@@ -61,7 +61,7 @@ TEST(BluetoothDriver, OpensFirstPathWithTheMarkInOneOfItsTwoSpellings) {
             api.simulateDevice(kClass, path);
         EXPECT_EQ(BluetoothDriver(false, api).open(kClass, kFlags), error_code());
         const FakeDriverApi::Opening expected{opened, 0xC0000000, 3, 3, kFlags};
-        EXPECT_EQ(api.openings(), std::vector{expected});
+        EXPECT_EQ(api.openings, std::vector{expected});
     }
 }
 
@@ -137,14 +137,14 @@ TEST(BluetoothDriver, SearchWithoutHitTellsWhy) {
         api.simulateFailure(testCase.failingCall, 1450);
         EXPECT_EQ(BluetoothDriver(false, api).open(kClass, kFlags), testCase.expected)
             << testCase.what;
-        EXPECT_TRUE(api.openings().empty()) << testCase.what;
+        EXPECT_TRUE(api.openings.empty()) << testCase.what;
     }
 }
 
 TEST_F(BluetoothDriverTest, OpeningIsRefusedWithoutTheFileAndToOthersWhileAnotherHasThePathAlone) {
-    mApi.simulateFailureOf("CreateFile", 2);
+    mApi.failures["CreateFile"] = 2;
     EXPECT_EQ(open(), driverCode(DriverErrors::DriverNotInstalled));
-    mApi.simulateFailureOf("CreateFile", 0);
+    mApi.failures["CreateFile"] = 0;
     BluetoothDriver first(true, mApi);
     BluetoothDriver second(true, mApi);
     ASSERT_FALSE(first.open(kClass, kFlags));
@@ -210,7 +210,7 @@ TEST_F(BluetoothDriverTest, RemovalOfAnEarlierOpeningIsNotThePresentOnes) {
 
 TEST_F(BluetoothDriverTest, CloseEndsARequestThatHangsBeforeItGivesBackTheHandle) {
     ASSERT_FALSE(open());
-    mApi.simulateHang(driver::kGetVersion);
+    mApi.hangingCode = driver::kGetVersion;
     std::int16_t version = 0;
     auto asking = std::async(std::launch::async,
                              [&] { return mDriver.getVersion(driver::kGetVersion, version); });
@@ -231,10 +231,10 @@ TEST_F(BluetoothDriverTest, LeadsAWholeLifeAndLogsItInItsOwnWords) {
     EXPECT_EQ(mApi.openFiles(), 1u);
     EXPECT_EQ(driver.getVersion(0x222018, version), apiCode(1, "Driver:DeviceIoControl"));
     EXPECT_EQ(version, 77);
-    mApi.simulateVersion(-2);
+    mApi.version = -2;
     EXPECT_EQ(driver.getVersion(driver::kGetVersion, version), error_code());
     EXPECT_EQ(version, -2);
-    EXPECT_EQ(mApi.requests(),
+    EXPECT_EQ(mApi.requests,
               (std::vector<FakeDriverApi::Request>{{0x222018, {}}, {driver::kGetVersion, {}}}));
     EXPECT_EQ(token.use_count(), 2);
     driver.close();

@@ -19,7 +19,7 @@
 namespace orbelantine::test {
 
 /// The system and the private driver as a script tells them. Records what it was asked, and knows
-/// what was not given back. Any thread may call.
+/// what was not given back. Any thread may call; the public fields are for when none does.
 class FakeDriverApi : public DriverApi {
   public:
     using Bytes = std::vector<std::uint8_t>;
@@ -56,15 +56,22 @@ class FakeDriverApi : public DriverApi {
     /// A HID driver that works.
     void simulateHidDriver() { simulateDevice(driver::kHidInterfaces[0], kHidPath); }
 
-    void simulateVersion(std::int16_t version) { mVersion = version; }
-
-    void simulateType(std::uint32_t type) { mType = type; }
-
-    /// The peer refuses a channel.
-    void simulateRefusedPsm(std::uint16_t psm) { mRefusedPsm = psm; }
-
+    std::int16_t version = driver::kExpectedHidVersion;
+    std::uint32_t type = 0;
+    /// A channel that the peer refuses.
+    std::uint16_t refusedPsm = 0;
     /// Requests of that code don't come back until they are cancelled.
-    void simulateHang(std::uint32_t code) { mHangingCode = code; }
+    std::uint32_t hangingCode = 0;
+    /// How all calls of a name fail; 0 for not at all.
+    std::map<std::string, Error> failures;
+    /// Runs within each WriteFile.
+    std::function<void()> onWrite = [] {};
+
+    /// The names of the calls that can fail, and what they asked, in order.
+    std::vector<std::string> calls;
+    std::vector<Opening> openings;
+    std::vector<Request> requests;
+    std::vector<Write> writes;
 
     /// Until a request hangs.
     void awaitHang() {
@@ -88,21 +95,6 @@ class FakeDriverApi : public DriverApi {
 
     /// The `number`-th call from the start fails, counted from 1.
     void simulateFailure(std::size_t number, Error error) { mFailingCall = {number, error}; }
-
-    /// Every call of that name fails from now on; 0 ends it.
-    void simulateFailureOf(const std::string& call, Error error) { mFailures[call] = error; }
-
-    /// Runs within each WriteFile.
-    void onWrite(std::function<void()> hook) { mOnWrite = std::move(hook); }
-
-    /// The names of the calls that can fail, in order.
-    std::vector<std::string> calls() const { return locked(mCalls); }
-
-    std::vector<Opening> openings() const { return locked(mOpenings); }
-
-    std::vector<Request> requests() const { return locked(mRequests); }
-
-    std::vector<Write> writes() const { return locked(mWrites); }
 
     /// Handles, lists, memory blocks and notifications that were not given back.
     std::size_t held() const {
@@ -173,7 +165,7 @@ class FakeDriverApi : public DriverApi {
     Error createFile(const std::wstring& path, std::uint32_t access, std::uint32_t share,
                      std::uint32_t disposition, std::uint32_t flags, Handle& file) override {
         return call("CreateFile", [&] {
-            mOpenings.push_back({path, access, share, disposition, flags});
+            openings.push_back({path, access, share, disposition, flags});
             file = ++mLastHandle;
             mFiles[file] = {};
             return win32::kErrorSuccess;
@@ -196,13 +188,13 @@ class FakeDriverApi : public DriverApi {
                           std::uint32_t& returned) override {
         return call("DeviceIoControl", [&]() -> Error {
             const auto* bytes = static_cast<const std::uint8_t*>(input);
-            mRequests.push_back({code, Bytes(bytes, bytes + inputSize)});
+            requests.push_back({code, Bytes(bytes, bytes + inputSize)});
             std::uint32_t answered = 0;
             if (mFiles.count(file) == 0)
                 return win32::kErrorInvalidHandle;
-            if (code == mHangingCode)
+            if (code == hangingCode)
                 return hang(mFiles[file]);
-            if (const Error error = answer(mFiles[file], mRequests.back(), answered, returned))
+            if (const Error error = answer(mFiles[file], requests.back(), answered, returned))
                 return error;
             if (returned > outputSize)
                 return win32::kErrorInsufficientBuffer;
@@ -215,12 +207,11 @@ class FakeDriverApi : public DriverApi {
     Error writeFile(Handle file, const void* data, std::uint32_t size,
                     std::uint32_t& written) override {
         return call("WriteFile", [&] {
-            if (mOnWrite)
-                mOnWrite();
+            onWrite();
             if (mFiles.count(file) == 0)
                 return win32::kErrorInvalidHandle;
             const auto* bytes = static_cast<const std::uint8_t*>(data);
-            mWrites.push_back({mFiles[file].psm, Bytes(bytes, bytes + size)});
+            writes.push_back({mFiles[file].psm, Bytes(bytes, bytes + size)});
             written = size;
             return win32::kErrorSuccess;
         });
@@ -263,22 +254,15 @@ class FakeDriverApi : public DriverApi {
         bool cancelled = false;
     };
 
-    template <class T>
-    T locked(const T& recorded) const {
-        const std::lock_guard lock(mMutex);
-        return recorded;
-    }
-
     /// Records the call, and fails it or makes it.
     template <class Action>
     Error call(const char* name, Action action) {
         const std::lock_guard lock(mMutex);
-        mCalls.push_back(name);
-        if (mCalls.size() == mFailingCall.first)
+        calls.push_back(name);
+        if (calls.size() == mFailingCall.first)
             return mFailingCall.second;
-        const auto found = mFailures.find(name);
-        if (found != mFailures.end() && found->second)
-            return found->second;
+        if (const Error error = failures[name])
+            return error;
         return static_cast<Error>(action());
     }
 
@@ -300,14 +284,14 @@ class FakeDriverApi : public DriverApi {
         case driver::kConnect:
             size = 0;
             file.psm = static_cast<std::uint16_t>(request.input.at(6) | request.input.at(7) << 8);
-            file.stands = file.psm != mRefusedPsm;
+            file.stands = file.psm != refusedPsm;
             return file.stands ? win32::kErrorSuccess : kErrorConnectionRefused;
         case driver::kGetVersion:
             size = 2;
-            output = static_cast<std::uint16_t>(mVersion);
+            output = static_cast<std::uint16_t>(version);
             return win32::kErrorSuccess;
         case driver::kGetType:
-            output = mType;
+            output = type;
             return win32::kErrorSuccess;
         case driver::kIsConnected:
             output = file.stands;
@@ -324,26 +308,15 @@ class FakeDriverApi : public DriverApi {
     // Held during callbacks, so that unregistering waits for them as the system does.
     mutable std::mutex mNotificationMutex;
     std::vector<Device> mDevices;
-    std::int16_t mVersion = driver::kExpectedHidVersion;
-    std::uint32_t mType = 0;
-    std::uint16_t mRefusedPsm = 0;
-    std::uint32_t mHangingCode = 0;
     int mHanging = 0;
     std::condition_variable mChanged;
     std::pair<std::size_t, Error> mFailingCall;
-    std::map<std::string, Error> mFailures;
-    std::function<void()> mOnWrite;
 
     Handle mLastHandle = 0;
     std::map<Handle, std::vector<std::wstring>> mLists;
     std::map<Handle, OpenFile> mFiles;
     std::map<Handle, std::function<void(std::uint32_t action)>> mNotifications;
     std::size_t mMemoryBlocks = 0;
-
-    std::vector<std::string> mCalls;
-    std::vector<Opening> mOpenings;
-    std::vector<Request> mRequests;
-    std::vector<Write> mWrites;
 };
 
 } // namespace orbelantine::test

@@ -44,10 +44,10 @@ TEST_F(WindowsBluetoothHIDDeviceTest, ChecksForExactlyOneVersion) {
     };
 
     for (const auto& [version, expected] : cases) {
-        mApi.simulateVersion(version);
+        mApi.version = version;
         EXPECT_EQ(mDevice.checkVersion(), expected) << version;
     }
-    mApi.simulateFailureOf("DeviceIoControl", 31);
+    mApi.failures["DeviceIoControl"] = 31;
     EXPECT_EQ(mDevice.checkVersion(), error_code(31, apiCategory("Driver:DeviceIoControl")));
 }
 
@@ -55,7 +55,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, ConnectSendsAddressBackwardsThenPsmThenCha
     EXPECT_EQ(mDevice.connect(kPhone, 17), 1);
     EXPECT_EQ(mDevice.connect(kPhone, 19), 2);
     EXPECT_EQ(mDevice.channel(), 2);
-    mApi.simulateRefusedPsm(0x1234);
+    mApi.refusedPsm = 0x1234;
     EXPECT_EQ(mDevice.connect(kPhone, 0x1234), 0);
     EXPECT_EQ(mDevice.channel(), 2);
     const std::vector<FakeDriverApi::Request> expected = {
@@ -63,7 +63,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, ConnectSendsAddressBackwardsThenPsmThenCha
         {0x220000, {0xAB, 0x89, 0x67, 0x45, 0x23, 0x01, 19, 0, 2, 0}},
         {0x220000, {0xAB, 0x89, 0x67, 0x45, 0x23, 0x01, 0x34, 0x12, 1, 0}},
     };
-    EXPECT_EQ(mApi.requests(), expected);
+    EXPECT_EQ(mApi.requests, expected);
 }
 
 TEST_F(WindowsBluetoothHIDDeviceTest, AddressIsReadByPositionAloneAndHasSeventeenCharacters) {
@@ -80,7 +80,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, AddressIsReadByPositionAloneAndHasSeventee
 
     for (const auto& [text, backwards] : addresses) {
         EXPECT_GT(mDevice.connect(text, 17), 0) << text;
-        Bytes address = mApi.requests().back().input;
+        Bytes address = mApi.requests.back().input;
         address.resize(6);
         EXPECT_EQ(address, backwards) << text;
     }
@@ -92,13 +92,13 @@ TEST_F(WindowsBluetoothHIDDeviceTest, AddressIsReadByPositionAloneAndHasSeventee
             (Texts{"error convertBthAddress() Wrong size",
                    "error connect() no connection: an address looks like 01:23:45:67:89:AB"}));
     }
-    EXPECT_EQ(mApi.requests().size(), std::size(addresses));
+    EXPECT_EQ(mApi.requests.size(), std::size(addresses));
 }
 
 TEST_F(WindowsBluetoothHIDDeviceTest, FailedConnectIsLoggedInWords) {
     std::set<std::string> reasons;
     for (const DriverApi::Error error : {170U, 1168U, 1225U, 1460U}) {
-        mApi.simulateFailureOf("DeviceIoControl", error);
+        mApi.failures["DeviceIoControl"] = error;
         CapturedLog log(kLogError, kDeviceLogName);
         EXPECT_EQ(mDevice.connect(kPhone, 17), 0);
         const auto lines = log.told();
@@ -112,7 +112,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, FailedConnectIsLoggedInWords) {
 
 TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAWriteOfMoreThanFiveMillisecondsIsLoggedAsSlow) {
     for (const int ms : {0, 5, 6, 120}) {
-        mApi.onWrite([&] { mClock.advance(std::chrono::milliseconds(ms)); });
+        mApi.onWrite = [&] { mClock.advance(std::chrono::milliseconds(ms)); };
         CapturedLog log(kLogTrace, kDeviceLogName);
         EXPECT_TRUE(mDevice.sendData("x", 1));
         EXPECT_EQ(log.told(),
@@ -122,7 +122,7 @@ TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAWriteOfMoreThanFiveMillisecondsIsLogg
 }
 
 TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAnOpenDeviceIsAsked) {
-    mApi.simulateType(0x01020304);
+    mApi.type = 0x01020304;
     std::uint32_t type = 0;
     EXPECT_TRUE(mDevice.getType(type));
     EXPECT_EQ(type, 0x01020304u);
@@ -136,8 +136,8 @@ TEST_F(WindowsBluetoothHIDDeviceTest, OnlyAnOpenDeviceIsAsked) {
     EXPECT_EQ(log.told(),
               (Texts{"error connect() Device is not open", "error isConnected() Device is not open",
                      "error sendData() Device is not open", "error getType() Device is not open"}));
-    EXPECT_EQ(mApi.requests().size(), 1u);
-    EXPECT_TRUE(mApi.writes().empty());
+    EXPECT_EQ(mApi.requests.size(), 1u);
+    EXPECT_TRUE(mApi.writes.empty());
 }
 
 TEST(WindowsBluetoothHIDDevice, TriesTheTwoInterfaceClassesInOrder) {
@@ -165,7 +165,7 @@ TEST(WindowsBluetoothHIDDevice, TriesTheTwoInterfaceClassesInOrder) {
             api.simulateDevice(driver::kHidInterfaces[1], L"2}_LOCALMFG", second == Running);
         WindowsBluetoothHIDDevice device(api);
         EXPECT_EQ(device.open(), expected);
-        EXPECT_EQ(api.openings().empty() ? L"" : api.openings()[0].path, opened);
+        EXPECT_EQ(api.openings.empty() ? L"" : api.openings[0].path, opened);
     }
 }
 

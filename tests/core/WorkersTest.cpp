@@ -6,7 +6,6 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/smart_ptr/make_shared_object.hpp>
 #include <boost/throw_exception.hpp>
 #include <gtest/gtest.h>
 
@@ -150,9 +149,9 @@ TEST(SafeIoService, FaultAloneIsLoggedAndToldAndEndsTheRun) {
         EXPECT_FALSE(wentOn);
         ASSERT_EQ(told.size(), 1u);
         EXPECT_NE(told[0].find(each.told), std::string::npos) << told[0];
-        const std::string line = std::string("orbelantine::safeIoServiceRunWithPtr") +
+        const std::string line = std::string("error orbelantine::safeIoServiceRunWithPtr") +
                                  each.logBegins + (each.logHasDiagnostics ? told[0] : "");
-        EXPECT_EQ(log.take(), (Lines{{kLogError, line}}));
+        EXPECT_EQ(log.told(), Texts{line});
         told.clear();
     }
     boost::asio::io_context quiet;

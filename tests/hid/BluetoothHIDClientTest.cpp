@@ -27,8 +27,7 @@ class BluetoothHidClient : public testing::Test {
   protected:
     ChainScript mScript;
     boost::shared_ptr<FakeHidDevice> mDevice = boost::make_shared<FakeHidDevice>(mScript);
-    FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient",
-                                               [this](const KVStore&) { return mDevice; }};
+    FactoryOverride<IHIDDeviceClient> mDevices{"HIDDeviceClient", mDevice};
     BluetoothHIDClient mClient{KVStore()};
 };
 
@@ -80,17 +79,6 @@ TEST(HidFactory, GivesTheRealClientsAndTheirDummiesByName) {
     expectRealAndDummy<BluetoothHIDClient, IBluetoothHIDClient>("IBluetoothHIDClient");
     expectRealAndDummy<WindowsBluetoothHIDDeviceClient, IBluetoothHIDDeviceClient>(
         "IBluetoothHIDDeviceClient");
-}
-
-TEST(HidFactory, DummiesSucceedAndAreNeverConnected) {
-    IHIDDeviceClient::Dummy device;
-    IBluetoothHIDClient::Dummy client;
-    IBluetoothHIDDeviceClient::Dummy stack;
-    EXPECT_EQ(device.connect(""), error_code());
-    EXPECT_EQ(client.connect(""), error_code());
-    EXPECT_FALSE(device.isConnected() || client.isConnected());
-    EXPECT_EQ(stack.getType(), 0u);
-    EXPECT_TRUE(stack.setLocalDeviceName("Desk"));
 }
 
 } // namespace

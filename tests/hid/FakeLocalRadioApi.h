@@ -11,8 +11,7 @@
 
 namespace orbelantine::test {
 
-/// The local radio, registry and computer name as a script tells them. Knows what was not given
-/// back.
+/// The local radio, registry and computer name as a script tells them.
 class FakeLocalRadioApi : public LocalRadioApi {
   public:
     struct Value {
@@ -24,27 +23,25 @@ class FakeLocalRadioApi : public LocalRadioApi {
     };
 
     /// The present Bluetooth devices' instance ids, in order; an empty one has no id.
-    void simulateInstanceIds(std::vector<std::wstring> ids) { mIds = std::move(ids); }
-
-    void simulateComputerName(const std::wstring& name) { mComputerName = name; }
-
-    void simulateRadioName(const std::wstring& name) { mRadioName = name; }
-
-    void simulateFailureOf(const std::string& call, Error error) { mFailures[call] = error; }
-
-    [[nodiscard]] const std::vector<Value>& values() const { return mValues; }
-
-    [[nodiscard]] int held() const { return mHeld; }
+    std::vector<std::wstring> instanceIds;
+    std::wstring computerName;
+    std::wstring radioName;
+    /// By call.
+    std::map<std::string, Error> failures;
+    /// What was set.
+    std::vector<Value> values;
+    /// Keys and searches that were not given back.
+    int held = 0;
 
     Error setupDiEnumDeviceInfo(Handle, std::uint32_t index, DevInfoData& data) override {
-        if (index >= mIds.size())
+        if (index >= instanceIds.size())
             return win32::kErrorNoMoreItems;
         data.devInst = index + 1;
-        return failure("SetupDiEnumDeviceInfo");
+        return failures["SetupDiEnumDeviceInfo"];
     }
 
     Error cmGetDeviceId(std::uint32_t devInst, wchar_t* id, std::uint32_t capacity) override {
-        const std::wstring& found = mIds.at(devInst - 1);
+        const std::wstring& found = instanceIds.at(devInst - 1);
         if (found.empty() || found.size() >= capacity)
             return kCrNoSuchDevInst;
         std::wmemcpy(id, found.c_str(), found.size() + 1);
@@ -55,50 +52,49 @@ class FakeLocalRadioApi : public LocalRadioApi {
                        Handle& key) override {
         if (root != kLocalMachine || access != kKeySetValue)
             return win32::kErrorInvalidHandle;
-        if (const Error error = failure("RegOpenKeyEx"))
+        if (const Error error = failures["RegOpenKeyEx"])
             return error;
         mOpenKey = path;
         key = kKey;
-        ++mHeld;
+        ++held;
         return 0;
     }
 
     Error regSetValueEx(Handle, const std::wstring& name, std::uint32_t type, const void* data,
                         std::uint32_t size) override {
-        if (const Error error = failure("RegSetValueEx"))
+        if (const Error error = failures["RegSetValueEx"])
             return error;
-        mValues.push_back(
-            {mOpenKey, name, type, std::string(static_cast<const char*>(data), size)});
+        values.push_back({mOpenKey, name, type, std::string(static_cast<const char*>(data), size)});
         return 0;
     }
 
-    void regCloseKey(Handle key) override { mHeld -= key == kKey; }
+    void regCloseKey(Handle key) override { held -= key == kKey; }
 
     Error getComputerName(wchar_t* name, std::uint32_t& size) override {
-        if (mComputerName.size() >= size)
+        if (computerName.size() >= size)
             return kErrorBufferOverflow;
-        std::wmemcpy(name, mComputerName.c_str(), mComputerName.size() + 1);
-        size = static_cast<std::uint32_t>(mComputerName.size());
-        return failure("GetComputerName");
+        std::wmemcpy(name, computerName.c_str(), computerName.size() + 1);
+        size = static_cast<std::uint32_t>(computerName.size());
+        return failures["GetComputerName"];
     }
 
     Error bluetoothFindFirstRadio(Handle& search, Handle& radio) override {
-        if (const Error error = failure("BluetoothFindFirstRadio"))
+        if (const Error error = failures["BluetoothFindFirstRadio"])
             return error;
         search = kSearch;
         radio = kRadio;
-        ++mHeld;
+        ++held;
         return 0;
     }
 
     Error bluetoothGetRadioInfo(Handle radio, RadioInfo& info) override {
         if (radio != kRadio || info.size != 520)
             return win32::kErrorInvalidHandle;
-        info.name = mRadioName;
-        return failure("BluetoothGetRadioInfo");
+        info.name = radioName;
+        return failures["BluetoothGetRadioInfo"];
     }
 
-    void bluetoothFindRadioClose(Handle search) override { mHeld -= search == kSearch; }
+    void bluetoothFindRadioClose(Handle search) override { held -= search == kSearch; }
 
   private:
     static constexpr Error kCrNoSuchDevInst = 13;
@@ -107,18 +103,7 @@ class FakeLocalRadioApi : public LocalRadioApi {
     static constexpr Handle kSearch = 502;
     static constexpr Handle kRadio = 503;
 
-    [[nodiscard]] Error failure(const std::string& call) const {
-        const auto found = mFailures.find(call);
-        return found == mFailures.end() ? 0 : found->second;
-    }
-
-    std::vector<std::wstring> mIds;
-    std::wstring mComputerName;
-    std::wstring mRadioName;
-    std::map<std::string, Error> mFailures;
     std::wstring mOpenKey;
-    std::vector<Value> mValues;
-    int mHeld = 0;
 };
 
 } // namespace orbelantine::test

@@ -5,10 +5,10 @@
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
 #include "bluetooth/Completion.h"
-#include "core/common/OSAL.h"
 #include "hid/channel/IHIDDeviceClient.h"
 #include "hid/link/IBluetoothHIDClient.h"
 #include "hid/link/IBluetoothSDPController.h"
+#include "tests/support/FactoryOverride.h"
 
 #include <boost/algorithm/hex.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
@@ -19,7 +19,6 @@
 #include <functional>
 #include <future>
 #include <iterator>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -57,40 +56,6 @@ class Journal {
     std::mutex mMutex;
     std::condition_variable mChanged;
     Names mNotes;
-};
-
-/// Serves an implementation's name in the factory as long as this object lives.
-template <class Interface, class... Arguments>
-class FactoryOverride final : public OSALCreator<Interface, Arguments...> {
-  public:
-    using Function =
-        std::function<boost::shared_ptr<Interface>(const KVStore& store, Arguments...)>;
-
-    FactoryOverride(std::string name, Function function)
-        : mName(std::move(name))
-        , mFunction(std::move(function)) {
-        try {
-            mFormer = OSALFactory::instance().retrieveFactory(mName, mName);
-        } catch (const Exception&) {
-            mFormer = nullptr;
-        }
-        OSALFactory::registerFactory(mName, static_cast<OSALCreatorBase*>(this));
-    }
-
-    ~FactoryOverride() override { OSALFactory::registerFactory(mName, mFormer); }
-
-    FactoryOverride(const FactoryOverride&) = delete;
-    FactoryOverride& operator=(const FactoryOverride&) = delete;
-
-  private:
-    boost::shared_ptr<Interface> create(const KVStore& store,
-                                        Arguments... arguments) const override {
-        return mFunction(store, arguments...);
-    }
-
-    std::string mName;
-    Function mFunction;
-    void* mFormer = nullptr;
 };
 
 /// What the fakes of a chain are told, and tell.

@@ -59,11 +59,11 @@ TEST_F(HidDeviceClient, ConnectsControlThenInterruptThenGreetsTwiceAndRefusesToC
     EXPECT_TRUE(mClient->isConnected());
     EXPECT_EQ(mApi.openFiles(), 2u);
     std::vector<std::uint16_t> psms;
-    for (const auto& request : mApi.requests())
+    for (const auto& request : mApi.requests)
         if (request.code == driver::kConnect)
             psms.push_back(request.input[6]);
     EXPECT_EQ(psms, (std::vector<std::uint16_t>{17, 19}));
-    EXPECT_EQ(mApi.writes(), (std::vector{kGreeting, kGreeting}));
+    EXPECT_EQ(mApi.writes, (std::vector{kGreeting, kGreeting}));
     EXPECT_TRUE(mClock.pauses().empty());
 }
 
@@ -71,7 +71,7 @@ TEST_F(HidDeviceClient, ReportGoesDownOnTheInterruptChannelOfAConnectionAlone) {
     connect();
     send();
     const Write expected{19, {0xA1, 0x02, 0x05}};
-    EXPECT_EQ(mApi.writes(), (std::vector{kGreeting, kGreeting, expected}));
+    EXPECT_EQ(mApi.writes, (std::vector{kGreeting, kGreeting, expected}));
     mClient->disconnect();
     EXPECT_FALSE(mClient->isConnected());
     EXPECT_EQ(mApi.held(), 0u);
@@ -89,7 +89,7 @@ TEST_F(HidDeviceClient, FailedReportTellsItsOwnListenersOfSuccessAndStaysConnect
     IHIDDeviceClient& base = *mClient;
     base.onDisconnected.connect([&](error_code) { ++inherited; });
     connect();
-    mApi.simulateFailureOf("WriteFile", 433);
+    mApi.failures["WriteFile"] = 433;
     send();
     EXPECT_EQ(mDisconnected, std::vector{error_code()});
     EXPECT_EQ(inherited, 0);
@@ -119,18 +119,18 @@ TEST_F(HidDeviceClient, ForcedDisconnectBreaksACallThatHangsInTheDriverAndTheNex
     } cases[] = {{driver::kGetVersion, 136}, {driver::kConnect, -1}};
 
     for (const auto& [hangingCode, expected] : cases) {
-        mApi.simulateHang(hangingCode);
+        mApi.hangingCode = hangingCode;
         auto connected = std::async(std::launch::async, [&] { return mClient->connect(kPeer); });
         mApi.awaitHang();
         mClient->forceDisconnect();
         EXPECT_EQ(connected.get(), socketCode(expected)) << hangingCode;
         EXPECT_EQ(mApi.held(), 0u) << hangingCode;
-        mApi.simulateHang(0);
+        mApi.hangingCode = 0;
         connect();
         mClient->disconnect();
     }
     connect();
-    mApi.simulateHang(driver::kIsConnected);
+    mApi.hangingCode = driver::kIsConnected;
     auto unplugged = std::async(std::launch::async, [&] { return mClient->virtualCableUnplug(); });
     mApi.awaitHang();
     mClient->forceDisconnect();
@@ -159,14 +159,14 @@ TEST_F(HidDeviceClient, ChannelWithoutAThreadIsAFailedConnect) {
 
 TEST_F(HidDeviceClient, UnplugThatCannotBeAskedForIsRefusedAtOnce) {
     EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::InvalidState));
-    EXPECT_TRUE(mApi.calls().empty());
+    EXPECT_TRUE(mApi.calls.empty());
     connect();
-    mApi.simulateFailureOf("WriteFile", 433);
+    mApi.failures["WriteFile"] = 433;
     EXPECT_EQ(mClient->virtualCableUnplug(), socketCode(-1));
-    mApi.simulateFailureOf("WriteFile", 0);
+    mApi.failures["WriteFile"] = 0;
     mApi.simulateChannelsGone();
     EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::SocketIsDisconnected));
-    EXPECT_EQ(mApi.writes().back(), kGreeting);
+    EXPECT_EQ(mApi.writes.back(), kGreeting);
     EXPECT_TRUE(mClock.pauses().empty());
     EXPECT_TRUE(mClient->isConnected());
 }
@@ -174,7 +174,7 @@ TEST_F(HidDeviceClient, UnplugThatCannotBeAskedForIsRefusedAtOnce) {
 TEST_F(HidDeviceClient, UnplugEndsWhenThePeerClosesItsSideOrTheProbeFails) {
     const std::function<void()> ends[] = {
         [this] { mApi.simulateChannelsGone(); },
-        [this] { mApi.simulateFailureOf("DeviceIoControl", 31); },
+        [this] { mApi.failures["DeviceIoControl"] = 31; },
     };
     Pauses expected;
     for (const auto& end : ends) {
@@ -186,7 +186,7 @@ TEST_F(HidDeviceClient, UnplugEndsWhenThePeerClosesItsSideOrTheProbeFails) {
         });
         EXPECT_EQ(mClient->virtualCableUnplug(), error_code());
         EXPECT_EQ(mClock.pauses(), expected);
-        EXPECT_EQ(mApi.writes().back(), kUnplug);
+        EXPECT_EQ(mApi.writes.back(), kUnplug);
         EXPECT_FALSE(mClient->isConnected());
         EXPECT_EQ(mApi.held(), 0u);
     }
@@ -198,7 +198,7 @@ TEST_F(HidDeviceClient, PeerThatNeverClosesTimesOutAndStaysConnected) {
     CapturedLog log(kLogWarning);
     EXPECT_EQ(mClient->virtualCableUnplug(), codeOf(HidErrors::TimeoutReached));
     EXPECT_EQ(mClock.pauses(), Pauses(10, std::chrono::milliseconds(500)));
-    EXPECT_EQ(log.take().size(), 10u);
+    EXPECT_EQ(log.told().size(), 10u);
     EXPECT_TRUE(mClient->isConnected());
     EXPECT_EQ(mApi.openFiles(), 2u);
     EXPECT_TRUE(mDisconnected.empty());

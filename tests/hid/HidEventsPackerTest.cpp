@@ -149,7 +149,7 @@ TEST_F(HidEventsPacker, StopForgetsWhatIsHeldAndSendsToANullElement) {
     EXPECT_EQ(target.use_count(), 1);
     CapturedLog log(kLogDebug);
     EXPECT_EQ(mouse(0), Bytes());
-    EXPECT_EQ(log.take().back().text, "Leaving function orbelantine::IMediaElement::onFrame");
+    EXPECT_EQ(log.told().back(), "debug Leaving function orbelantine::IMediaElement::onFrame");
     packer.registerTarget(target);
     EXPECT_EQ(mouse(0), (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(key(167, 0), (Bytes{0xA1, 2, 0, 242, 0, 0, 0, 0, 0, 0, 0, 0}));

@@ -73,10 +73,10 @@ TEST_F(L2capSocket, IsOpenUntilCloseAndChecksTheVersionBeforeItOpensTheChannel) 
         {0x220008, {}},
         {0x220000, {0xAB, 0x89, 0x67, 0x45, 0x23, 0x01, 17, 0, 1, 0}},
     };
-    EXPECT_EQ(mApi.requests(), expected);
-    EXPECT_EQ(mApi.openings().at(0).flags, 0xA0000000u);
+    EXPECT_EQ(mApi.requests, expected);
+    EXPECT_EQ(mApi.openings.at(0).flags, 0xA0000000u);
     for (const std::int16_t version : {3, 5}) {
-        mApi.simulateVersion(version);
+        mApi.version = version;
         EXPECT_EQ(connect(17), asioCode(136)) << version;
         EXPECT_EQ(mApi.held(), 0u) << version;
     }
@@ -89,7 +89,7 @@ TEST_F(L2capSocket, ConnectingAgainGivesUpTheFormerDevice) {
     ASSERT_FALSE(connect(17));
     ASSERT_FALSE(connect(19));
     EXPECT_EQ(mApi.openFiles(), 1u);
-    mApi.simulateRefusedPsm(19);
+    mApi.refusedPsm = 19;
     EXPECT_EQ(connect(19), asioCode(-1));
     EXPECT_EQ(mApi.held(), 0u);
     EXPECT_EQ(probe(), asioCode(-1));
@@ -102,8 +102,8 @@ TEST_F(L2capSocket, EachBufferGoesDownInAWriteOfItsOwn) {
                                                               boost::asio::buffer("de", 2)};
     EXPECT_EQ(send(buffers), Sent(error_code(), 5));
     const std::vector<FakeDriverApi::Write> expected = {{19, {'a', 'b', 'c'}}, {19, {'d', 'e'}}};
-    EXPECT_EQ(mApi.writes(), expected);
-    mApi.simulateFailureOf("WriteFile", 433);
+    EXPECT_EQ(mApi.writes, expected);
+    mApi.failures["WriteFile"] = 433;
     EXPECT_EQ(send(buffers), Sent(asioCode(-1), 0));
 }
 
@@ -115,7 +115,7 @@ TEST_F(L2capSocket, ReceiveIsAProbeAndReceivesNothing) {
     EXPECT_EQ(probe(), error_code());
     mApi.simulateChannelsGone();
     EXPECT_EQ(probe(), asioCode(-2));
-    mApi.simulateFailureOf("DeviceIoControl", 31);
+    mApi.failures["DeviceIoControl"] = 31;
     EXPECT_EQ(probe(), asioCode(-3));
 }
 
@@ -134,15 +134,11 @@ TEST_F(L2capSocket, LogsItsOperations) {
     (void)result([&](error_code& ec) { mSocket->open({}, ec); });
     (void)send(boost::asio::buffer("x", 1));
     (void)close();
-    const std::string expected[] = {
-        "Opening new socket, impl:", "Sending data on socket", "Unable to get HID device",
-        "Sending data on socket ret:-1, bytes written:0, impl_socket:-1.", "Closing socket, impl:"};
-    const auto lines = log.take();
-    ASSERT_EQ(lines.size(), std::size(expected));
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        EXPECT_EQ(lines[i].level, unsigned{kLogDebug});
-        EXPECT_EQ(lines[i].text.find("() " + expected[i]), lines[i].text.find("() "));
-    }
+    EXPECT_EQ(log.missing({"() Opening new socket, impl:", "() Sending data on socket",
+                           "() Unable to get HID device",
+                           "() Sending data on socket ret:-1, bytes written:0, impl_socket:-1.",
+                           "() Closing socket, impl:"}),
+              test::Texts());
 }
 
 } // namespace

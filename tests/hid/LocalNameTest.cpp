@@ -26,8 +26,8 @@ class ClientOfType : public WindowsBluetoothHIDDeviceClient {
 class LocalName : public testing::Test {
   protected:
     LocalName() {
-        mRadio.simulateInstanceIds({L"", L"BTH\\MS_BTHPAN\\7", L"USB\\VID_8087&PID_0A2B\\5&1",
-                                    L"USB\\VID_0000&PID_0000\\6"});
+        mRadio.instanceIds = {L"", L"BTH\\MS_BTHPAN\\7", L"USB\\VID_8087&PID_0A2B\\5&1",
+                              L"USB\\VID_0000&PID_0000\\6"};
     }
 
     FakeDriverApi mDriver;
@@ -38,17 +38,17 @@ TEST_F(LocalName, IsWrittenToTheFirstUsbRadioAndReloaded) {
     WindowsBluetoothHIDDeviceClient client(mDriver, mRadio);
     EXPECT_TRUE(client.setLocalDeviceName("Desk"));
     EXPECT_EQ(mDriver.held(), 0u);
-    EXPECT_EQ(mRadio.held(), 0);
+    EXPECT_EQ(mRadio.held, 0);
     const FakeDriverApi::Opening device{kDevice, 0x40000000, 0, 3, 0};
-    EXPECT_EQ(mDriver.openings(), std::vector{device});
+    EXPECT_EQ(mDriver.openings, std::vector{device});
     const FakeLocalRadioApi::Value value{kKey, L"Local Name", 3, "Desk"};
-    EXPECT_EQ(mRadio.values(), std::vector{value});
+    EXPECT_EQ(mRadio.values, std::vector{value});
     const FakeDriverApi::Request reload{kReload, {4, 0, 0, 0}};
-    EXPECT_EQ(mDriver.requests(), std::vector{reload});
+    EXPECT_EQ(mDriver.requests, std::vector{reload});
     // None is a USB radio.
-    mRadio.simulateInstanceIds({L"BTH\\1", L"usb\\lower-case", L"US"});
+    mRadio.instanceIds = {L"BTH\\1", L"usb\\lower-case", L"US"};
     EXPECT_FALSE(client.setLocalDeviceName("Desk"));
-    EXPECT_EQ(mDriver.openings().size(), 1u);
+    EXPECT_EQ(mDriver.openings.size(), 1u);
 }
 
 TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
@@ -69,46 +69,46 @@ TEST_F(LocalName, EachFailingStepIsLoggedAndGivesEverythingBack) {
     for (const auto& [call, line] : cases) {
         FakeDriverApi driver;
         FakeLocalRadioApi radio;
-        radio.simulateInstanceIds({L"USB\\VID_8087&PID_0A2B\\5&1"});
+        radio.instanceIds = {L"USB\\VID_8087&PID_0A2B\\5&1"};
         WindowsBluetoothHIDDeviceClient client(driver, radio);
-        driver.simulateFailureOf(call, 7);
-        radio.simulateFailureOf(call, 7);
+        driver.failures[call] = 7;
+        radio.failures[call] = 7;
         CapturedLog log(kLogError, kLogName);
         EXPECT_FALSE(client.setLocalDeviceName("Desk")) << call;
         EXPECT_EQ(log.told(), Texts{"error " + line}) << call;
         EXPECT_EQ(driver.held(), 0u) << call;
-        EXPECT_EQ(radio.held(), 0) << call;
+        EXPECT_EQ(radio.held, 0) << call;
     }
 }
 
 TEST_F(LocalName, IsRestoredToTheComputersOwnOnlyForTypeZero) {
-    mRadio.simulateComputerName(L"HOME-PC");
+    mRadio.computerName = L"HOME-PC";
     WindowsBluetoothHIDDeviceClient(mDriver, mRadio).restoreLocalDeviceName();
-    EXPECT_TRUE(mRadio.values().empty());
+    EXPECT_TRUE(mRadio.values.empty());
     CapturedLog log(kLogInfo, kLogName);
     ClientOfType client(0, mDriver, mRadio);
-    (void)log.take();
+    (void)log.told();
     client.restoreLocalDeviceName();
-    ASSERT_EQ(mRadio.values().size(), 1u);
-    EXPECT_EQ(mRadio.values()[0].bytes, "HOME-PC");
+    ASSERT_EQ(mRadio.values.size(), 1u);
+    EXPECT_EQ(mRadio.values[0].bytes, "HOME-PC");
     EXPECT_EQ(log.told(),
               (Texts{"info restoreLocalDeviceName: Reset device name back to HOME-PC"}));
-    mRadio.simulateInstanceIds({});
+    mRadio.instanceIds = {};
     client.restoreLocalDeviceName();
     EXPECT_EQ(log.told(),
               (Texts{"error restoreLocalDeviceName: Failed to reset device name to HOME-PC"}));
 }
 
 TEST_F(LocalName, RadioTellsItsOwnName) {
-    mRadio.simulateRadioName(L"Radio 1");
+    mRadio.radioName = L"Radio 1";
     WindowsBluetoothHIDDeviceClient client(mDriver, mRadio);
     std::wstring name = L"before";
     EXPECT_TRUE(client.getRadioDeviceName(name));
     EXPECT_EQ(name, L"Radio 1");
     for (const char* call : {"BluetoothGetRadioInfo", "BluetoothFindFirstRadio"}) {
-        mRadio.simulateFailureOf(call, 259);
+        mRadio.failures[call] = 259;
         EXPECT_FALSE(client.getRadioDeviceName(name)) << call;
-        EXPECT_EQ(mRadio.held(), 0) << call;
+        EXPECT_EQ(mRadio.held, 0) << call;
     }
 }
 
@@ -118,10 +118,10 @@ TEST(HidType, IsTwoWhateverTheDriverSays) {
     EXPECT_EQ(WindowsBluetoothHIDDeviceClient(without, radio).getType(), 2u);
     FakeDriverApi with;
     with.simulateHidDriver();
-    with.simulateType(1);
+    with.type = 1;
     EXPECT_EQ(WindowsBluetoothHIDDeviceClient(with, radio).getType(), 2u);
     const FakeDriverApi::Request asked{0x220004, {}};
-    EXPECT_EQ(with.requests(), std::vector{asked});
+    EXPECT_EQ(with.requests, std::vector{asked});
     EXPECT_EQ(with.held(), 0u);
 }
 

@@ -101,15 +101,13 @@ TEST_F(AbsoluteMouseSourceTest, CaptureFollowsTheCountOfPresses) {
 }
 
 TEST_F(AbsoluteMouseSourceTest, LogTellsPositionsAndAnUnknownAngle) {
-    test::CapturedLog log(kLogInfo);
+    test::CapturedLog log(kLogInfo, "orbelantine::AbsoluteMouseSource::");
     mOrientationAngle = 91;
     touch(false, 2, 2, 1, false);
-    std::string said;
-    for (const auto& line : log.take())
-        said += line.text.substr(line.text.find("Source::") + 8) + '\n';
-    EXPECT_EQ(said, "leftClick() Before normalizing: up (2, 2)\n"
-                    "normalizeMouseCoordinates: Cannot get orientation angle. Was RMI connection "
-                    "established\nleftClick() After normalizing: up (2, 2)\n");
+    EXPECT_EQ(log.told(), (test::Texts{"info leftClick() Before normalizing: up (2, 2)",
+                                       "error normalizeMouseCoordinates: Cannot get orientation "
+                                       "angle. Was RMI connection established",
+                                       "info leftClick() After normalizing: up (2, 2)"}));
 }
 
 } // namespace

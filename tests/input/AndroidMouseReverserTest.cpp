@@ -17,7 +17,7 @@ namespace {
 
 using test::CapturedLog;
 using test::HandClock;
-using Lines = std::vector<CapturedLog::Line>;
+using test::Texts;
 
 using Delta = std::pair<std::int32_t, std::int32_t>;
 
@@ -50,11 +50,11 @@ class Model {
     std::unique_ptr<AndroidMouseReverser> mReverser;
 };
 
-Lines linesOf(const std::string& rounds) {
+Texts linesOf(const std::string& rounds) {
     if (rounds != "50")
         return {};
-    return {{kLogTrace, "orbelantine::AndroidMouseReverser::reverse: maximum number of iteratiuon "
-                        "reached (50)"}};
+    return {"trace orbelantine::AndroidMouseReverser::reverse: maximum number of iteratiuon "
+            "reached (50)"};
 }
 
 TEST(AndroidMouseReverser, ReversesAndAppliesAsTheTracesSay) {
@@ -72,7 +72,7 @@ TEST(AndroidMouseReverser, ReversesAndAppliesAsTheTracesSay) {
         const Delta wanted{at(row, 2), at(row, 3)};
         const Delta sent{at(row, 4), at(row, 5)};
         EXPECT_EQ(model->reverse(wanted), sent);
-        EXPECT_EQ(log.take(), linesOf(rows[row][8]));
+        EXPECT_EQ(log.told(), linesOf(rows[row][8]));
         // The search leaves the model as it was.
         EXPECT_EQ(model->reverse(wanted), sent);
         EXPECT_EQ(model->apply(sent), (Delta{at(row, 6), at(row, 7)}));

@@ -18,11 +18,10 @@
 namespace orbelantine {
 namespace {
 
-using test::FakeHidDevice;
+using test::FactoryOverride;
 using test::FakeMouseSource;
 using test::InputFrame;
 using test::kMarkerUp;
-using test::Standin;
 
 struct Source {
     boost::shared_ptr<IInputContext> context;
@@ -47,31 +46,27 @@ struct GenericInputSourceTest : testing::Test {
         boost::make_shared<test::FakeInputContext>();
     boost::shared_ptr<FakeMouseSource> relative = boost::make_shared<FakeMouseSource>();
     boost::shared_ptr<FakeMouseSource> absolute = boost::make_shared<FakeMouseSource>();
-    Standin<IMouseSource> relativeStandin{"IMouseSource", "RelativeMouseSource", relative};
-    Standin<IMouseSource> absoluteStandin{"IMouseSource", "AbsoluteMouseSource", absolute};
+    FactoryOverride<IMouseSource> relatives{"RelativeMouseSource", relative};
+    FactoryOverride<IMouseSource> absolutes{"AbsoluteMouseSource", absolute};
 };
 
 TEST_F(GenericInputSourceTest, FlagsAndDeviceTypeChooseTheMouse) {
-    const std::string name = "orbelantine::GenericInputSource::createMouseSource() ";
-    const test::CapturedLog::Line absoluteSaid{kLogDebug, name + "using absolute mouse"};
-    const test::CapturedLog::Line relativeSaid{kLogDebug, name + "using relative mouse"};
-    const test::CapturedLog::Line noneSaid{kLogError, name + "No suitable mouse source"};
+    const std::string absoluteSaid = "debug createMouseSource() using absolute mouse";
+    const std::string relativeSaid = "debug createMouseSource() using relative mouse";
+    const std::string noneSaid = "error createMouseSource() No suitable mouse source";
     for (const auto& [typeFlags, hidType, said] : {std::tuple{1U, 2U, absoluteSaid},
                                                    {3U, 2U, absoluteSaid},
                                                    {2U, 1U, absoluteSaid},
                                                    {2U, 2U, relativeSaid},
                                                    {6U, 2U, relativeSaid},
                                                    {4U, 2U, noneSaid}}) {
-        const Standin<IBluetoothHIDDeviceClient> device("IBluetoothHIDDeviceClient",
-                                                        "WindowsBluetoothHIDDeviceClient",
-                                                        boost::make_shared<FakeHidDevice>(hidType));
+        const auto device = test::hidDeviceOfType(hidType);
         relative->calls.clear();
         absolute->calls.clear();
         const Source made(context, InputFormat(3, 2, 1, typeFlags));
-        test::CapturedLog log(kLogDebug);
+        test::CapturedLog log(kLogDebug, "orbelantine::GenericInputSource::");
         made.source->start();
-        const auto lines = log.take();
-        EXPECT_EQ(std::ranges::count(lines, said), 1) << typeFlags;
+        EXPECT_EQ(std::ranges::count(log.told(), said), 1) << typeFlags;
         context->onAbsoluteMouseMove(1, 2);
         made.source->stop();
         context->onAbsoluteMouseMove(3, 4);
@@ -165,16 +160,15 @@ TEST_F(GenericInputSourceTest, LogTellsClicksAndLostPointers) {
     const Source made(context, InputFormat(3, 2, 1, 1));
     absolute->absolute = true;
     made.source->start();
-    test::CapturedLog log(kLogDebug);
+    test::CapturedLog log(kLogDebug, "orbelantine::GenericInputSource::");
     perform("button 0 1 3 4, button 1 0 3 4, up 1 1", *context, *made.source);
     context->answers = false;
     perform("update 1 1", *context, *made.source);
-    std::string said;
-    for (const auto& line : log.take())
-        said += line.text.substr(line.text.find("Source::") + 8) + '\n';
-    EXPECT_EQ(said, "onLButton() touch: 0, down: 1, x: 3, y: 4, id: 0\nonRButton() down:false.\n"
-                    "processPointerEvent() touch: 1, down: 0, x: 12, y: 22, id: 7\n"
-                    "processPointerEvent() Unable to get pointer client position.\n");
+    EXPECT_EQ(log.told(),
+              (test::Texts{"debug onLButton() touch: 0, down: 1, x: 3, y: 4, id: 0",
+                           "debug onRButton() down:false.",
+                           "debug processPointerEvent() touch: 1, down: 0, x: 12, y: 22, id: 7",
+                           "error processPointerEvent() Unable to get pointer client position."}));
 }
 
 TEST_F(GenericInputSourceTest, WithoutASurfaceOrAKeyboardNothingStarts) {
@@ -199,9 +193,7 @@ TEST_F(GenericInputSourceTest, FrameOfAnotherElementGoesOn) {
 
 /// With the mouse sources of the product.
 void raceWithStops(std::uint32_t mouseFlag, int restarts) {
-    const Standin<IBluetoothHIDDeviceClient> device("IBluetoothHIDDeviceClient",
-                                                    "WindowsBluetoothHIDDeviceClient",
-                                                    boost::make_shared<FakeHidDevice>(2));
+    const auto device = test::hidDeviceOfType(2);
     const auto surface = boost::make_shared<test::FakeInputContext>();
     const auto pen = boost::make_shared<test::FakeInputContext>();
     const auto composite = boost::make_shared<InputContextComposite>();

@@ -12,7 +12,6 @@ namespace orbelantine {
 namespace {
 
 using test::FakeInputContext;
-using Lines = std::vector<test::CapturedLog::Line>;
 using Strings = std::vector<std::string>;
 
 struct InputContextCompositeTest : testing::Test {
@@ -97,16 +96,13 @@ TEST_F(InputContextCompositeTest, QuestionsGoToTheMainSurfaceAlone) {
 }
 
 TEST_F(InputContextCompositeTest, RemovingKeepsTheEntryAndComplainsOnlyOfUnknownIds) {
-    const Lines unknown{
-        {kLogError,
-         "orbelantine::InputContextComposite::unregisterEvents() id=pen does not exist"}};
-    test::CapturedLog log(kLogError);
+    test::CapturedLog log(kLogError, "orbelantine::InputContextComposite::");
     composite.removeSecondaryContext("pen");
-    EXPECT_EQ(log.take(), unknown);
+    EXPECT_EQ(log.told(), Strings{"error unregisterEvents() id=pen does not exist"});
     composite.addSecondaryContext("pen", other);
     composite.removeSecondaryContext("pen");
     composite.removeSecondaryContext("pen");
-    EXPECT_EQ(log.take(), Lines());
+    EXPECT_EQ(log.told(), Strings());
     EXPECT_EQ(heardOf({other}), 0);
     composite.addSecondaryContext("pen", other);
     EXPECT_EQ(heardOf({other}), 1);

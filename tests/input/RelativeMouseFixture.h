@@ -179,10 +179,8 @@ class RelativeMouse {
     FakeMouseSettings settings;
     boost::shared_ptr<FakeReverser> reverser = boost::make_shared<FakeReverser>();
     boost::shared_ptr<FakeProvider> provider = boost::make_shared<FakeProvider>();
-    Standin<IMouseReverser, IClock&> reverserStandin{"IMouseReverser", "AndroidMouseReverser",
-                                                     reverser};
-    Standin<IRemoteMouseInfoProvider> providerStandin{"IRemoteMouseInfoProvider", "RmiCursorServer",
-                                                      provider};
+    FactoryOverride<IMouseReverser, IClock&> reversers{"AndroidMouseReverser", reverser};
+    FactoryOverride<IRemoteMouseInfoProvider> providers{"RmiCursorServer", provider};
     boost::shared_ptr<FakeInputContext> surface = boost::make_shared<FakeInputContext>();
     std::unique_ptr<RelativeMouseSource> source;
 

@@ -67,7 +67,7 @@ TEST(RelativeMouseLife, TheEndWaitsForTheProvidersAnswerForFiveSecondsUnlessItIs
         if (answer == FakeProvider::Never)
             mouse.clock.advance(1ns);
         EXPECT_EQ(mouse.state(), "RelativeMouseStateFini");
-        EXPECT_EQ(log.take().size(), warnings);
+        EXPECT_EQ(log.told().size(), warnings);
         mouse.source.reset();
         if (kept)
             kept(error_code());

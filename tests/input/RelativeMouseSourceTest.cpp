@@ -128,7 +128,7 @@ TEST_F(NewRelativeMouse, AScreenBeyondTheReachOfAReportIsRefused) {
     for (const auto& [width, height, inset] : beyond) {
         source->rmiLogicalDimensions(width, height, 2, inset);
         EXPECT_EQ(take(), "");
-        EXPECT_EQ(log.take().size(), 1U) << width << ' ' << height << ' ' << inset;
+        EXPECT_EQ(log.told().size(), 1U) << width << ' ' << height << ' ' << inset;
     }
     (void)play("press 0 0");
     EXPECT_EQ(position(), " 0,0 held");
@@ -155,28 +155,25 @@ TEST_F(NewRelativeMouse, ANewSourceBeginsWithTheLastDimensionsOfAny) {
 
 TEST_F(NewRelativeMouse, LinesAreLoggedToTheLetter) {
     settings.error = 13;
-    test::CapturedLog log(kLogDebug);
+    test::CapturedLog log(kLogDebug, "orbelantine::RelativeMouse");
     source->start(surface);
     source->killFocus();
     source->rmiLogicalDimensions(1596, 798, 2, 4);
     source->rmiMousePosition(1, 1);
     (void)play("press 0 0");
-    std::string said;
-    for (const auto& line : log.take())
-        said += line.text + '\n';
-    for (const char* line : {
-             "Source::start() mouse speed=10\n",
-             "Source::readDragFactor() DragSpeed is not an integer or can't be read, error 13\n",
-             "State::onNotProcessed() Event orbelantine::RelativeMouseState::killFocus not "
-             "processed in RelativeMouseStateStart\n",
-             "Source::rmiLogicalDimensions() new dimensions 1596x798, scale=2.000000, inset=4, "
-             "logical 1000x500\n",
-             "Source::doSendMouseDeltaAfterRotation() move dx=32767, dy=32767\n",
-             "Source::doConvertRmiToDevicePosition() no RMI viewport info available\n",
-             "StateReady::doClick() touch=0, down=1, x=0, y=0, reconnect=0\n",
-         })
-        EXPECT_NE(said.find(std::string("orbelantine::RelativeMouse") + line), std::string::npos)
-            << line;
+    EXPECT_EQ(
+        log.missing({
+            " Source::start() mouse speed=10",
+            " Source::readDragFactor() DragSpeed is not an integer or can't be read, error 13",
+            " State::onNotProcessed() Event orbelantine::RelativeMouseState::killFocus not "
+            "processed in RelativeMouseStateStart",
+            " Source::rmiLogicalDimensions() new dimensions 1596x798, scale=2.000000, inset=4, "
+            "logical 1000x500",
+            " Source::doSendMouseDeltaAfterRotation() move dx=32767, dy=32767",
+            " Source::doConvertRmiToDevicePosition() no RMI viewport info available",
+            " StateReady::doClick() touch=0, down=1, x=0, y=0, reconnect=0",
+        }),
+        test::Texts());
 }
 
 } // namespace

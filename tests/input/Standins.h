@@ -1,15 +1,13 @@
 #pragma once
 
-#include "core/common/OSAL.h"
 #include "hid/channel/IBluetoothHIDDeviceClient.h"
 #include "input/sources/IMouseSource.h"
 #include "tests/input/RecordingTarget.h"
+#include "tests/support/FactoryOverride.h"
 
-#include <functional>
 #include <map>
 #include <sstream>
 #include <string>
-#include <utility>
 
 namespace orbelantine::test {
 
@@ -99,27 +97,10 @@ class FakeHidDevice : public IBluetoothHIDDeviceClient {
     std::uint32_t mType;
 };
 
-/// As long as it lives, the factory gives `object` for an implementation's name.
-template <class Interface, class... CtorArgs>
-class Standin final : public OSALCreator<Interface, CtorArgs...> {
-  public:
-    Standin(const char* interfaceName, const char* name, boost::shared_ptr<Interface> object)
-        : mName(name)
-        , mObject(std::move(object))
-        , mReplaced(OSALFactory::instance().retrieveFactory(interfaceName, name)) {
-        OSALFactory::registerFactory(mName, static_cast<OSALCreatorBase*>(this));
-    }
-
-    ~Standin() override { OSALFactory::registerFactory(mName, mReplaced); }
-
-    [[nodiscard]] boost::shared_ptr<Interface> create(const KVStore&, CtorArgs...) const override {
-        return mObject;
-    }
-
-  private:
-    const char* mName;
-    boost::shared_ptr<Interface> mObject;
-    void* mReplaced;
-};
+/// The factory's HID device, of that type as long as the result lives.
+inline auto hidDeviceOfType(std::uint32_t type) {
+    return FactoryOverride<IBluetoothHIDDeviceClient>("WindowsBluetoothHIDDeviceClient",
+                                                      boost::make_shared<FakeHidDevice>(type));
+}
 
 } // namespace orbelantine::test

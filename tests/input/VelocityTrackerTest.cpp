@@ -12,7 +12,6 @@ namespace android {
 namespace {
 
 using orbelantine::kLogDebug;
-using orbelantine::kLogError;
 using orbelantine::test::CapturedLog;
 using orbelantine::test::Cells;
 using orbelantine::test::readTrace;
@@ -139,19 +138,19 @@ TEST(VelocityTracker, CopyHoldsAllStateInItsOwnMemory) {
 TEST(VelocityTracker, UnknownNameFallsBackToTheDefault) {
     CapturedLog log(kLogDebug);
     EXPECT_STREQ(VelocityTracker().strategyName(), "lsq2");
-    EXPECT_TRUE(log.take().empty());
-    const CapturedLog::Line unrecognized{kLogDebug,
-                                         "Unrecognized velocity tracker strategy name 'LSQ2'."};
+    EXPECT_TRUE(log.told().empty());
+    const std::string unrecognized = "debug Unrecognized velocity tracker strategy name 'LSQ2'.";
     EXPECT_STREQ(VelocityTracker("LSQ2").strategyName(), "lsq2");
-    EXPECT_EQ(log.take(), (std::vector{unrecognized}));
+    EXPECT_EQ(log.told(), std::vector{unrecognized});
 
     const char* usual = std::exchange(VelocityTracker::defaultStrategyName, "LSQ2");
     VelocityTracker none;
     VelocityTracker copy(none);
     VelocityTracker::defaultStrategyName = usual;
-    const CapturedLog::Line gaveUp{
-        kLogError, "Could not create the default velocity tracker strategy 'LSQ2'!"};
-    EXPECT_EQ(log.take(), (std::vector{unrecognized, gaveUp}));
+    EXPECT_EQ(
+        log.told(),
+        (std::vector<std::string>{
+            unrecognized, "error Could not create the default velocity tracker strategy 'LSQ2'!"}));
     const Position position{1, 2};
     copy.addMovement(0, idBits({0}), &position);
     copy.clear();

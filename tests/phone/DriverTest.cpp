@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <vector>
 
 namespace orbelantine::phone {
 

@@ -1,7 +1,5 @@
 #include "tools/virtual_phone/picture/Picture.h"
 
-#include "tools/virtual_phone/picture/Svg.h"
-
 #include <boost/property_tree/xml_parser.hpp>
 #include <gtest/gtest.h>
 
@@ -83,34 +81,22 @@ TEST_F(PictureTest, PathAndTargetsLineEndAtTheClick) {
     EXPECT_EQ(count(document, R"(points="184.8,400.2 194,400.2 ")"), 1U);
 }
 
-TEST_F(PictureTest, TypedMarkupIsText) {
+TEST_F(PictureTest, TypedMarkupAndAHostileNameAreText) {
     for (const std::uint8_t usage : {54, 36, 52, 55}) // < & " >
         report({0xA1, 2, 0x02, 0, usage, 0, 0, 0, 0, 0});
-    parsed(draw());
-    EXPECT_EQ(count(draw(), "&lt;&amp;&quot;&gt;<tspan"), 1U);
-}
-
-TEST_F(PictureTest, HostileNameLeavesTheDocumentWellFormed) {
-    const std::string name = "</text><script>\"'&\x01\x1b]]>\xff\xfe\xc3\xef\xbf\xbf --";
-    const std::string document = draw(name);
-    const ptree tree = parsed(document);
+    const std::string document = draw("</text><script>\"'&\x01\x1b]]>\xff\xfe\xc3\xef\xbf\xbf --");
+    EXPECT_EQ(count(document, "&lt;&amp;&quot;&gt;<tspan"), 1U);
     EXPECT_EQ(count(document, "<script"), 0U);
     EXPECT_TRUE(
         std::ranges::none_of(document, [](char c) { return c >= 0 && c < ' ' && c != '\n'; }));
     EXPECT_EQ(count(document, "\xef\xbf\xbf"), 0U) << "U+FFFF is no XML character";
-    EXPECT_TRUE(tree.get<std::string>("svg.title").starts_with("</text><script>\"'&\ufffd"));
+    EXPECT_TRUE(
+        parsed(document).get<std::string>("svg.title").starts_with("</text><script>\"'&\ufffd"));
 }
 
 TEST_F(PictureTest, NarrowScreensDrawWithoutATextField) {
     for (const Screen screen : {Screen{100, 10'000}, Screen{10'000, 100}})
         parsed(drawPicture("Narrow", "", Phone(screen, mLog)));
-}
-
-TEST(SvgNumber, HasAtMostOneDigitBehindThePoint) {
-    EXPECT_EQ(svgNumber(12), "12");
-    EXPECT_EQ(svgNumber(0.25), "0.3");
-    EXPECT_EQ(svgNumber(-0.01), "0");
-    EXPECT_EQ(svgNumber(-1.5), "-1.5");
 }
 
 } // namespace orbelantine::phone

@@ -6,25 +6,28 @@
 
 #include <algorithm>
 #include <mutex>
-#include <ostream>
 #include <utility>
 
 namespace orbelantine::test {
 
 struct CapturedLog::Sink final : spdlog::sinks::base_sink<std::mutex> {
-    std::vector<Line> lines;
+    std::string prefix;
+    std::vector<std::string> lines;
 
     void sink_it_(const spdlog::details::log_msg& message) override {
-        lines.push_back({static_cast<unsigned>(message.level),
-                         std::string(message.payload.data(), message.payload.size())});
+        std::string text(message.payload.data(), message.payload.size());
+        if (text.starts_with(prefix))
+            text.erase(0, prefix.size());
+        const auto level = spdlog::level::to_string_view(message.level);
+        lines.push_back(std::string(level.data(), level.size()) + ' ' + text);
     }
 
     void flush_() override {}
 };
 
 CapturedLog::CapturedLog(unsigned level, std::string prefix)
-    : mSink(std::make_shared<Sink>())
-    , mPrefix(std::move(prefix)) {
+    : mSink(std::make_shared<Sink>()) {
+    mSink->prefix = std::move(prefix);
     set_log_level(level);
     lumiport_log(kLogCritical, kNativeLogTag, "makes the logger");
     spdlog::get(kNativeLogTag)->sinks().push_back(mSink);
@@ -36,22 +39,16 @@ CapturedLog::~CapturedLog() {
     set_log_level(kLogOff);
 }
 
-std::vector<CapturedLog::Line> CapturedLog::take() {
+std::vector<std::string> CapturedLog::told() {
     return std::exchange(mSink->lines, {});
 }
 
-std::vector<std::string> CapturedLog::told() {
-    static constexpr const char* kLevels[] = {"trace ",   "debug ", "info ",
-                                              "warning ", "error ", "critical "};
-    std::vector<std::string> texts;
-    for (const auto& [level, text] : take())
-        texts.push_back(kLevels[level] +
-                        text.substr(text.starts_with(mPrefix) ? mPrefix.size() : 0));
-    return texts;
-}
-
-void PrintTo(const CapturedLog::Line& line, std::ostream* out) {
-    *out << line.level << ' ' << line.text;
+std::vector<std::string> CapturedLog::missing(std::vector<std::string> parts) {
+    std::erase_if(parts, [lines = told()](const std::string& part) {
+        return std::ranges::any_of(
+            lines, [&](const auto& line) { return line.find(part) != std::string::npos; });
+    });
+    return parts;
 }
 
 } // namespace orbelantine::test

@@ -2,7 +2,6 @@
 
 #include "core/common/log/Log.h"
 
-#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,33 +11,23 @@ namespace orbelantine::test {
 /// What native code logs at `level` and above, as long as this object lives.
 class CapturedLog {
   public:
-    struct Line {
-        unsigned level;
-        std::string text;
-        bool operator==(const Line&) const = default;
-    };
-
     /// `prefix`: what told() leaves out where a text begins with it.
     explicit CapturedLog(unsigned level, std::string prefix = "");
     ~CapturedLog();
     CapturedLog(const CapturedLog&) = delete;
     CapturedLog& operator=(const CapturedLog&) = delete;
 
-    /// The lines since the last call.
-    [[nodiscard]] std::vector<Line> take();
-    /// As take, each as one text that begins with its level's name.
+    /// The lines since the last call, each after its level's name.
     [[nodiscard]] std::vector<std::string> told();
+    /// Those of `parts` that none of the lines since the last call has in it.
+    [[nodiscard]] std::vector<std::string> missing(std::vector<std::string> parts);
 
   private:
     struct Sink;
 
     std::shared_ptr<Sink> mSink;
-    const std::string mPrefix;
 };
 
-using Lines = std::vector<CapturedLog::Line>;
 using Texts = std::vector<std::string>;
-
-void PrintTo(const CapturedLog::Line& line, std::ostream* out);
 
 } // namespace orbelantine::test

@@ -232,12 +232,6 @@ TEST_F(DeviceFolder, EnvironmentNamesTheFolder) {
     EXPECT_EQ(deviceFolder(), "/tmp/orbelantine-" + std::to_string(getuid()) + "/devices");
 }
 
-TEST_F(DeviceFolder, ClassFolderIsTheGuidInLowerCaseWithoutBraces) {
-    EXPECT_EQ(classFolderName(kClass), "a1d3ed72-cebf-4c80-bcb8-c39236a2bf9a");
-    EXPECT_EQ(classFolderName(driver::kHidInterfaces[0]), "4df52311-7aa8-4d3c-b58b-3749826e10a6");
-    EXPECT_EQ(classFolderName(driver::kHidInterfaces[1]), "38b034e0-b760-4587-948f-14691d541e2b");
-}
-
 TEST_F(DeviceFolder, SocketsArePresentAndPlainFilesOnlyInstalled) {
     EXPECT_EQ(list(false), Paths()) << "there is no folder of the class";
     // Shown whatever the locale; tests run in the "C" one.

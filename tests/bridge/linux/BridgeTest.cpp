@@ -78,7 +78,7 @@ TEST_F(BridgeTest, FailedConnectGivesItsWindowsNumberAndMayBeTriedAgain) {
 }
 
 TEST_F(BridgeTest, SlowConnectKeepsNoOtherWaitingAndEndsRefusedOrTooLateOrWithItsHandle) {
-    mL2cap.simulateSlowConnect();
+    mL2cap.simulateConnect(EINPROGRESS);
     const TestHost host = open();
     EXPECT_EQ(exchange(host, packet::kConnectControl), std::nullopt);
     EXPECT_EQ(exchange(host, packet::kIsConnected), std::nullopt);

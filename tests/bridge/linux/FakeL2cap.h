@@ -34,14 +34,11 @@ class FakeL2cap final : public L2capApi {
 
     void simulateRadio(Error error) { mRadio = error; }
 
-    /// How connects end from here on.
+    /// How connects end from here on; with EINPROGRESS they go on until finishConnect().
     void simulateConnect(Error error) { mConnect = error; }
 
     /// Every packet fails to go out, with this error.
     void simulateSend(Error error) { mSend = error; }
-
-    /// Connects go on until finishConnect().
-    void simulateSlowConnect() { mConnect = EINPROGRESS; }
 
     void finishConnect(std::uint16_t psm, Error error) {
         mOutcome = error;

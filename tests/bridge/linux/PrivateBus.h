@@ -4,10 +4,8 @@
 
 #include <fcntl.h>
 #include <sdbus-c++/sdbus-c++.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <map>
 #include <memory>
@@ -19,46 +17,22 @@ namespace orbelantine::bridge {
 /// A dbus-daemon of its own, for whoever knows its address.
 class PrivateBus {
   public:
-    PrivateBus() {
-        phone::Pipe output;
-        const std::string listen = "--address=" + address();
-        mProcess = ::fork();
-        if (mProcess == 0) {
-            ::dup2(output.writer.get(), STDOUT_FILENO);
-            // It complains of limits that don't matter here.
-            ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
-            ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--print-address=1",
-                     listen.c_str(), nullptr);
-            ::_exit(1);
-        }
-        // It prints its address once it listens, or fails.
-        output.writer = phone::FileDescriptor();
-        std::array<char, 256> line{};
-        if (::read(output.reader.get(), line.data(), line.size()) <= 0)
-            stop();
-    }
-
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-
-    ~PrivateBus() { stop(); }
-
     /// False where dbus-daemon isn't installed.
-    [[nodiscard]] bool runs() const { return mProcess > 0; }
+    [[nodiscard]] bool runs() const { return mDaemon.runs(); }
 
     [[nodiscard]] std::string address() const { return "unix:path=" + (mFolder / "bus"); }
 
-    void stop() {
-        if (!runs())
-            return;
-        ::kill(mProcess, SIGTERM);
-        ::waitpid(mProcess, nullptr, 0);
-        mProcess = -1;
-    }
+    void stop() { mDaemon.end(SIGTERM); }
 
   private:
     phone::TemporaryFolder mFolder;
-    pid_t mProcess = -1;
+    // It prints its address once it listens.
+    phone::ChildProcess mDaemon{[listen = "--address=" + address()] {
+        // It complains of limits that don't matter here.
+        ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
+        return ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--print-address=1",
+                        listen.c_str(), nullptr);
+    }};
 };
 
 /// BlueZ as far as the profiles go, on a thread of its own.

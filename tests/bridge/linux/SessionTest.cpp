@@ -10,7 +10,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <string>
 #include <thread>
 
 namespace orbelantine::bridge {

@@ -1,6 +1,5 @@
 #include "hid/channel/LocalRadioApi.h"
 
-#include "core/common/errors/ErrorCode.h"
 #include "hid/channel/WindowsBluetoothHIDDeviceClient.h"
 
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@ the exit code is 1 if a file differs from what it would write.
 """
 
 import math
-import os
+import pathlib
 import struct
 import sys
 from itertools import accumulate
@@ -68,22 +68,18 @@ class LeastSquares:
         self.samples = (self.samples + [(time, points)])[-RING:]
 
     def weight(self, index):
+        """Rises from 0.5 to 1 over 10 ms, or falls over 50 ms where recent samples count more."""
         time = self.samples[index][0]
         age = F32(self.samples[-1][0] - time) * 1e-6
-        if self.weighting == "delta":
-            if index == len(self.samples) - 1:
-                return F32(1)
-            gap = F32(self.samples[index + 1][0] - time) * 1e-6
-            return F32(0.5) if gap < 0 else 0.5 + gap * 0.05 if gap < 10 else F32(1)
-        if self.weighting == "central":
-            if age < 0 or age >= 60:
-                return F32(0.5)
-            if age < 10:
-                return 0.5 + age * 0.05
-            return F32(1) if age < 50 else 0.5 + (60 - age) * 0.05
         if self.weighting == "recent":
             return F32(1) if age < 50 else 0.5 + (100 - age) * 0.01 if age < 100 else F32(0.5)
-        return F32(1)
+        if self.weighting == "central":
+            span = age if age < 50 else 60 - age
+        elif self.weighting == "delta" and index + 1 < len(self.samples):
+            span = F32(self.samples[index + 1][0] - time) * 1e-6
+        else:
+            return F32(1)
+        return F32(0.5) if span < 0 else 0.5 + span * 0.05 if span < 10 else F32(1)
 
     def estimate(self, pointer):
         t, x, y, w = [], [], [], []
@@ -381,18 +377,16 @@ def reverser_rows():
 
 
 def main():
-    checked = sys.argv[1:] == ["--check"]
     stale = False
     for name, rows in (("tracker.csv", tracker_rows()), ("reverser.csv", reverser_rows())):
-        path = os.path.join(os.path.dirname(os.path.abspath(__file__)), name)
-        text = "".join(",".join(str(cell) for cell in row) + "\n" for row in rows)
-        if not checked:
-            with open(path, "w", newline="\n", encoding="ascii") as file:
-                file.write(text)
-        elif not os.path.exists(path) or open(path, encoding="ascii").read() != text:
+        path = pathlib.Path(__file__).with_name(name)
+        text = "".join(",".join(map(str, row)) + "\n" for row in rows)
+        if sys.argv[1:] != ["--check"]:
+            path.write_bytes(text.encode())
+        elif not path.exists() or path.read_text() != text:
             print(f"{name} is not what make_traces.py writes", file=sys.stderr)
             stale = True
-    sys.exit(1 if stale else 0)
+    sys.exit(stale)
 
 
 if __name__ == "__main__":

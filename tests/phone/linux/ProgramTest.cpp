@@ -3,13 +3,11 @@
 #include "tests/phone/linux/TestHost.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -22,11 +20,6 @@ std::string contentOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::string lastLineOf(const std::string& text) {
-    const std::size_t before = text.rfind('\n', text.size() - 2);
-    return text.substr(before + 1);
-}
-
 /// A phone in a process of its own, as the program is.
 class ProgramTest : public testing::Test {
   protected:
@@ -37,26 +30,13 @@ class ProgramTest : public testing::Test {
         mOptions.readyFile = mFolder / "ready";
     }
 
-    ~ProgramTest() override {
-        if (mChild > 0)
-            end(SIGKILL);
-    }
-
-    /// Returns when the phone has printed its line.
     void start() {
-        Pipe output;
-        mChild = ::fork();
-        if (mChild == 0) {
-            ::dup2(output.writer.get(), STDOUT_FILENO);
+        mPhone.emplace([this] {
             std::ofstream out("/dev/stdout");
             std::ostringstream err;
-            ::_exit(runVirtualPhone(mOptions, out, err));
-        }
-        output.writer = FileDescriptor();
-        std::array<char, 512> line{};
-        const ssize_t size = ::read(output.reader.get(), line.data(), line.size());
-        ASSERT_GT(size, 0);
-        mPrinted.assign(line.data(), static_cast<std::size_t>(size));
+            return runVirtualPhone(mOptions, out, err);
+        });
+        ASSERT_TRUE(mPhone->runs());
     }
 
     /// The path in the ready file.
@@ -74,15 +54,6 @@ class ProgramTest : public testing::Test {
         EXPECT_EQ(interrupt.wait(), packet::kVersion4);
     }
 
-    /// The exit status once the signal has ended the phone; -1 when it was killed.
-    int end(int signal) {
-        int status = 0;
-        ::kill(mChild, signal);
-        EXPECT_EQ(::waitpid(mChild, &status, 0), mChild);
-        mChild = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
     /// What it says when it can't start.
     static std::string failure(const Options& options) {
         std::ostringstream out;
@@ -93,31 +64,25 @@ class ProgramTest : public testing::Test {
 
     TemporaryFolder mFolder;
     Options mOptions;
-    std::string mPrinted;
-    pid_t mChild = -1;
+    std::optional<ChildProcess> mPhone;
 };
 
 } // namespace
 
-TEST_F(ProgramTest, SaysWhereItListensAndKeepsItsLogCompleteAtAnyMoment) {
-    start();
-    EXPECT_EQ(mPrinted,
-              "virtual phone 00:11:22:33:44:55 is listening in " + mOptions.devices + "\n");
-    typeA();
-    const std::string log = contentOf(mOptions.log);
-    EXPECT_NE(log.find(R"("typed":"a")"), std::string::npos);
-    EXPECT_EQ(log.back(), '\n');
-}
-
-TEST_F(ProgramTest, SignalEndsItWithPictureAndSummaryAndNoSocketLeft) {
+TEST_F(ProgramTest, KeepsItsLogCompleteAndASignalEndsItWithPictureAndSummaryAndNoSocketLeft) {
     for (const int signal : {SIGTERM, SIGINT}) {
         start();
+        EXPECT_EQ(mPhone->printed(),
+                  "virtual phone 00:11:22:33:44:55 is listening in " + mOptions.devices + "\n");
         const std::string socket = socketPath();
         typeA();
-        EXPECT_EQ(end(signal), 0);
+        const std::string log = contentOf(mOptions.log);
+        EXPECT_NE(log.find(R"("typed":"a")"), std::string::npos);
+        EXPECT_EQ(log.back(), '\n');
+        EXPECT_EQ(mPhone->end(signal), 0);
         EXPECT_FALSE(std::filesystem::exists(socket));
         EXPECT_FALSE(std::filesystem::exists(mOptions.readyFile));
-        EXPECT_NE(lastLineOf(contentOf(mOptions.log)).find(R"("event":"summary","text":"a")"),
+        EXPECT_NE(contentOf(mOptions.log).find(R"("event":"summary","text":"a")", log.size()),
                   std::string::npos);
         EXPECT_NE(contentOf(mOptions.picture).find("a<tspan"), std::string::npos);
     }

@@ -7,12 +7,18 @@
 #include <stdlib.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace orbelantine::phone {
 
@@ -46,6 +52,49 @@ struct Pipe {
 
     FileDescriptor reader;
     FileDescriptor writer;
+};
+
+/// A process that writes a line once it is ready.
+class ChildProcess {
+  public:
+    /// `body` gives the exit status. Returns when the line is there, or when it has failed.
+    explicit ChildProcess(const std::function<int()>& body) {
+        Pipe output;
+        mProcess = ::fork();
+        if (mProcess == 0) {
+            ::dup2(output.writer.get(), STDOUT_FILENO);
+            ::_exit(body());
+        }
+        output.writer = FileDescriptor();
+        std::array<char, 512> line{};
+        if (const auto size = ::read(output.reader.get(), line.data(), line.size()); size > 0)
+            mPrinted.assign(line.data(), static_cast<std::size_t>(size));
+        else
+            end(SIGKILL);
+    }
+
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    ~ChildProcess() { end(SIGKILL); }
+
+    [[nodiscard]] bool runs() const { return mProcess > 0; }
+
+    [[nodiscard]] const std::string& printed() const { return mPrinted; }
+
+    /// The exit status once the signal has ended it; -1 when it was killed, or had ended before.
+    int end(int signal) {
+        if (!runs())
+            return -1;
+        int status = 0;
+        ::kill(mProcess, signal);
+        EXPECT_GT(::waitpid(std::exchange(mProcess, -1), &status, 0), 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+  private:
+    pid_t mProcess = -1;
+    std::string mPrinted;
 };
 
 inline sockaddr_un socketAddress(const std::string& path) {
