@@ -11,10 +11,7 @@ namespace Orbelantine.HostTests
         private readonly HIDDeviceClient owner = new HIDDeviceClient();
         private readonly SignalErrorCodeCallback signal;
 
-        public CallbackTests()
-        {
-            signal = owner.onDisconnected;
-        }
+        public CallbackTests() => signal = owner.onDisconnected;
 
         public void Dispose()
         {
@@ -32,7 +29,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void EachFunctionOfAnObjectPinsOnItsOwn()
         {
             var recorder = new Recorder();
@@ -42,7 +38,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(2, recorder.Unpins, "unpins");
         }
 
-        [Test]
         public void AnObjectGivenAwayIsDeletedByTheLastUnpin()
         {
             var recorder = new GivenAwayRecorder();
@@ -52,7 +47,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(1, recorder.Unpins, "unpins");
         }
 
-        [Test]
         public void ACallHandsOverACodeOfItsOwn()
         {
             var recorder = new Recorder();
@@ -64,7 +58,6 @@ namespace Orbelantine.HostTests
                          recorder.Codes.Single().message());
         }
 
-        [Test]
         public void AConnectionOutlivesItsSignal()
         {
             connection slot;
@@ -75,7 +68,6 @@ namespace Orbelantine.HostTests
             slot.Dispose();
         }
 
-        [Test]
         public void ManyThreadsMayConnectFireAndDisconnect()
         {
             int calls = 0;
@@ -95,7 +87,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(1u, signal.num_slots(), "slots");
         }
 
-        [Test]
         public void TheSignalsOfTheInterfaceAndOfTheClassAreTwo()
         {
             var inherited = new Recorder();

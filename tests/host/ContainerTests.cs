@@ -8,7 +8,6 @@ namespace Orbelantine.HostTests
 {
     public sealed class ContainerTests
     {
-        [Test]
         public void TextsOfAVector()
         {
             using (var texts = new StringVector(new[] { "grün", "\U0001F4F1", null, "grün" }))
@@ -19,7 +18,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void WideTextsOfAVectorAreFoundByTheHost()
         {
             IList<string> texts = new WStringVector(new[] { "grün", null, "\U0001F4F1" });
@@ -28,7 +26,6 @@ namespace Orbelantine.HostTests
             Assert.Sequence(new[] { "", "\U0001F4F1" }, texts);
         }
 
-        [Test]
         public void AMapIsADictionary()
         {
             IDictionary<uint, string> map = new MapUintWString { { 4000000000, "grün" }, { 1, null } };
@@ -38,7 +35,6 @@ namespace Orbelantine.HostTests
             Assert.Equal("key not found", Assert.Throws<ArgumentOutOfRangeException>(() => map[2].ToString()).ParamName);
         }
 
-        [Test]
         public void AVectorOfPeersSharesThem()
         {
             using (var peer = new BluetoothPeer("before"))

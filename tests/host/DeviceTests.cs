@@ -29,7 +29,6 @@ namespace Orbelantine.HostTests
             configuration.Dispose();
         }
 
-        [Test]
         public void ConnectingGreetsThePhoneTwiceAndOnlyOnce()
         {
             using (var phone = new VirtualPhone())
@@ -45,7 +44,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void ThePhoneGetsKeysAndClicks()
         {
             using (var phone = new VirtualPhone())
@@ -61,7 +59,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void UnpluggingDisconnectsAndTellsTheHost()
         {
             using (var phone = new VirtualPhone())
@@ -76,7 +73,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void ACallbackMayCallTheDeviceThatCallsIt()
         {
             using (var phone = new VirtualPhone())

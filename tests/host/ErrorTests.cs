@@ -8,7 +8,6 @@ namespace Orbelantine.HostTests
     {
         private const int AreaCount = 57;
 
-        [Test]
         public void EachAreaTellsItsNumbersAndTheirTexts()
         {
             Assert.Equal(20000, Common.ORB_ERROR_BASE);
@@ -27,7 +26,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void TheHostsOwnCategoryMakesCodesAndTheirTexts()
         {
             using (error_code code = Common.GlobalCategory.error_code(-7))
@@ -44,7 +42,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void ACategoryIsReachedThroughItsBase()
         {
             using (var category = new SwigErrorCategory())

@@ -55,7 +55,6 @@ namespace Orbelantine.HostTests
             public override void disconnect(ErrorCodeCallback completion) { }
         }
 
-        [Test]
         public void AKeyOverTheSurfaceReachesThePhone()
         {
             using (var phone = new VirtualPhone())
@@ -71,7 +70,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void ALinkThatIsPausedWakesWithTheNextKey()
         {
             using (var phone = new VirtualPhone())
@@ -89,7 +87,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void ARecordRefreshSucceedsWithoutAPhoneAndSaysHowItWent()
         {
             using (var folder = new TestFolder())
@@ -105,7 +102,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void CompletionsMayBeLeftOutAndPeersMayNot()
         {
             client.forceDisconnect(null);
@@ -115,7 +111,6 @@ namespace Orbelantine.HostTests
             Assert.NullArgument("orbelantine::BluetoothPeer const & reference is null", () => client.connect(null, null));
         }
 
-        [Test]
         public void NativeCodeCallsAServiceOfTheHost()
         {
             using (var service = new FakeService())
@@ -134,10 +129,7 @@ namespace Orbelantine.HostTests
             }
         }
 
-        private void Disconnect()
-        {
-            Assert.Equal(0, Code((_, done) => client.disconnect(done)));
-        }
+        private void Disconnect() => Assert.Equal(0, Code((_, done) => client.disconnect(done)));
 
         // The code with which an operation completes.
         private int Code(Action<BluetoothPeer, ErrorCodeCallback> operation)
@@ -149,9 +141,7 @@ namespace Orbelantine.HostTests
             return completed.Values.Single();
         }
 
-        private static void Await(string what, Func<bool> condition)
-        {
+        private static void Await(string what, Func<bool> condition) =>
             Assert.True(SpinWait.SpinUntil(condition, PatienceMs), "waited in vain for " + what);
-        }
     }
 }

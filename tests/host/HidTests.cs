@@ -57,14 +57,12 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void APackerHandsItsReportsToAnElementOfTheHost()
         {
             ExpectReport(new byte[] { 0xA1, 1, 0, 5, 0xFD, 0, 0, 0, 0, 0, 0, 0 }, configuration => new HIDEventsPacker(configuration));
             ExpectReport(new byte[] { 1, 0, 5, 0xFD, 0, 0, 0, 0, 0, 0, 0, 0 }, configuration => new HIDEventsPacker(configuration, false));
         }
 
-        [Test]
         public void AProviderDispatchesThroughTheHostsOverride()
         {
             using (var configuration = new KVStore())
@@ -79,7 +77,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void NativeCodeCallsTheHostsServiceRecords()
         {
             using (var records = new HostRecords())

@@ -10,7 +10,6 @@ namespace Orbelantine.HostTests
     /// <summary>The input buffers with their events, and the input format.</summary>
     public sealed class InputBufferTests
     {
-        [Test]
         public void ACopyOfAnInputBufferIsItsOwn()
         {
             using (var mouse = new IInputMediaBufferMouse(5, -6, 2, false, 77))
@@ -29,7 +28,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void EventFieldsAreReadAndWritten()
         {
             using (var mouse = new IInputMediaBufferMouse.EventData { x = -1, y = 2, type = 3, maxX = 4, maxY = 5 })
@@ -40,7 +38,6 @@ namespace Orbelantine.HostTests
                 Assert.Sequence(new[] { 1, -2, 3, 4 }, new[] { touch.id, touch.x, touch.y, touch.type });
         }
 
-        [Test]
         public void AnInputFormatGoesThroughAStore()
         {
             using (KVStore store = new InputFormat(3, 4, 5, 6).getAsKVStore())

@@ -29,7 +29,6 @@ namespace Orbelantine.HostTests
             public override bool getFocued() { return true; }
         }
 
-        [Test]
         public void QuestionsGoToTheMainSurfaceOfTheHost()
         {
             Assert.Equal((ushort)0x4E41, composite.convertVKCodeToUnicode(0x41));
@@ -42,7 +41,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(10, IInputContext.DEFAULT_MOUSE_SPEED);
         }
 
-        [Test]
         public void PointsAndRectsAreChangedInPlace()
         {
             using (var point = new IInputContext.Point { x = 15, y = 30 })
@@ -56,7 +54,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void ASurfaceIsHeardUntilItIsRemoved()
         {
             int heard = 0;
@@ -72,7 +69,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(2, heard);
         }
 
-        [Test]
         public void NativeCodeAsksAWindowOfTheHost()
         {
             using (var window = new HostWindow())

@@ -11,12 +11,8 @@ namespace Orbelantine.HostTests
 
         private readonly KVStore store = new KVStore();
 
-        public void Dispose()
-        {
-            store.Dispose();
-        }
+        public void Dispose() => store.Dispose();
 
-        [Test]
         public void WhatIsSetIsReadWhateverTheDefault()
         {
             var pointer = new IntPtr(0x1234);
@@ -37,7 +33,6 @@ namespace Orbelantine.HostTests
             Assert.Sequence(new byte[] { 0, 255 }, store.getDataAt("key", new ByteVector()));
         }
 
-        [Test]
         public void NullTextIsTheEmptyText()
         {
             store.setStringAt(null, null);
@@ -46,7 +41,6 @@ namespace Orbelantine.HostTests
             Assert.Equal("", store.getWStringAt("", "default"));
         }
 
-        [Test]
         public void NestedStoresAreWrittenInPlaceAndCopiedWhole()
         {
             store.getKVStoreAt("b").getKVStoreAt("c").setIntAt("value", 1);

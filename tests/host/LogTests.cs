@@ -13,7 +13,6 @@ namespace Orbelantine.HostTests
         [DllImport("orbelantine", EntryPoint = "CSharp_OrbelantinefSwigfcommon_lumiport_log_private_fmt___")]
         private static extern void LogPrivateFormat(uint level, string tag, string format, string argument);
 
-        [Test]
         public void TheFileIsWhereAndWhatTheHostCallsIt()
         {
             Assert.Equal(TestLog.Folder + Path.DirectorySeparatorChar, Common.get_log_directory());
@@ -21,7 +20,6 @@ namespace Orbelantine.HostTests
             Assert.True(File.Exists(TestLog.FilePath), "no file " + TestLog.FilePath);
         }
 
-        [Test]
         public void ATextIsLoggedAsItStands()
         {
             const string text = "100% of %s \U0001F4F1 grün";
@@ -34,7 +32,6 @@ namespace Orbelantine.HostTests
             Assert.Sequence(new[] { text, text }, lines.Select(Message));
         }
 
-        [Test]
         public void PrivateTextIsRedacted()
         {
             IEnumerable<string> lines = TestLog.Record(() =>
@@ -46,9 +43,6 @@ namespace Orbelantine.HostTests
             Assert.Sequence(new[] { "[redacted]", "[redacted]", "Host::call() [redacted]" }, lines.Select(Message));
         }
 
-        private static string Message(string line)
-        {
-            return line.Substring(line.IndexOf("]: ") + 3);
-        }
+        private static string Message(string line) => line.Substring(line.IndexOf("]: ") + 3);
     }
 }

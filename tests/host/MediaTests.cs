@@ -57,7 +57,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void NativeCodeCallsTheHostsBufferAndExplicitlyItsBase()
         {
             using (var buffer = new HostBuffer())
@@ -70,7 +69,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void OmittedArgumentsReachTheOverrideAsKeepValues()
         {
             using (var buffer = new HostBuffer())
@@ -84,7 +82,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void WhatAnOverrideReturnsLivesOnInNativeCode()
         {
             using (var buffer = new HostBuffer())
@@ -98,7 +95,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void NativeCodeCallsTheHostsElements()
         {
             using (var element = new HostElement())
@@ -115,7 +111,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void AnOverridesTextReachesNativeCode()
         {
             using (var element = new HostElement())
@@ -129,7 +124,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void StartingWithACallbackStartsThenCallsItWithSuccess()
         {
             using (var element = new HostElement())

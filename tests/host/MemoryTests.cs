@@ -15,15 +15,9 @@ namespace Orbelantine.HostTests
         // Less than the smallest native block for each pair.
         private const long BoundKb = 4096;
 
-        [Test]
-        public void ErrorCodesLeftToTheCollector()
-        {
-            LeavesNothing(() => HidErrors.getErrorCode(21120));
-        }
+        public void ErrorCodesLeftToTheCollector() => LeavesNothing(() => HidErrors.getErrorCode(21120));
 
-        [Test]
-        public void StoresWithTheirTexts()
-        {
+        public void StoresWithTheirTexts() =>
             LeavesNothing(() =>
             {
                 using (var store = new KVStore())
@@ -33,9 +27,7 @@ namespace Orbelantine.HostTests
                     store.getWStringAt("key", "another");
                 }
             });
-        }
 
-        [Test]
         public void BuffersOnTheirWayToAnElementOfTheHost()
         {
             using (var configuration = new KVStore())
@@ -52,9 +44,7 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
-        public void CallbackObjectsWithTheirFunctionsAndCodes()
-        {
+        public void CallbackObjectsWithTheirFunctionsAndCodes() =>
             LeavesNothing(() =>
             {
                 using (error_code code = HidErrors.getErrorCode(21120))
@@ -62,9 +52,7 @@ namespace Orbelantine.HostTests
                 using (var function = new ErrorCodeCallback(recorder))
                     function.call(code);
             }, 20);
-        }
 
-        [Test]
         public void Slots()
         {
             using (var device = new HIDDeviceClient())
@@ -81,10 +69,7 @@ namespace Orbelantine.HostTests
 
         private sealed class Dropping : IMediaElement
         {
-            public override void onFrame(IMediaBuffer buffer)
-            {
-                buffer.Dispose();
-            }
+            public override void onFrame(IMediaBuffer buffer) => buffer.Dispose();
         }
 
         private sealed class ForgettingRecorder : ErrorCodeCallbackImpl

@@ -47,11 +47,9 @@ namespace Orbelantine.HostTests
         }
 
         /// <summary>Waits for a line of the phone's log that has all these parts.</summary>
-        public void WaitForLine(params string[] parts)
-        {
+        public void WaitForLine(params string[] parts) =>
             Wait("a line with " + string.Join(" and ", parts),
                  () => Lines().Any(line => parts.All(part => line.Contains(part))));
-        }
 
         /// <summary>Ends at once, as a phone out of reach.</summary>
         public void Vanish()

@@ -14,18 +14,12 @@ namespace Orbelantine.HostTests
         {
             public static int Frames { get; private set; }
 
-            public override void onFrame(IMediaBuffer buffer)
-            {
-                ++Frames;
-            }
+            public override void onFrame(IMediaBuffer buffer) => ++Frames;
         }
 
         private sealed class ReturningBuffer : IMediaBuffer
         {
-            public override IMediaBuffer copy(byte type, ulong timestamp)
-            {
-                return new ReturningBuffer();
-            }
+            public override IMediaBuffer copy(byte type, ulong timestamp) => new ReturningBuffer();
 
             public override byte getType()
             {
@@ -33,7 +27,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ASurfaceInUseIsNotDisposed()
         {
             var surface = new FakeSurface();
@@ -48,7 +41,6 @@ namespace Orbelantine.HostTests
             surface.Dispose();
         }
 
-        [Mistake]
         public static void AnElementInUseIsNeitherDisposedNorCollected()
         {
             using (var configuration = new KVStore())
@@ -66,7 +58,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AnElementMayBeGivenToMany()
         {
             var element = new Counting();
@@ -85,7 +76,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ABufferThatAnOverrideReturnsLivesOn()
         {
             using (var buffer = new ReturningBuffer())
@@ -96,7 +86,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ACallbackInUseIsNeitherDisposedNorCollected()
         {
             var recorder = new Recorder();
@@ -116,7 +105,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ACompositePutIntoItselfIsRefused()
         {
             using (var outer = new InputContextComposite())
@@ -131,7 +119,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ACompositeWithoutMainContextHasNobodyToAsk()
         {
             using (var composite = new InputContextComposite())

@@ -19,7 +19,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AnExceptionOfACallbackIsRaisedAndTheNextSlotCalled()
         {
             HostExceptionEventArgs raised = null;
@@ -39,7 +38,6 @@ namespace Orbelantine.HostTests
             Assert.Equal((object)failing, raised.Target);
         }
 
-        [Mistake]
         public static void AnExceptionOfAnOverrideIsRaisedAndAnsweredWithNothing()
         {
             HostExceptionEventArgs raised = null;
@@ -72,7 +70,6 @@ namespace Orbelantine.HostTests
             Fail();
         }
 
-        [Mistake]
         public static void WhatMustBeOverriddenIsAbstract()
         {
             foreach (Type type in new[] { typeof(IInputContext), typeof(IWindowState), typeof(IRemoteMouseInfoProvider), typeof(IBluetoothSDPController),
@@ -84,7 +81,6 @@ namespace Orbelantine.HostTests
                 Assert.True(family.Call.IsAbstract, family.Name);
         }
 
-        [Mistake]
         public static void NothingToCallIsRefusedByASentence()
         {
             ExpectSentence(() => new ErrorCodeCallback((ErrorCodeCallbackImpl)null));
@@ -98,14 +94,12 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AQuestionThatNoSlotAnswersIsRefused()
         {
             object signal = Family.Of(typeof(BoolRequestCallback)).NewSignal();
             Assert.Throws<InvalidOperationException>(() => ((SignalBoolRequestCallback)signal).call());
         }
 
-        [Mistake]
         public static void ASlotMayEndTheOwnerOfItsSignal()
         {
             var device = new HIDDeviceClient();
@@ -116,7 +110,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(1, calls);
         }
 
-        [Mistake]
         public static void ALibraryOfAnotherVersionIsNamed()
         {
             MethodInfo compare = typeof(NativeObject).Assembly.GetType("Orbelantine.Swig.LibraryVersion").GetMethod("Compare", BindingFlags.Static | BindingFlags.NonPublic);
@@ -137,11 +130,9 @@ namespace Orbelantine.HostTests
         }
 
         // A form that leaves arguments out.
-        private static bool IsShortened(MethodInfo operation)
-        {
-            return operation.DeclaringType.GetMethods().Any(
+        private static bool IsShortened(MethodInfo operation) =>
+            operation.DeclaringType.GetMethods().Any(
                 method => method.Name == operation.Name && method.IsAbstract && method.GetParameters().Length > operation.GetParameters().Length);
-        }
 
         private static void ExpectSentence(Action action)
         {

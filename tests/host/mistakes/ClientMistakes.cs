@@ -19,9 +19,7 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
-        public static void AClientMayEndInItsOwnCompletion()
-        {
+        public static void AClientMayEndInItsOwnCompletion() =>
             WithClient(client =>
             {
                 var ended = new ManualResetEventSlim();
@@ -29,9 +27,7 @@ namespace Orbelantine.HostTests
                     client.connect(peer, ErrorCodeCallback.From(code => { client.Dispose(); ended.Set(); }));
                 Await(ended);
             });
-        }
 
-        [Mistake]
         public static void AClientMayEndInItsOwnSignal()
         {
             using (new VirtualPhone())
@@ -45,17 +41,13 @@ namespace Orbelantine.HostTests
                 });
         }
 
-        [Mistake]
-        public static void AClientMayEndAfterAnAwaitOfItsCompletion()
-        {
+        public static void AClientMayEndAfterAnAwaitOfItsCompletion() =>
             WithClient(client => Task.Run(async () =>
             {
                 await Connect(client);
                 client.Dispose();
             }).Wait());
-        }
 
-        [Mistake]
         public static void AClientThatIsStillUsedCompletesEverythingOnce()
         {
             using (new VirtualPhone())
@@ -69,7 +61,6 @@ namespace Orbelantine.HostTests
                 });
         }
 
-        [Mistake]
         public static void AConnectThatHangsInTheDriverEndsWithItsClient()
         {
             using (new VirtualPhone("--late 60000"))
@@ -82,7 +73,6 @@ namespace Orbelantine.HostTests
                 });
         }
 
-        [Mistake]
         public static void AConnectThatHangsInTheDriverIsBrokenByForce()
         {
             using (new VirtualPhone("--late 60000"))
@@ -96,7 +86,6 @@ namespace Orbelantine.HostTests
                 });
         }
 
-        [Mistake]
         public static void AClientLeftConnectedLetsTheProcessEnd()
         {
             using (new VirtualPhone())
@@ -107,7 +96,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AClientLeftToTheCollectorEnds()
         {
             using (new VirtualPhone())
@@ -117,7 +105,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AWrongSettingFailsTheConnection()
         {
             using (new VirtualPhone())
@@ -133,7 +120,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ASurfaceThatFailsToAnswerKeepsNobodyWaiting()
         {
             HostCallbacks.UnhandledException += (sender, told) => { };
@@ -145,7 +131,6 @@ namespace Orbelantine.HostTests
                 });
         }
 
-        [Mistake]
         public static void ConnectingWithoutASurfaceOrAPhoneIsAnswered()
         {
             using (var configuration = new KVStore())
@@ -157,7 +142,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ImpossibleScreensAreTaken()
         {
             using (var phone = new VirtualPhone())
@@ -181,9 +165,7 @@ namespace Orbelantine.HostTests
                 });
         }
 
-        [Mistake]
-        public static void AFlushIsAnsweredWithALinkAndWithout()
-        {
+        public static void AFlushIsAnsweredWithALinkAndWithout() =>
             WithClient(client =>
             {
                 Flush(client).Wait();
@@ -200,9 +182,7 @@ namespace Orbelantine.HostTests
                     phone.WaitForLine("\"typed\":\"a\"");
                 }
             });
-        }
 
-        [Mistake]
         public static void ADeviceMayEndInItsOwnSignal()
         {
             using (var phone = new VirtualPhone())
@@ -221,7 +201,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AReportOfNothingIsNotSent()
         {
             using (var phone = new VirtualPhone())
@@ -253,10 +232,7 @@ namespace Orbelantine.HostTests
                 return Code(done => client.connect(peer, done));
         }
 
-        private static Task<int> Flush(HidInputClient client)
-        {
-            return Code(client.flush);
-        }
+        private static Task<int> Flush(HidInputClient client) => Code(client.flush);
 
         // The code of the one completion. Continuations run on the thread that completes.
         private static Task<int> Code(Action<ErrorCodeCallback> operation)
@@ -273,9 +249,6 @@ namespace Orbelantine.HostTests
                 return new BluetoothPeer(address);
         }
 
-        private static void Await(ManualResetEventSlim happened)
-        {
-            Assert.True(happened.Wait(4000), "waited in vain");
-        }
+        private static void Await(ManualResetEventSlim happened) => Assert.True(happened.Wait(4000), "waited in vain");
     }
 }

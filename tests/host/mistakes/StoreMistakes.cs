@@ -7,7 +7,6 @@ namespace Orbelantine.HostTests
     /// <summary>Stores put where they come from, and texts that are no formats.</summary>
     public static class StoreMistakes
     {
-        [Mistake]
         public static void AStorePutIntoItselfIsACopyOfWhatItWas()
         {
             using (var store = new KVStore())
@@ -23,7 +22,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void WhatLayInAReplacedStoreRefuses()
         {
             using (var store = new KVStore())
@@ -50,7 +48,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AListMayBePutIntoItself()
         {
             using (var bytes = new ByteVector(new byte[] { 1, 2 }))
@@ -61,7 +58,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ATextThatLooksLikeAFormatIsLoggedAsItIs()
         {
             string[] texts = { "%s%n%p 100%", "%", "" };
