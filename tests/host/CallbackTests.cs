@@ -29,15 +29,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        public void EachFunctionOfAnObjectPinsOnItsOwn()
-        {
-            var recorder = new Recorder();
-            for (int i = 0; i < 2; ++i)
-                new ErrorCodeCallback(recorder).Dispose();
-            Assert.Equal(2, recorder.Pins, "pins");
-            Assert.Equal(2, recorder.Unpins, "unpins");
-        }
-
         public void AnObjectGivenAwayIsDeletedByTheLastUnpin()
         {
             var recorder = new GivenAwayRecorder();
@@ -45,17 +36,6 @@ namespace Orbelantine.HostTests
             // What is already deleted is not deleted again.
             recorder.Dispose();
             Assert.Equal(1, recorder.Unpins, "unpins");
-        }
-
-        public void ACallHandsOverACodeOfItsOwn()
-        {
-            var recorder = new Recorder();
-            using (var function = new ErrorCodeCallback(recorder))
-            using (error_code sent = HidErrors.getErrorCode(21122))
-                function.call(sent);
-            Assert.Equal(21122, recorder.Codes.Single().value());
-            Assert.Equal("'Category: struct orbelantine::HidErrors, Message: Error code - TimeoutReached'",
-                         recorder.Codes.Single().message());
         }
 
         public void AConnectionOutlivesItsSignal()

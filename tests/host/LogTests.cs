@@ -8,8 +8,6 @@ namespace Orbelantine.HostTests
 {
     public sealed class LogTests
     {
-        private const uint Debug = 1;
-
         [DllImport("orbelantine", EntryPoint = "CSharp_OrbelantinefSwigfcommon_lumiport_log_private_fmt___")]
         private static extern void LogPrivateFormat(uint level, string tag, string format, string argument);
 
@@ -18,18 +16,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(TestLog.Folder + Path.DirectorySeparatorChar, Common.get_log_directory());
             Assert.Equal("host-lumiport.liborbelantine-tests.log", Common.get_log_name());
             Assert.True(File.Exists(TestLog.FilePath), "no file " + TestLog.FilePath);
-        }
-
-        public void ATextIsLoggedAsItStands()
-        {
-            const string text = "100% of %s \U0001F4F1 grün";
-            IEnumerable<string> lines = TestLog.Record(() =>
-            {
-                Common.lumiport_log(Debug, TestLog.Tag, "below the level");
-                Common.lumiport_log(TestLog.Info, TestLog.Tag, text);
-                Common.lumiport_log_fmt(TestLog.Info, TestLog.Tag, text);
-            });
-            Assert.Sequence(new[] { text, text }, lines.Select(Message));
         }
 
         public void PrivateTextIsRedacted()

@@ -30,9 +30,8 @@ namespace Orbelantine.HostTests
 
         public void BuffersOnTheirWayToAnElementOfTheHost()
         {
-            using (var configuration = new KVStore())
             using (var target = new Dropping())
-            using (var packer = new HIDEventsPacker(configuration))
+            using (var packer = new HIDEventsPacker(new KVStore()))
             {
                 packer.registerTarget(target);
                 LeavesNothing(() =>

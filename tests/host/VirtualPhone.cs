@@ -5,6 +5,8 @@ using System.IO;
 using System.Linq;
 using System.Runtime.InteropServices;
 using System.Threading;
+using Orbelantine.Swig.bluetooth;
+using Orbelantine.Swig.common;
 
 namespace Orbelantine.HostTests
 {
@@ -31,6 +33,12 @@ namespace Orbelantine.HostTests
                                " --ready-file " + folder.File("ready") + " " + options;
             process = Process.Start(new ProcessStartInfo(program, arguments) { UseShellExecute = false, RedirectStandardOutput = true });
             Wait("the phone to listen", () => File.Exists(folder.File("ready")));
+        }
+
+        public static BluetoothPeer NewPeer()
+        {
+            using (var address = new CMacAddress(Address))
+                return new BluetoothPeer(address);
         }
 
         /// <summary>Has the library look for devices in a folder.</summary>

@@ -60,7 +60,7 @@ namespace Orbelantine.HostTests
 
         public static void ATextThatLooksLikeAFormatIsLoggedAsItIs()
         {
-            string[] texts = { "%s%n%p 100%", "%", "" };
+            string[] texts = { "%s%n%p 100% \U0001F4F1 grün", "%", "" };
             var lines = TestLog.Record(() =>
             {
                 foreach (string text in texts)
