@@ -52,8 +52,7 @@ namespace Orbelantine.HostTests
             {
                 Assert.Equal(0, Code(client.connect));
                 Assert.Equal(AlreadyStarted, Code(client.connect));
-                surface.onKeyDown.call(0x41, 30, 1);
-                surface.onKeyUp.call(0x41, 30);
+                surface.TypeA();
                 phone.WaitForLine("\"typed\":\"a\"");
                 client.setIdleTimeout(60000);
                 client.pauseConnection();

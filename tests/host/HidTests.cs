@@ -31,9 +31,9 @@ namespace Orbelantine.HostTests
         {
             public string Added { get; private set; }
 
-            public override int start() { return 1; }
-            public override int stop() { return 2; }
-            public override int removeHIDDeviceRecord() { return 3; }
+            public override int start() => 1;
+            public override int stop() => 2;
+            public override int removeHIDDeviceRecord() => 3;
 
             public override int addHIDDeviceRecord(string name, string description, string provider, ushort subclass, IntPtr descriptor, uint size)
             {

@@ -19,8 +19,8 @@ namespace Orbelantine.HostTests
 
         private sealed class HostWindow : IWindowState
         {
-            public override bool getHovered() { return false; }
-            public override bool getFocued() { return true; }
+            public override bool getHovered() => false;
+            public override bool getFocued() => true;
         }
 
         public void QuestionsGoToTheMainSurfaceOfTheHost()

@@ -29,8 +29,8 @@ namespace Orbelantine.HostTests
                 return null;
             }
 
-            public override IntPtr map(uint plane) { return new IntPtr(0x1000 + plane); }
-            public override byte getType() { return (byte)(base.getType() + 200); }
+            public override IntPtr map(uint plane) => new IntPtr(0x1000 + plane);
+            public override byte getType() => (byte)(base.getType() + 200);
         }
 
         private sealed class HostElement : IMediaElement
@@ -40,8 +40,8 @@ namespace Orbelantine.HostTests
             public List<string> Calls { get; } = new List<string>();
             public string Name { get; set; } = "";
 
-            public override void start() { Calls.Add("start"); }
-            public override string getName() { return Name; }
+            public override void start() => Calls.Add("start");
+            public override string getName() => Name;
 
             public override void registerTarget(IMediaElement target)
             {

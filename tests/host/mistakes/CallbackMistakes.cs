@@ -11,27 +11,13 @@ namespace Orbelantine.HostTests
     /// <summary>Callbacks and overrides that fail, or are missing.</summary>
     public static class CallbackMistakes
     {
-        private sealed class FailingSurface : FakeSurface
-        {
-            public override int getSystemMouseSpeed()
-            {
-                throw new NotImplementedException("no speed");
-            }
-        }
-
         public static void AnExceptionOfACallbackIsRaisedAndTheNextSlotCalled()
         {
             HostExceptionEventArgs raised = null;
             HostCallbacks.UnhandledException += (sender, told) => raised = told;
             int calls = 0;
             Action<error_code> failing = code => { throw new FormatException("a reason"); };
-            using (var device = new HIDDeviceClient())
-            using (var sent = new error_code())
-            {
-                device.onDisconnected.connect(failing).Dispose();
-                device.onDisconnected.connect(code => ++calls).Dispose();
-                device.onDisconnected.call(sent);
-            }
+            Fire(failing, code => ++calls);
             Assert.Equal(1, calls, "calls of the next slot");
             Assert.Equal("a reason", raised.Exception.Message);
             Assert.Equal("call", raised.Operation);
@@ -42,7 +28,7 @@ namespace Orbelantine.HostTests
         {
             HostExceptionEventArgs raised = null;
             HostCallbacks.UnhandledException += (sender, told) => raised = told;
-            using (var surface = new FailingSurface())
+            using (var surface = new FakeSurface { Failure = new FormatException() })
             {
                 Assert.Equal(0, Raw.Call("input", "IInputContext_getSystemMouseSpeed", Raw.Handle<IInputContext>(surface)));
                 Assert.Equal("getSystemMouseSpeed", raised.Operation);
@@ -119,12 +105,15 @@ namespace Orbelantine.HostTests
             Assert.True(thrown.Message.Contains("9.8.7") && thrown.Message.Contains(own.ToString(3)), thrown.Message);
         }
 
-        private static void Fail()
+        private static void Fail() => Fire(code => { throw new FormatException("a reason"); });
+
+        private static void Fire(params Action<error_code>[] slots)
         {
             using (var device = new HIDDeviceClient())
             using (var sent = new error_code())
             {
-                device.onDisconnected.connect(code => { throw new FormatException("a reason"); }).Dispose();
+                foreach (Action<error_code> slot in slots)
+                    device.onDisconnected.connect(slot).Dispose();
                 device.onDisconnected.call(sent);
             }
         }

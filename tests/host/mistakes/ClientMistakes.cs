@@ -1,4 +1,6 @@
 using System;
+using System.Linq;
+using System.Runtime.CompilerServices;
 using System.Threading;
 using System.Threading.Tasks;
 using Orbelantine.Swig;
@@ -11,130 +13,86 @@ namespace Orbelantine.HostTests
     /// <summary>The link, used as it should not be.</summary>
     public static class ClientMistakes
     {
-        private sealed class FailingSurface : FakeSurface
+        public static HidInputClient Left { get; private set; }
+
+        public static void AClientMayEndInItsOwnCompletion()
         {
-            public override int getSystemMouseSpeed()
-            {
-                throw new InvalidOperationException("no speed");
-            }
+            var client = new HidInputClient(new KVStore());
+            ExpectEnd(client, end => client.connect(VirtualPhone.NewPeer(), ErrorCodeCallback.From(code => end())));
         }
 
-        public static void AClientMayEndInItsOwnCompletion() =>
-            WithClient(client =>
-            {
-                var ended = new ManualResetEventSlim();
-                using (BluetoothPeer peer = NewPeer())
-                    client.connect(peer, ErrorCodeCallback.From(code => { client.Dispose(); ended.Set(); }));
-                Await(ended);
-            });
-
-        public static void AClientMayEndInItsOwnSignal()
+        public static void AClientMayEndInItsOwnSignal() => WithPhone((phone, client, surface) => ExpectEnd(client, end =>
         {
-            using (new VirtualPhone())
-                WithClient(client =>
-                {
-                    var ended = new ManualResetEventSlim();
-                    client.onConnected.connect(() => { client.Dispose(); ended.Set(); }).Dispose();
-                    using (BluetoothPeer peer = NewPeer())
-                        client.connect(peer, null);
-                    Await(ended);
-                });
-        }
+            client.onConnected.connect(end).Dispose();
+            client.connect(VirtualPhone.NewPeer(), null);
+        }));
 
-        public static void AClientMayEndAfterAnAwaitOfItsCompletion() =>
-            WithClient(client => Task.Run(async () =>
+        public static void AClientMayEndAfterAnAwaitOfItsCompletion()
+        {
+            var client = new HidInputClient(new KVStore());
+            Task.Run(async () =>
             {
                 await Connect(client);
                 client.Dispose();
-            }).Wait());
-
-        public static void AClientThatIsStillUsedCompletesEverythingOnce()
-        {
-            using (new VirtualPhone())
-                WithClient(client =>
-                {
-                    var tasks = new Task<int>[20];
-                    for (int i = 0; i < tasks.Length; ++i)
-                        tasks[i] = Connect(client);
-                    client.Dispose();
-                    Task.WaitAll(tasks);
-                });
+            }).Wait();
         }
 
-        public static void AConnectThatHangsInTheDriverEndsWithItsClient()
+        public static void AClientThatIsStillUsedCompletesEverythingOnce() => WithPhone((phone, client, surface) =>
         {
-            using (new VirtualPhone("--late 60000"))
-                WithClient(client =>
-                {
-                    Task<int> connected = Connect(client);
-                    Assert.True(!connected.Wait(500), "nothing hangs");
-                    client.Dispose();
-                    Assert.True(connected.Wait(0) && connected.Result != 0, "not completed, or with success");
-                });
-        }
+            Task<int>[] tasks = Enumerable.Range(0, 20).Select(i => Connect(client)).ToArray();
+            client.Dispose();
+            Task.WaitAll(tasks);
+        });
 
-        public static void AConnectThatHangsInTheDriverIsBrokenByForce()
+        public static void AConnectThatHangsInTheDriverEndsWithItsClient() => Hang((client, connected) =>
         {
-            using (new VirtualPhone("--late 60000"))
-                WithClient(client =>
-                {
-                    Task<int> connected = Connect(client);
-                    Assert.True(!connected.Wait(500), "nothing hangs");
-                    client.forceDisconnect(null);
-                    Assert.True(connected.Wait(4000), "not completed");
-                    Assert.True(connected.Result != 0, "success");
-                });
-        }
+            client.Dispose();
+            Assert.True(connected.Wait(0), "not completed");
+        });
+
+        public static void AConnectThatHangsInTheDriverIsBrokenByForce() => Hang((client, connected) =>
+        {
+            client.forceDisconnect(null);
+            Assert.True(connected.Wait(4000), "not completed");
+        });
 
         public static void AClientLeftConnectedLetsTheProcessEnd()
         {
             using (new VirtualPhone())
-            {
-                var client = new HidInputClient(new KVStore());
-                client.setInputContext(new FakeSurface());
-                Assert.Equal(0, Connect(client).Result);
-            }
+                Left = NewConnected();
         }
 
         public static void AClientLeftToTheCollectorEnds()
         {
             using (new VirtualPhone())
             {
-                Forget();
+                NewConnected();
                 Collector.Run();
             }
         }
 
         public static void AWrongSettingFailsTheConnection()
         {
+            var configuration = new KVStore();
+            configuration.setStringAt("osVersion", "x.1");
             using (new VirtualPhone())
-            using (var configuration = new KVStore())
+            using (var client = new HidInputClient(configuration))
             {
-                configuration.setStringAt("osVersion", "x.1");
-                using (var client = new HidInputClient(configuration))
-                {
-                    client.setInputContext(new FakeSurface());
-                    Connect(client).Wait();
-                    Connect(client).Wait();
-                }
+                client.setInputContext(new FakeSurface());
+                Assert.True(Connect(client).Result != 0 && Connect(client).Result != 0, "connected");
             }
         }
 
-        public static void ASurfaceThatFailsToAnswerKeepsNobodyWaiting()
+        public static void ASurfaceThatFailsToAnswerKeepsNobodyWaiting() => WithPhone((phone, client, surface) =>
         {
             HostCallbacks.UnhandledException += (sender, told) => { };
-            using (new VirtualPhone())
-                WithClient(client =>
-                {
-                    client.setInputContext(new FailingSurface());
-                    Connect(client).Wait();
-                });
-        }
+            surface.Failure = new InvalidOperationException("no speed");
+            Connect(client).Wait();
+        });
 
         public static void ConnectingWithoutASurfaceOrAPhoneIsAnswered()
         {
-            using (var configuration = new KVStore())
-            using (var client = new HidInputClient(configuration))
+            using (var client = new HidInputClient(new KVStore()))
             {
                 Assert.True(Connect(client).Result != 0, "connected to nothing");
                 client.setInputContext(null);
@@ -142,68 +100,50 @@ namespace Orbelantine.HostTests
             }
         }
 
-        public static void ImpossibleScreensAreTaken()
+        public static void ImpossibleScreensAreTaken() => WithPhone((phone, client, surface) =>
         {
-            using (var phone = new VirtualPhone())
-            using (var surface = new FakeSurface())
-                WithClient(client =>
-                {
-                    client.setInputContext(surface);
-                    Assert.Equal(0, Connect(client).Result);
-                    foreach (int size in new[] { 50000000, -1, 0, int.MinValue })
-                    {
-                        surface.onLogicalDimensionsChanged.call(size, size, 1e300, -30000000);
-                        surface.onRotationChanged.call(size);
-                        surface.onMouseClickDown.call(IInputContext.eMouseButton.MouseButtonLeft, size, 5);
-                        surface.onMouseClickUp.call((IInputContext.eMouseButton)77, 5, size);
-                        surface.onRelativeMouseWheel.call(size, size, size);
-                    }
-                    surface.onKeyDown.call(0x41, 30, 1);
-                    surface.onKeyUp.call(0x41, 30);
-                    phone.WaitForLine("\"typed\":\"a\"");
-                    client.Dispose();
-                });
-        }
-
-        public static void AFlushIsAnsweredWithALinkAndWithout() =>
-            WithClient(client =>
+            Assert.Equal(0, Connect(client).Result);
+            foreach (int size in new[] { 50000000, -1, 0, int.MinValue })
             {
-                Flush(client).Wait();
-                client.flush(null);
-                using (var phone = new VirtualPhone())
-                using (var surface = new FakeSurface())
-                {
-                    client.setInputContext(surface);
-                    Assert.Equal(0, Connect(client).Result);
-                    surface.onKeyDown.call(0x41, 30, 1);
-                    surface.onKeyUp.call(0x41, 30);
-                    Assert.Equal(0, Flush(client).Result);
-                    client.Dispose();
-                    phone.WaitForLine("\"typed\":\"a\"");
-                }
-            });
+                surface.onLogicalDimensionsChanged.call(size, size, 1e300, -30000000);
+                surface.onRotationChanged.call(size);
+                surface.onMouseClickDown.call(IInputContext.eMouseButton.MouseButtonLeft, size, 5);
+                surface.onMouseClickUp.call((IInputContext.eMouseButton)77, 5, size);
+                surface.onRelativeMouseWheel.call(size, size, size);
+            }
+            surface.TypeA();
+            phone.WaitForLine("\"typed\":\"a\"");
+        });
+
+        public static void AFlushIsAnsweredWithALinkAndWithout() => WithPhone((phone, client, surface) =>
+        {
+            Code(client.flush).Wait();
+            client.flush(null);
+            Assert.Equal(0, Connect(client).Result);
+            surface.TypeA();
+            Assert.Equal(0, Code(client.flush).Result);
+            client.Dispose();
+            phone.WaitForLine("\"typed\":\"a\"");
+        });
 
         public static void ADeviceMayEndInItsOwnSignal()
         {
+            var device = new HIDDeviceClient();
+            device.onDisconnected.connect(code => device.Dispose()).Dispose();
             using (var phone = new VirtualPhone())
+            using (var provider = new HIDReportProvider(new KVStore()))
             {
-                var device = new HIDDeviceClient();
-                device.onDisconnected.connect(code => device.Dispose()).Dispose();
-                using (var configuration = new KVStore())
-                using (var provider = new HIDReportProvider(configuration))
-                {
-                    provider.setDevice(device);
-                    device.connect(VirtualPhone.Address).Dispose();
-                    phone.Vanish();
-                    provider.sendMouseMove(1, 1);
-                    provider.sendMouseMove(1, 1);
-                }
+                provider.setDevice(device);
+                device.connect(VirtualPhone.Address).Dispose();
+                phone.Vanish();
+                provider.sendMouseMove(1, 1);
+                provider.sendMouseMove(1, 1);
             }
         }
 
         public static void AReportOfNothingIsNotSent()
         {
-            using (var phone = new VirtualPhone())
+            using (new VirtualPhone())
             using (var device = new HIDDeviceClient())
             {
                 device.connect(VirtualPhone.Address).Dispose();
@@ -212,27 +152,52 @@ namespace Orbelantine.HostTests
             }
         }
 
-        private static void WithClient(Action<HidInputClient> action)
+        private static void WithPhone(Action<VirtualPhone, HidInputClient, FakeSurface> action)
         {
-            using (var configuration = new KVStore())
-            using (var client = new HidInputClient(configuration))
-                action(client);
+            using (var phone = new VirtualPhone())
+            using (var surface = new FakeSurface())
+            using (var client = new HidInputClient(new KVStore()))
+            {
+                client.setInputContext(surface);
+                action(phone, client, surface);
+            }
         }
 
-        private static void Forget()
+        // `breakOff` is to complete a connect that hangs.
+        private static void Hang(Action<HidInputClient, Task<int>> breakOff)
+        {
+            using (new VirtualPhone("--late 60000"))
+            using (var client = new HidInputClient(new KVStore()))
+            {
+                Task<int> connected = Connect(client);
+                Assert.True(!connected.Wait(500), "nothing hangs");
+                breakOff(client, connected);
+                Assert.True(connected.Result != 0, "success");
+            }
+        }
+
+        // Ends the client in a call that the operation causes.
+        private static void ExpectEnd(HidInputClient client, Action<Action> operation)
+        {
+            var ended = new ManualResetEventSlim();
+            operation(() => { client.Dispose(); ended.Set(); });
+            Assert.True(ended.Wait(4000), "waited in vain");
+        }
+
+        [MethodImpl(MethodImplOptions.NoInlining)]
+        private static HidInputClient NewConnected()
         {
             var client = new HidInputClient(new KVStore());
             client.setInputContext(new FakeSurface());
             Assert.Equal(0, Connect(client).Result);
+            return client;
         }
 
         private static Task<int> Connect(HidInputClient client)
         {
-            using (BluetoothPeer peer = NewPeer())
+            using (BluetoothPeer peer = VirtualPhone.NewPeer())
                 return Code(done => client.connect(peer, done));
         }
-
-        private static Task<int> Flush(HidInputClient client) => Code(client.flush);
 
         // The code of the one completion. Continuations run on the thread that completes.
         private static Task<int> Code(Action<ErrorCodeCallback> operation)
@@ -242,13 +207,5 @@ namespace Orbelantine.HostTests
                 operation(done);
             return completed.Task;
         }
-
-        private static BluetoothPeer NewPeer()
-        {
-            using (var address = new CMacAddress(VirtualPhone.Address))
-                return new BluetoothPeer(address);
-        }
-
-        private static void Await(ManualResetEventSlim happened) => Assert.True(happened.Wait(4000), "waited in vain");
     }
 }

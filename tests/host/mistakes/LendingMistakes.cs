@@ -21,17 +21,13 @@ namespace Orbelantine.HostTests
         {
             public override IMediaBuffer copy(byte type, ulong timestamp) => new ReturningBuffer();
 
-            public override byte getType()
-            {
-                return 42;
-            }
+            public override byte getType() => 42;
         }
 
         public static void ASurfaceInUseIsNotDisposed()
         {
             var surface = new FakeSurface();
-            using (var configuration = new KVStore())
-            using (var client = new HidInputClient(configuration))
+            using (var client = new HidInputClient(new KVStore()))
             {
                 client.setInputContext(surface);
                 var thrown = Assert.Throws<InvalidOperationException>(() => surface.Dispose());
@@ -43,8 +39,7 @@ namespace Orbelantine.HostTests
 
         public static void AnElementInUseIsNeitherDisposedNorCollected()
         {
-            using (var configuration = new KVStore())
-            using (var packer = new HIDEventsPacker(configuration))
+            using (var packer = new HIDEventsPacker(new KVStore()))
             using (var move = new IInputMediaBufferMouse(5, -3, 0))
             {
                 WeakReference element = Register(packer);
@@ -61,19 +56,16 @@ namespace Orbelantine.HostTests
         public static void AnElementMayBeGivenToMany()
         {
             var element = new Counting();
-            using (var configuration = new KVStore())
+            using (var first = new HIDEventsPacker(new KVStore()))
+            using (var second = new HIDEventsPacker(new KVStore()))
             {
-                using (var first = new HIDEventsPacker(configuration))
-                using (var second = new HIDEventsPacker(configuration))
-                {
-                    first.registerTarget(element);
-                    first.registerTarget(element);
-                    second.registerTarget(element);
-                    first.Dispose();
-                    Assert.Throws<InvalidOperationException>(() => element.Dispose());
-                }
-                element.Dispose();
+                first.registerTarget(element);
+                first.registerTarget(element);
+                second.registerTarget(element);
+                first.Dispose();
+                Assert.Throws<InvalidOperationException>(() => element.Dispose());
             }
+            element.Dispose();
         }
 
         public static void ABufferThatAnOverrideReturnsLivesOn()

@@ -7,16 +7,18 @@ namespace Orbelantine.HostTests
     /// <summary>Stores put where they come from, and texts that are no formats.</summary>
     public static class StoreMistakes
     {
+        private const string Text = "a text that is longer than a small one";
+
         public static void AStorePutIntoItselfIsACopyOfWhatItWas()
         {
             using (var store = new KVStore())
             {
                 KVStore b = store.getKVStoreAt("a").getKVStoreAt("b");
-                b.setStringAt("key", "a text that is longer than a small one");
+                b.setStringAt("key", Text);
                 store.setKVStoreAt("a", b);
-                Assert.Equal("a text that is longer than a small one", store.getKVStoreAt("a").getStringAt("key"));
+                Assert.Equal(Text, store.getKVStoreAt("a").getStringAt("key"));
                 store.getKVStoreMap()["a"] = store;
-                Assert.Equal("a text that is longer than a small one", store.getKVStoreAt("a").getKVStoreAt("a").getStringAt("key"));
+                Assert.Equal(Text, store.getKVStoreAt("a").getKVStoreAt("a").getStringAt("key"));
                 store.setKVStoreAt("self", store);
                 Assert.Sequence(new[] { "a" }, store.getKVStoreAt("self").getKVStoreMap().Keys.ToArray());
             }
