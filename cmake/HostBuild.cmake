@@ -45,7 +45,7 @@ list(APPEND orbelantine_dotnet OrbelantineOwnFramework=${ORBELANTINE_OWN_FRAMEWO
 # <build>/host/<runtime>/NAME.dll or NAME.exe. Adds the target NAME and, for each runtime, the
 # list NAME_<runtime>_COMMAND that runs it.
 function(orbelantine_host_program name folder)
-    file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cs")
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${folder}/*.cs")
     set(inputs orbelantine ${sources} ${orbelantine_proxy_helpers})
     set(outputs "")
     if("dotnet" IN_LIST orbelantine_host_runtimes)

@@ -22,10 +22,6 @@ class Exports : public testing::Test {
         EXPECT_EQ((Library::ArgumentError{"argument-null", text, std::nullopt}),
                   library.takeError());
     }
-
-    std::string message(Handle code) {
-        return library.takeText(library.common<void*(Handle)>("error_code_message")(code));
-    }
 };
 
 TEST_F(Exports, EveryAgreedNameIsFoundByName) {
@@ -66,12 +62,6 @@ TEST_F(Exports, WideTextCrossesAsUtf16WithItsSurrogatePairs) {
 TEST_F(Exports, NullReferencesReportTheirTypeAndGiveNull) {
     EXPECT_EQ(nullptr, library.common<Handle(Handle)>("new_error_code__SWIG_2")(nullptr));
     expectNull("boost::system::error_code const & type is null");
-    EXPECT_EQ(nullptr, library.common<Handle(int, Handle)>("new_error_code__SWIG_1")(5, nullptr));
-    expectNull("boost::system::error_category const & type is null");
-    EXPECT_EQ(nullptr, library.common<Handle(Handle)>("new_KVStore__SWIG_1")(nullptr));
-    expectNull("orbelantine::KVStore const & type is null");
-    EXPECT_EQ(nullptr, library.common<Handle(Handle)>("new_ErrorCodeCallback__SWIG_0")(nullptr));
-    expectNull("boost::function< void (boost::system::error_code) > const & type is null");
     EXPECT_EQ(nullptr, library.call<Handle(Handle)>("input", "new_InputFormat__SWIG_5")(nullptr));
     expectNull("orbelantine::KVStore const & type is null");
 
@@ -79,52 +69,7 @@ TEST_F(Exports, NullReferencesReportTheirTypeAndGiveNull) {
     library.common<void*(Handle, const char*, Handle)>("KVStore_getDataAt__SWIG_0")(store, "k",
                                                                                     nullptr);
     expectNull("std::vector< uint8_t > const & type is null");
-    const Handle map = library.common<Handle(Handle)>("KVStore_getKVStoreMap")(store);
-    library.common<void(Handle, const char*, Handle)>("KVStoreMap_Add")(map, "k", nullptr);
-    expectNull("std::map< std::string,orbelantine::KVStore >::mapped_type const & type is null");
-    EXPECT_EQ(0U, library.common<unsigned(Handle)>("KVStoreMap_size")(map));
     library.common<void(Handle)>("delete_KVStore")(store);
-}
-
-TEST_F(Exports, DeletingNothingAndUpcastingNothingDoNothing) {
-    for (const char* name : {"delete_KVStore", "delete_error_code", "delete_IpcErrors",
-                             "delete_ByteVector", "delete_connection", "delete_ErrorCodeCallback",
-                             "delete_ErrorCodeCallbackImpl", "delete_SignalErrorCodeCallback"})
-        library.common<void(Handle)>(name)(nullptr);
-    for (const char* name : {"IInputMediaBufferMouse", "IInputSource", "HIDReportProvider"}) {
-        library.call<void(Handle)>("input", std::string("delete_") + name)(nullptr);
-        EXPECT_EQ(nullptr, library.call<Handle(Handle)>(
-                               "input", std::string(name) + "_SWIGSmartPtrUpcast")(nullptr));
-    }
-}
-
-TEST_F(Exports, ErrorCodesKeepValueAndCategory) {
-    EXPECT_EQ(20000, library.common<int()>("ORB_ERROR_BASE_get")());
-    const auto valueOf = library.common<int(Handle)>("error_code_value");
-    const auto release = library.common<void(Handle)>("delete_error_code");
-
-    const Handle none = library.common<Handle()>("new_error_code__SWIG_0")();
-    EXPECT_EQ(0, valueOf(none));
-    EXPECT_EQ(std::string::npos, message(none).find("Category"));
-
-    const Handle failed = library.common<Handle(int)>("IpcErrors_getErrorCode")(20806);
-    EXPECT_EQ("'Category: struct orbelantine::IpcErrors, Message: Error code - "
-              "SecurityValidationFailure'",
-              message(failed));
-    const Handle copy = library.common<Handle(Handle)>("new_error_code__SWIG_2")(failed);
-    EXPECT_EQ(20806, valueOf(copy));
-    EXPECT_EQ(message(failed), message(copy));
-
-    const Handle hosts = library.common<Handle(Handle, int)>("SwigErrorCategory_error_code")(
-        library.common<Handle()>("GlobalCategory_get")(), -5);
-    EXPECT_EQ("Swig Error: -5", message(hosts));
-    for (const Handle code : {none, failed, copy, hosts})
-        release(code);
-}
-
-TEST_F(Exports, FieldSettersIgnoreNoObject) {
-    library.call<void(Handle, int)>("input", "IInputMediaBufferMouse_EventData_x_set")(nullptr, 5);
-    library.call<void(Handle, unsigned)>("input", "InputFormat_mouseType_set")(nullptr, 5);
 }
 
 TEST_F(Exports, EachUpcastIsAnOwnerMore) {

@@ -72,14 +72,10 @@ namespace Orbelantine.HostTests
             throw new AssertionException(what == null ? reason : what + ": " + reason);
         }
 
-        private static string Show(object value)
-        {
-            return value == null ? "null" : value is string ? "\"" + value + "\"" : value.ToString();
-        }
+        private static string Show(object value) =>
+            value == null ? "null" : value is string ? "\"" + value + "\"" : value.ToString();
 
-        private static string ShowAll<T>(IEnumerable<T> values)
-        {
-            return string.Join(", ", values.Select(value => value is byte ? ((byte)(object)value).ToString("X2") : Show(value)));
-        }
+        private static string ShowAll<T>(IEnumerable<T> values) =>
+            string.Join(", ", values.Select(value => value is byte ? ((byte)(object)value).ToString("X2") : Show(value)));
     }
 }

@@ -1,6 +1,4 @@
-using System;
 using System.Collections.Generic;
-using System.Linq;
 using Orbelantine.Swig.bluetooth;
 using Orbelantine.Swig.common;
 
@@ -8,37 +6,19 @@ namespace Orbelantine.HostTests
 {
     public sealed class ContainerTests
     {
-        [Test]
-        public void TextsOfAVector()
+        public void NullIsTheEmptyText()
         {
-            using (var texts = new StringVector(new[] { "grün", "\U0001F4F1", null, "grün" }))
+            string[] given = { "grün", null, "\U0001F4F1" };
+            foreach (IList<string> texts in new IList<string>[] { new StringVector(given), new WStringVector(given) })
             {
-                Assert.Sequence(new[] { "grün", "\U0001F4F1", "", "grün" }, texts);
-                Assert.Equal(3, texts.LastIndexOf("grün"));
-                Assert.True(texts.Contains(null), "null is not the empty text");
+                Assert.Sequence(new[] { "grün", "", "\U0001F4F1" }, texts);
+                Assert.True(texts.Contains(null) && texts.Remove(null) && !texts.Remove(null), "null is not the empty text");
             }
-        }
-
-        [Test]
-        public void WideTextsOfAVectorAreFoundByTheHost()
-        {
-            IList<string> texts = new WStringVector(new[] { "grün", null, "\U0001F4F1" });
-            Assert.Sequence(new[] { 0, 1, 2, -1 }, new[] { "grün", "", "\U0001F4F1", "x" }.Select(texts.IndexOf));
-            Assert.True(texts.Contains(null) && texts.Remove("grün") && !texts.Remove("grün"), "not found");
-            Assert.Sequence(new[] { "", "\U0001F4F1" }, texts);
-        }
-
-        [Test]
-        public void AMapIsADictionary()
-        {
             IDictionary<uint, string> map = new MapUintWString { { 4000000000, "grün" }, { 1, null } };
-            string found;
-            Assert.True(map.TryGetValue(1, out found) && !map.TryGetValue(2, out found), "TryGetValue");
+            Assert.True(map.TryGetValue(1, out string found) && !map.TryGetValue(2, out found), "TryGetValue");
             Assert.Sequence(new[] { "", "grün" }, map.Values);
-            Assert.Equal("key not found", Assert.Throws<ArgumentOutOfRangeException>(() => map[2].ToString()).ParamName);
         }
 
-        [Test]
         public void AVectorOfPeersSharesThem()
         {
             using (var peer = new BluetoothPeer("before"))

@@ -1,3 +1,4 @@
+using System;
 using System.Collections.Generic;
 using Orbelantine.Swig.input;
 
@@ -9,14 +10,24 @@ namespace Orbelantine.HostTests
     {
         public List<string> Asked { get; } = new List<string>();
 
-        public override ushort convertVKCodeToUnicode(uint vk) { return (ushort)(vk + 0x4E00); }
-        public override uint mapVK(uint index) { return index + 100; }
-        public override uint mapScan(uint index) { return index + 200; }
-        public override void lockSystemMouse() { Asked.Add("lock"); }
-        public override void unlockSystemMouse(int x, int y) { Asked.Add("unlock " + x + "," + y); }
-        public override int getSystemMouseSpeed() { return 7; }
+        /// <summary>Thrown in place of a mouse speed.</summary>
+        public Exception Failure { get; set; }
+
+        public override ushort convertVKCodeToUnicode(uint vk) => (ushort)(vk + 0x4E00);
+        public override uint mapVK(uint index) => index + 100;
+        public override uint mapScan(uint index) => index + 200;
+        public override void lockSystemMouse() => Asked.Add("lock");
+        public override void unlockSystemMouse(int x, int y) => Asked.Add("unlock " + x + "," + y);
+        public override int getSystemMouseSpeed() => Failure == null ? 7 : throw Failure;
         public override void setCaptureMouseExclusively() { }
         public override void releaseCaptureMouseExclusively() { }
+
+        /// <summary>Presses and releases the key of an a.</summary>
+        public void TypeA()
+        {
+            onKeyDown.call(0x41, 30, 1);
+            onKeyUp.call(0x41, 30);
+        }
 
         public override bool screenToInputSurface(Point point)
         {
@@ -25,10 +36,7 @@ namespace Orbelantine.HostTests
             return true;
         }
 
-        public override bool inputSurfaceToScreen(Point point)
-        {
-            return false;
-        }
+        public override bool inputSurfaceToScreen(Point point) => false;
 
         public override bool getInputSurfaceRectWithinScreen(Rect rect)
         {

@@ -1,7 +1,6 @@
 using System;
 using System.Collections.Generic;
 using System.Linq;
-using System.Reflection;
 using System.Runtime.CompilerServices;
 using Orbelantine.Swig.common;
 
@@ -10,36 +9,24 @@ namespace Orbelantine.HostTests
     /// <summary>What holds for every callback family.</summary>
     public sealed class FamilyTests
     {
-        [Test]
-        public void TheTableNamesEveryFamilyOfTheProxies()
-        {
-            IEnumerable<string> declared = typeof(connection).Assembly.GetTypes()
-                .Where(type => type.GetMethod("unpin") != null && !type.IsNested).Select(type => type.Name);
-            Assert.Sequence(declared.OrderBy(name => name, StringComparer.Ordinal),
-                            Family.All.Select(family => family.Impl.Name).OrderBy(name => name, StringComparer.Ordinal));
-        }
+        private const int FamilyCount = 72;
 
-        [Test]
-        public void AFunctionCarriesItsArgumentsToTheHostsObjectAndItsResultBack()
-        {
+        public void AFunctionCarriesItsArgumentsToTheHostsObjectAndItsResultBack() =>
             ForEach(family =>
             {
                 string seen = null;
                 var callback = new HostCallback(arguments => { seen = FamilyValues.Seen(arguments); return true; });
                 using (IDisposable function = family.NewFunction(callback))
-                using (FamilyValues values = family.NewArguments())
+                using (FamilyValues values = new FamilyValues(family.Parameters))
                 {
-                    object result = family.Invoke(function, "call", values.Arguments);
+                    object result = Raw.Invoke(function, "call", values.Arguments);
                     Assert.Equal(ExpectedBy(family), seen, "seen");
                     Assert.Equal(family.HasResult ? (object)true : null, result, "result");
                     Assert.Equal(FunctionsIn(family), values.NestedCalls, "calls of the functions given");
                 }
             });
-        }
 
-        [Test]
-        public void ASignalCarriesItsArgumentsToTheHost()
-        {
+        public void ASignalCarriesItsArgumentsToTheHost() =>
             ForEach(family =>
             {
                 var seen = new List<string>();
@@ -50,9 +37,9 @@ namespace Orbelantine.HostTests
                         seen.Add(FamilyValues.Seen(arguments));
                         return result;
                     })).Dispose();
-                using (FamilyValues values = family.NewArguments())
+                using (FamilyValues values = new FamilyValues(family.Parameters))
                 {
-                    object result = family.Invoke(signal, "call", values.Arguments);
+                    object result = Raw.Invoke(signal, "call", values.Arguments);
                     Assert.Equal(family.HasResult ? (object)true : null, result, "the last slot's result");
                     Assert.Equal(2 * FunctionsIn(family), values.NestedCalls, "calls of the functions given");
                 }
@@ -62,11 +49,8 @@ namespace Orbelantine.HostTests
                 Assert.Sequence(Enumerable.Repeat(ExpectedBy(family), 4), seen, "seen");
                 ((IDisposable)signal).Dispose();
             });
-        }
 
-        [Test]
-        public void SlotsRunByGroupAndAreSkippedOnceDisconnected()
-        {
+        public void SlotsRunByGroupAndAreSkippedOnceDisconnected() =>
             ForEach(family =>
             {
                 object signal = family.NewSignal();
@@ -74,25 +58,22 @@ namespace Orbelantine.HostTests
                 connection skipped = null;
                 Action<string, object[]> connect = (name, group) =>
                     family.Connect(signal, Releasing(() => order.Add(name)), group).Dispose();
-                Assert.Equal((object)true, family.Invoke(signal, "empty"), "a new signal is empty");
+                Assert.Equal((object)true, Raw.Invoke(signal, "empty"), "a new signal is empty");
                 connect("last", new object[0]);
                 skipped = family.Connect(signal, Releasing(() => order.Add("skipped")), 3);
                 connect("2", new object[] { 2 });
                 family.Connect(signal, Releasing(() => { order.Add("1"); skipped.disconnect(); }), 1).Dispose();
-                Assert.Equal((object)4u, family.Invoke(signal, "num_slots"));
+                Assert.Equal((object)4u, Raw.Invoke(signal, "num_slots"));
                 family.FireNatively(signal);
                 Assert.Sequence(new[] { "1", "2", "last" }, order);
                 Assert.True(!skipped.connected(), "still connected");
-                Assert.Equal((object)3u, family.Invoke(signal, "num_slots"));
-                family.Invoke(signal, "disconnect_all_slots");
-                Assert.Equal((object)true, family.Invoke(signal, "empty"), "empty in the end");
+                Assert.Equal((object)3u, Raw.Invoke(signal, "num_slots"));
+                Raw.Invoke(signal, "disconnect_all_slots");
+                Assert.Equal((object)true, Raw.Invoke(signal, "empty"), "empty in the end");
                 ((IDisposable)signal).Dispose();
             });
-        }
 
-        [Test]
-        public void TheHostsDelegateLivesAsLongAsNativeCodeHoldsItAndNotLonger()
-        {
+        public void TheHostsDelegateLivesAsLongAsNativeCodeHoldsItAndNotLonger() =>
             ForEach(family =>
             {
                 object signal = family.NewSignal();
@@ -105,18 +86,15 @@ namespace Orbelantine.HostTests
                 Collector.Run();
                 Assert.True(!callback.IsAlive, "the delegate is still held");
             });
-        }
 
-        [Test]
-        public void ACopyOfNoFunctionNamesTheSignature()
-        {
+        public void ACopyOfNoFunctionNamesTheSignature() =>
             ForEach(family => Assert.NullArgument(
                 "boost::function< " + family.Signature + " > const & type is null",
-                () => Unwrapped(() => family.Function.GetConstructor(new[] { family.Function }).Invoke(new object[] { null }))));
-        }
+                () => Raw.Call(family.Module, "new_" + family.Name + "__SWIG_0", IntPtr.Zero)));
 
         private static void ForEach(Action<Family> test)
         {
+            Assert.Equal(FamilyCount, Family.All.Length, "families");
             foreach (Family family in Family.All)
                 try
                 {
@@ -128,20 +106,12 @@ namespace Orbelantine.HostTests
                 }
         }
 
-        private static HostCallback Releasing(Action action)
-        {
-            return new HostCallback(arguments => { FamilyValues.Seen(arguments); action(); return false; });
-        }
+        private static HostCallback Releasing(Action action) =>
+            new HostCallback(arguments => { FamilyValues.Seen(arguments); action(); return false; });
 
-        private static string ExpectedBy(Family family)
-        {
-            return FamilyValues.Expected(family.Call.GetParameters().Select(parameter => parameter.ParameterType).ToArray());
-        }
+        private static string ExpectedBy(Family family) => FamilyValues.Expected(family.Parameters);
 
-        private static int FunctionsIn(Family family)
-        {
-            return ExpectedBy(family).Split(' ', ';').Count(word => word == "function");
-        }
+        private static int FunctionsIn(Family family) => ExpectedBy(family).Split(' ', ';').Count(word => word == "function");
 
         // On a frame of its own, so that nothing of it is left on the stack.
         [MethodImpl(MethodImplOptions.NoInlining)]
@@ -150,18 +120,6 @@ namespace Orbelantine.HostTests
             HostCallback callback = Releasing(action);
             family.Connect(signal, callback).Dispose();
             return new WeakReference(callback);
-        }
-
-        private static void Unwrapped(Action action)
-        {
-            try
-            {
-                action();
-            }
-            catch (TargetInvocationException thrown)
-            {
-                throw thrown.InnerException;
-            }
         }
     }
 }

@@ -35,33 +35,22 @@ namespace Orbelantine.HostTests
 
         private readonly List<HostCallback> nested = new List<HostCallback>();
 
-        public FamilyValues(Type[] types)
-        {
-            Arguments = types.Select(Sample).ToArray();
-        }
+        public FamilyValues(Type[] types) => Arguments = types.Select(Sample).ToArray();
 
         public object[] Arguments { get; }
 
         /// <summary>Calls of the functions among the arguments.</summary>
-        public int NestedCalls
-        {
-            get { return nested.Sum(callback => callback.Calls); }
-        }
+        public int NestedCalls => nested.Sum(callback => callback.Calls);
 
         /// <summary>What a callback sees in arguments like these.</summary>
-        public static string Expected(Type[] types)
-        {
-            return string.Join("; ", types.Select((type, i) =>
+        public static string Expected(Type[] types) =>
+            string.Join("; ", types.Select((type, i) =>
                 IsFunction(type) ? "function" :
                 type == typeof(SWIGTYPE_p_boost__asio__ip__address) ? "address " + i : Show(SampleOf(type, i))));
-        }
 
         /// <summary>The same in arguments that arrived. The functions among them are called; what was given
         /// to the callback to keep is let go of.</summary>
-        public static string Seen(object[] arguments)
-        {
-            return string.Join("; ", arguments.Select(See));
-        }
+        public static string Seen(object[] arguments) => string.Join("; ", arguments.Select(See));
 
         [DllImport("orbelantine_test_signals", EntryPoint = "orbTestNestedCalls")]
         public static extern int NativeNestedCalls();
@@ -80,21 +69,15 @@ namespace Orbelantine.HostTests
             return Family.Of(type).NewFunction(nested.Last());
         }
 
-        private static object SampleOf(Type type, int i)
-        {
-            return type.IsEnum ? Enum.ToObject(type, 1) : Samples[type](i);
-        }
+        private static object SampleOf(Type type, int i) => type.IsEnum ? Enum.ToObject(type, 1) : Samples[type](i);
 
-        private static bool IsFunction(Type type)
-        {
-            return Family.All.Any(family => family.Function == type);
-        }
+        private static bool IsFunction(Type type) => Family.All.Any(family => family.Function == type);
 
         private static string See(object argument)
         {
             string seen = argument is SWIGTYPE_p_boost__asio__ip__address ? "address " + TakeAddress(argument) : Show(argument);
             if (seen == "function")
-                using (FamilyValues values = Family.Of(argument.GetType()).NewArguments())
+                using (FamilyValues values = new FamilyValues(Family.Of(argument.GetType()).Parameters))
                     argument.GetType().GetMethod("call").Invoke(argument, values.Arguments);
             if (!(argument is SWIGTYPE_p_boost__asio__ip__address))
                 Release(argument);
@@ -123,10 +106,7 @@ namespace Orbelantine.HostTests
             (argument as IDisposable)?.Dispose();
         }
 
-        private static string Text(int i)
-        {
-            return "grün \U0001F4F1" + i;
-        }
+        private static string Text(int i) => "grün \U0001F4F1" + i;
 
         private static BluetoothPeer NewPeer(int i)
         {
@@ -135,17 +115,13 @@ namespace Orbelantine.HostTests
         }
 
         // An address has no class: the host only hands its handle on.
-        private static object NewAddress(int i)
-        {
-            return Activator.CreateInstance(typeof(SWIGTYPE_p_boost__asio__ip__address),
-                                            BindingFlags.Instance | BindingFlags.NonPublic, null,
-                                            new object[] { orbTestNewAddress(i), true }, null);
-        }
+        private static object NewAddress(int i) =>
+            Activator.CreateInstance(typeof(SWIGTYPE_p_boost__asio__ip__address),
+                                     BindingFlags.Instance | BindingFlags.NonPublic, null,
+                                     new object[] { orbTestNewAddress(i), true }, null);
 
-        private static int TakeAddress(object address)
-        {
-            return orbTestTakeAddress(Raw.Handle((SWIGTYPE_p_boost__asio__ip__address)address));
-        }
+        private static int TakeAddress(object address) =>
+            orbTestTakeAddress(Raw.Handle((SWIGTYPE_p_boost__asio__ip__address)address));
 
         [DllImport("orbelantine_test_signals")]
         private static extern IntPtr orbTestNewAddress(int number);

@@ -11,10 +11,7 @@ namespace Orbelantine.HostTests
         private readonly Func<object[], bool> called;
 
         /// <summary>`called` gets the arguments; its result is the call's, where the family has one.</summary>
-        public HostCallback(Func<object[], bool> called)
-        {
-            this.called = called;
-        }
+        public HostCallback(Func<object[], bool> called) => this.called = called;
 
         public int Calls { get; private set; }
 

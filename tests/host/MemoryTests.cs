@@ -15,15 +15,9 @@ namespace Orbelantine.HostTests
         // Less than the smallest native block for each pair.
         private const long BoundKb = 4096;
 
-        [Test]
-        public void ErrorCodesLeftToTheCollector()
-        {
-            LeavesNothing(() => HidErrors.getErrorCode(21120));
-        }
+        public void ErrorCodesLeftToTheCollector() => LeavesNothing(() => HidErrors.getErrorCode(21120));
 
-        [Test]
-        public void StoresWithTheirTexts()
-        {
+        public void StoresWithTheirTexts() =>
             LeavesNothing(() =>
             {
                 using (var store = new KVStore())
@@ -33,14 +27,11 @@ namespace Orbelantine.HostTests
                     store.getWStringAt("key", "another");
                 }
             });
-        }
 
-        [Test]
         public void BuffersOnTheirWayToAnElementOfTheHost()
         {
-            using (var configuration = new KVStore())
             using (var target = new Dropping())
-            using (var packer = new HIDEventsPacker(configuration))
+            using (var packer = new HIDEventsPacker(new KVStore()))
             {
                 packer.registerTarget(target);
                 LeavesNothing(() =>
@@ -52,9 +43,7 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
-        public void CallbackObjectsWithTheirFunctionsAndCodes()
-        {
+        public void CallbackObjectsWithTheirFunctionsAndCodes() =>
             LeavesNothing(() =>
             {
                 using (error_code code = HidErrors.getErrorCode(21120))
@@ -62,9 +51,7 @@ namespace Orbelantine.HostTests
                 using (var function = new ErrorCodeCallback(recorder))
                     function.call(code);
             }, 20);
-        }
 
-        [Test]
         public void Slots()
         {
             using (var device = new HIDDeviceClient())
@@ -81,10 +68,7 @@ namespace Orbelantine.HostTests
 
         private sealed class Dropping : IMediaElement
         {
-            public override void onFrame(IMediaBuffer buffer)
-            {
-                buffer.Dispose();
-            }
+            public override void onFrame(IMediaBuffer buffer) => buffer.Dispose();
         }
 
         private sealed class ForgettingRecorder : ErrorCodeCallbackImpl

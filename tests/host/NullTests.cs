@@ -11,7 +11,6 @@ namespace Orbelantine.HostTests
     /// <summary>No object where one is wanted, and no delegate.</summary>
     public sealed class NullTests
     {
-        [Test]
         public void DeletingUpcastingAndSettingFieldsOfNothingDoesNothing()
         {
             var called = new List<string>();
@@ -27,7 +26,6 @@ namespace Orbelantine.HostTests
                 Assert.True(called.Contains(name), "no " + name);
         }
 
-        [Test]
         public void NoObjectWhereAReferenceIsWantedIsNamedByItsType()
         {
             const string noStore = "orbelantine::KVStore const & type is null";
@@ -57,7 +55,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Test]
         public void ACopyOfNothingIsNamedByItsTypeAndIsNothing()
         {
             ExpectNoCopy("error_code__SWIG_2", "boost::system::error_code");
@@ -68,7 +65,6 @@ namespace Orbelantine.HostTests
             ExpectNoCopy("CMacAddress__SWIG_2", "orbelantine::CMacAddress");
         }
 
-        [Test]
         public void OnlyAGivenDelegateOfAClassThatTakesThemReplacesItsBehaviour()
         {
             IntPtr buffer = Raw.CallHandle("avstack_base", "new_IMediaBuffer");
@@ -91,10 +87,8 @@ namespace Orbelantine.HostTests
         }
 
         // No object, or a field's value.
-        private static object Nothing(Type type)
-        {
-            return type.IsPrimitive && type != typeof(IntPtr) ? Convert.ChangeType(5, type) : IntPtr.Zero;
-        }
+        private static object Nothing(Type type) =>
+            type.IsPrimitive && type != typeof(IntPtr) ? Convert.ChangeType(5, type) : IntPtr.Zero;
 
         private static void ExpectNoCopy(string constructor, string type)
         {

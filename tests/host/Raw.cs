@@ -23,11 +23,9 @@ namespace Orbelantine.HostTests
         public static readonly string[] Modules = { "common", "common_osal", "avstack_base", "bluetooth", "input", "audio" };
 
         /// <summary>The class that declares a module's flat functions.</summary>
-        public static Type FunctionsOf(string module)
-        {
-            return typeof(KVStore).Assembly.GetTypes().Single(
+        public static Type FunctionsOf(string module) =>
+            typeof(KVStore).Assembly.GetTypes().Single(
                 type => type.Namespace == "Orbelantine.Swig." + module && type.Name.EndsWith("PINVOKE"));
-        }
 
         /// <summary>Calls a function; handles are given as IntPtr, null is the null handle.</summary>
         public static Outcome Try(string module, string name, params object[] arguments)
@@ -48,15 +46,11 @@ namespace Orbelantine.HostTests
             return outcome.Result;
         }
 
-        public static IntPtr CallHandle(string module, string name, params object[] arguments)
-        {
-            return (IntPtr)Call(module, name, arguments);
-        }
+        public static IntPtr CallHandle(string module, string name, params object[] arguments) =>
+            (IntPtr)Call(module, name, arguments);
 
-        public static string CallText(string module, string name, params object[] arguments)
-        {
-            return NativeText.Take(CallHandle(module, name, arguments));
-        }
+        public static string CallText(string module, string name, params object[] arguments) =>
+            NativeText.Take(CallHandle(module, name, arguments));
 
         /// <summary>The handle with which a proxy stands for a T.</summary>
         public static IntPtr Handle<T>(T proxy)
@@ -66,9 +60,21 @@ namespace Orbelantine.HostTests
         }
 
         /// <summary>A proxy for a native object, which it owns.</summary>
-        public static object Wrap(Type type, IntPtr handle)
+        public static object Wrap(Type type, IntPtr handle) =>
+            Activator.CreateInstance(type, BindingFlags.Instance | BindingFlags.NonPublic, null, new object[] { handle, true }, null);
+
+        /// <summary>Calls a method by name, public or not, of an object or of a type.</summary>
+        public static object Invoke(object target, string method, params object[] arguments)
         {
-            return Activator.CreateInstance(type, BindingFlags.Instance | BindingFlags.NonPublic, null, new object[] { handle, true }, null);
+            Type type = target as Type ?? target.GetType();
+            try
+            {
+                return type.InvokeMember(method, BindingFlags.InvokeMethod | BindingFlags.Instance | AnyStatic, null, target, arguments);
+            }
+            catch (TargetInvocationException thrown)
+            {
+                throw thrown.InnerException;
+            }
         }
 
         private static object Fit(ParameterInfo parameter, object argument)

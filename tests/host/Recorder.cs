@@ -11,10 +11,7 @@ namespace Orbelantine.HostTests
         private readonly Action<error_code> action;
         private readonly List<error_code> codes = new List<error_code>();
 
-        public Recorder(Action<error_code> action = null)
-        {
-            this.action = action;
-        }
+        public Recorder(Action<error_code> action = null) => this.action = action;
 
         public int Pins { get; private set; }
         public int Unpins { get; private set; }
@@ -28,10 +25,7 @@ namespace Orbelantine.HostTests
             }
         }
 
-        public IEnumerable<int> Values
-        {
-            get { return Codes.Select(code => code.value()); }
-        }
+        public IEnumerable<int> Values => Codes.Select(code => code.value());
 
         public connection ConnectTo(SignalErrorCodeCallback signal)
         {
@@ -39,10 +33,7 @@ namespace Orbelantine.HostTests
                 return signal.connect(function);
         }
 
-        public override void pin()
-        {
-            ++Pins;
-        }
+        public override void pin() => ++Pins;
 
         public override bool unpin()
         {

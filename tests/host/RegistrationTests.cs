@@ -15,26 +15,20 @@ namespace Orbelantine.HostTests
         [DllImport("orbelantine")]
         private static extern void SWIGRegisterWStringCallback_Common(NativeText.Callback callback);
 
-        [Test]
-        public void NarrowTextGoesThroughTheNarrowCallbackOfTheModule()
-        {
+        public void NarrowTextGoesThroughTheNarrowCallbackOfTheModule() =>
             ExpectOneCall(SWIGRegisterStringCallback_AVStackBase, NativeText.Narrow, store =>
             {
                 using (var element = new IMediaElement())
                     Assert.Equal("", element.getName());
                 Assert.Equal("", store.getStringAt("of another module"));
             });
-        }
 
-        [Test]
-        public void WideTextGoesThroughTheWideCallback()
-        {
+        public void WideTextGoesThroughTheWideCallback() =>
             ExpectOneCall(SWIGRegisterWStringCallback_Common, NativeText.Wide, store =>
             {
                 Assert.Equal("wide", store.getWStringAt("key", "wide"));
                 Assert.Equal("", store.getStringAt("narrow"));
             });
-        }
 
         private static void ExpectOneCall(Action<NativeText.Callback> register, NativeText.Callback proxies, Action<KVStore> action)
         {

@@ -15,14 +15,8 @@ namespace Orbelantine.HostTests
 
         public string Path { get; }
 
-        public string File(string name)
-        {
-            return System.IO.Path.Combine(Path, name);
-        }
+        public string File(string name) => System.IO.Path.Combine(Path, name);
 
-        public void Dispose()
-        {
-            Directory.Delete(Path, true);
-        }
+        public void Dispose() => Directory.Delete(Path, true);
     }
 }

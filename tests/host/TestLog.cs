@@ -29,20 +29,11 @@ namespace Orbelantine.HostTests
             Common.set_log_level(Off);
         }
 
-        public static string Folder
-        {
-            get { return folder.Path; }
-        }
+        public static string Folder => folder.Path;
 
-        public static string FilePath
-        {
-            get { return Common.get_log_directory() + Common.get_log_name(); }
-        }
+        public static string FilePath => Common.get_log_directory() + Common.get_log_name();
 
-        public void Dispose()
-        {
-            folder.Dispose();
-        }
+        public void Dispose() => folder.Dispose();
 
         /// <summary>The lines that an action adds to the log, without line ends.</summary>
         public static IEnumerable<string> Record(Action action)
@@ -68,9 +59,6 @@ namespace Orbelantine.HostTests
         }
 
         // The file is written in blocks: what stands before this message is in the file after it.
-        private static void Push()
-        {
-            Common.lumiport_log(5, "filler", new string(Filler[0], 16384));
-        }
+        private static void Push() => Common.lumiport_log(5, "filler", new string(Filler[0], 16384));
     }
 }

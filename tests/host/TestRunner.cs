@@ -5,21 +5,15 @@ using System.Reflection;
 
 namespace Orbelantine.HostTests
 {
-    /// <summary>A public method without parameters that is a test; its class is made anew for it.</summary>
-    [AttributeUsage(AttributeTargets.Method)]
-    public sealed class TestAttribute : Attribute { }
-
-    /// <summary>Runs the tests of this assembly, one after the other.</summary>
+    /// <summary>Runs the tests of this assembly one after the other: each public method of a class
+    /// ...Tests, which is made anew for it.</summary>
     public sealed class TestRunner
     {
         private readonly bool verbose;
         private int passed;
         private int failed;
 
-        public TestRunner(bool verbose)
-        {
-            this.verbose = verbose;
-        }
+        public TestRunner(bool verbose) => this.verbose = verbose;
 
         /// <summary>Runs each test whose name, Class.Method, contains the filter; false if one failed or
         /// there is none.</summary>
@@ -31,19 +25,15 @@ namespace Orbelantine.HostTests
             return failed == 0 && passed > 0;
         }
 
-        private static IEnumerable<MethodInfo> Tests()
-        {
-            return from type in typeof(TestRunner).Assembly.GetTypes()
-                   from method in type.GetMethods()
-                   where method.IsDefined(typeof(TestAttribute), false)
-                   orderby type.Name, method.MetadataToken
-                   select method;
-        }
+        private static IEnumerable<MethodInfo> Tests() =>
+            from type in typeof(TestRunner).Assembly.GetTypes()
+            where type.Name.EndsWith("Tests")
+            from method in type.GetMethods(BindingFlags.Instance | BindingFlags.Public | BindingFlags.DeclaredOnly)
+            where method.Name != "Dispose"
+            orderby type.Name, method.MetadataToken
+            select method;
 
-        private static string NameOf(MethodInfo test)
-        {
-            return test.DeclaringType.Name + "." + test.Name;
-        }
+        private static string NameOf(MethodInfo test) => test.DeclaringType.Name + "." + test.Name;
 
         private void RunOne(MethodInfo test)
         {

@@ -5,6 +5,8 @@ using System.IO;
 using System.Linq;
 using System.Runtime.InteropServices;
 using System.Threading;
+using Orbelantine.Swig.bluetooth;
+using Orbelantine.Swig.common;
 
 namespace Orbelantine.HostTests
 {
@@ -33,6 +35,12 @@ namespace Orbelantine.HostTests
             Wait("the phone to listen", () => File.Exists(folder.File("ready")));
         }
 
+        public static BluetoothPeer NewPeer()
+        {
+            using (var address = new CMacAddress(Address))
+                return new BluetoothPeer(address);
+        }
+
         /// <summary>Has the library look for devices in a folder.</summary>
         public static void SetDevices(string path)
         {
@@ -47,11 +55,9 @@ namespace Orbelantine.HostTests
         }
 
         /// <summary>Waits for a line of the phone's log that has all these parts.</summary>
-        public void WaitForLine(params string[] parts)
-        {
+        public void WaitForLine(params string[] parts) =>
             Wait("a line with " + string.Join(" and ", parts),
                  () => Lines().Any(line => parts.All(part => line.Contains(part))));
-        }
 
         /// <summary>Ends at once, as a phone out of reach.</summary>
         public void Vanish()

@@ -1,15 +1,13 @@
 using System;
 using System.Collections.Generic;
 using System.Diagnostics;
-using System.IO;
 using System.Linq;
 using System.Reflection;
 using System.Runtime.InteropServices;
 
 namespace Orbelantine.HostTests
 {
-    /// <summary>A public static method in which a host makes a mistake, or one that gives names of such to
-    /// a method that takes one. It throws unless the answer is the right one.</summary>
+    /// <summary>What is special about a mistake.</summary>
     [AttributeUsage(AttributeTargets.Method)]
     public sealed class MistakeAttribute : Attribute
     {
@@ -20,31 +18,21 @@ namespace Orbelantine.HostTests
         public string Dies { get; set; }
     }
 
-    /// <summary>Runs each mistake in a process of its own: the answer comes within seconds, or the mistake
-    /// hangs or ends its host.</summary>
-    public sealed class MistakeRunner
+    /// <summary>Runs each mistake, a public method of a class ...Mistakes that throws unless the answer is the
+    /// right one, in a process of its own: the answer comes within seconds, or it hangs or ends its host.</summary>
+    public static class MistakeRunner
     {
         private const int PatienceMs = 5000;
         // For the runtime's start, before the mistake's time begins.
         private const int StartMs = 30000;
         private const string Started = "started";
         private const int Kill = 9;
-        private const string MarkVariable = "ORBELANTINE_TEST_MISTAKE";
 
         private sealed class Case
         {
-            public MethodInfo Method;
-            public string Argument;
-
-            public string Name
-            {
-                get { return Method.DeclaringType.Name + "." + Method.Name + (Argument == null ? "" : ":" + Argument); }
-            }
-
-            public string Dies
-            {
-                get { return Method.GetCustomAttribute<MistakeAttribute>().Dies; }
-            }
+            public string Name;
+            public string Dies;
+            public Action Run;
         }
 
         /// <summary>Makes every mistake whose name contains the filter; false if one was answered wrongly or
@@ -68,46 +56,47 @@ namespace Orbelantine.HostTests
         /// <summary>Makes one mistake in this process.</summary>
         public static void RunHere(string name)
         {
+            // A group of its own, that of the phones which it starts.
+            setpgid(0, 0);
             Case mistake = Cases().Single(candidate => candidate.Name == name);
             Console.WriteLine(Started);
-            if (mistake.Argument == null)
-                ((Action)Delegate.CreateDelegate(typeof(Action), mistake.Method))();
-            else
-                ((Action<string>)Delegate.CreateDelegate(typeof(Action<string>), mistake.Method))(mistake.Argument);
+            mistake.Run();
         }
 
-        private static IEnumerable<Case> Cases()
-        {
-            return from type in typeof(MistakeRunner).Assembly.GetTypes()
-                   from method in type.GetMethods(BindingFlags.Static | BindingFlags.Public)
-                   where method.IsDefined(typeof(MistakeAttribute), false)
-                   orderby type.Name, method.MetadataToken
-                   from argument in ArgumentsOf(method)
-                   select new Case { Method = method, Argument = argument };
-        }
+        private static IEnumerable<Case> Cases() =>
+            from type in typeof(MistakeRunner).Assembly.GetTypes()
+            where type.Name.EndsWith("Mistakes")
+            from method in type.GetMethods(BindingFlags.Static | BindingFlags.Public)
+            where method.ReturnType == typeof(void)
+            orderby type.Name, method.MetadataToken
+            from mistake in CasesOf(method, method.GetCustomAttribute<MistakeAttribute>() ?? new MistakeAttribute())
+            select mistake;
 
-        private static IEnumerable<string> ArgumentsOf(MethodInfo method)
+        private static IEnumerable<Case> CasesOf(MethodInfo method, MistakeAttribute special)
         {
-            string list = method.GetCustomAttribute<MistakeAttribute>().For;
-            return list == null ? new string[] { null } : (IEnumerable<string>)method.DeclaringType.GetMethod(list).Invoke(null, null);
+            string name = method.DeclaringType.Name + "." + method.Name;
+            if (special.For == null)
+                return new[] { new Case { Name = name, Dies = special.Dies, Run = (Action)Delegate.CreateDelegate(typeof(Action), method) } };
+            var run = (Action<string>)Delegate.CreateDelegate(typeof(Action<string>), method);
+            var arguments = (IEnumerable<string>)method.DeclaringType.GetMethod(special.For).Invoke(null, null);
+            return arguments.Select(argument => new Case { Name = name + ":" + argument, Dies = special.Dies, Run = () => run(argument) });
         }
 
         // The reason why it is not as it should be, or null.
         private static string RunApart(Case mistake)
         {
-            string mark = Guid.NewGuid().ToString("N");
             string program = typeof(MistakeRunner).Assembly.Location;
             var start = new ProcessStartInfo(Process.GetCurrentProcess().MainModule.FileName,
                                              "\"" + program + "\" --mistake \"" + mistake.Name + "\"")
             { UseShellExecute = false, RedirectStandardOutput = true, RedirectStandardError = true };
-            start.EnvironmentVariables[MarkVariable] = mark;
             using (Process process = Process.Start(start))
             {
                 var errors = process.StandardError.ReadToEndAsync();
                 var output = process.StandardOutput.ReadLineAsync();
                 bool hasStarted = output.Wait(StartMs) && output.Result == Started;
                 bool hasEnded = process.WaitForExit(hasStarted ? PatienceMs : StartMs);
-                EndAll(mark);
+                // What is left of it, the phones that it has started included.
+                kill(-process.Id, Kill);
                 process.WaitForExit(StartMs);
                 return hasEnded ? Judge(mistake, process.ExitCode, errors.Result) : "no answer in " + PatienceMs + " ms";
             }
@@ -122,24 +111,8 @@ namespace Orbelantine.HostTests
             return errors.Contains(mistake.Dies) ? null : "ended with " + status + " and without '" + mistake.Dies + "': " + errors;
         }
 
-        // What is left of a mistake, the phones that it has started included.
-        private static void EndAll(string mark)
-        {
-            foreach (string process in Directory.GetDirectories("/proc").Where(folder => IsMarked(folder + "/environ", mark)))
-                kill(int.Parse(Path.GetFileName(process)), Kill);
-        }
-
-        private static bool IsMarked(string environment, string mark)
-        {
-            try
-            {
-                return File.ReadAllText(environment).Contains(MarkVariable + "=" + mark);
-            }
-            catch (Exception unreadable) when (unreadable is IOException || unreadable is UnauthorizedAccessException)
-            {
-                return false;
-            }
-        }
+        [DllImport("libc")]
+        private static extern int setpgid(int process, int group);
 
         [DllImport("libc")]
         private static extern int kill(int process, int signal);

@@ -14,14 +14,12 @@ namespace Orbelantine.HostTests
     public static class DisposalMistakes
     {
         /// <summary>A class of each kind of handle.</summary>
-        public static IEnumerable<string> Kinds()
-        {
-            return from type in typeof(NativeObject).Assembly.GetTypes()
+        public static IEnumerable<string> Kinds() =>
+            from type in typeof(NativeObject).Assembly.GetTypes()
                    where type.IsSubclassOf(typeof(NativeObject)) && !type.IsAbstract && !type.IsNestedPrivate && ConstructorOf(type) != null
                    where !type.Name.EndsWith("Callback") || type == typeof(ErrorCodeCallback)
                    where !type.Name.EndsWith("Errors") || type == typeof(HidErrors)
                    select type.FullName;
-        }
 
         [Mistake(For = "Kinds")]
         public static void EachOperationOfADisposedObjectRefuses(string kind)
@@ -38,7 +36,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ADisposedArgumentIsRefused()
         {
             var store = new KVStore();
@@ -52,7 +49,6 @@ namespace Orbelantine.HostTests
                 Assert.Throws<ObjectDisposedException>(() => composite.setMainInputContext(surface));
         }
 
-        [Mistake]
         public static void ASignalKeepsItsOwnerFromTheCollector()
         {
             SignalErrorCodeCallback signal = SignalOfNobody();
@@ -64,7 +60,6 @@ namespace Orbelantine.HostTests
             Assert.Equal(1, calls);
         }
 
-        [Mistake]
         public static void APartOfADisposedObjectRefuses()
         {
             var device = new HIDDeviceClient();
@@ -82,7 +77,6 @@ namespace Orbelantine.HostTests
             Assert.Throws<ObjectDisposedException>(() => map.Clear());
         }
 
-        [Mistake]
         public static void ANestedStoreKeepsItsRootFromTheCollector()
         {
             KVStore inner = InnerOfNobody();
@@ -90,7 +84,6 @@ namespace Orbelantine.HostTests
             Assert.Equal("a text that is longer than a small one", inner.getStringAt("key"));
         }
 
-        [Mistake]
         public static void WhatIsShownForACallEndsWithIt()
         {
             var surface = new KeepingSurface();
@@ -103,7 +96,6 @@ namespace Orbelantine.HostTests
             Assert.Throws<ObjectDisposedException>(() => surface.Kept.x.ToString());
         }
 
-        [Mistake]
         public static void DisposingOnManyThreadsDeletesOnce()
         {
             for (int round = 0; round < 200; ++round)
@@ -125,10 +117,7 @@ namespace Orbelantine.HostTests
         }
 
         [MethodImpl(MethodImplOptions.NoInlining)]
-        private static SignalErrorCodeCallback SignalOfNobody()
-        {
-            return new HIDDeviceClient().onDisconnected;
-        }
+        private static SignalErrorCodeCallback SignalOfNobody() => new HIDDeviceClient().onDisconnected;
 
         [MethodImpl(MethodImplOptions.NoInlining)]
         private static KVStore InnerOfNobody()
@@ -138,32 +127,24 @@ namespace Orbelantine.HostTests
             return inner;
         }
 
-        private static ConstructorInfo ConstructorOf(Type type)
-        {
-            return type.GetConstructors().FirstOrDefault(
+        private static ConstructorInfo ConstructorOf(Type type) =>
+            type.GetConstructors().FirstOrDefault(
                 constructor => constructor.GetParameters().All(parameter => CanBeMade(parameter.ParameterType)));
-        }
 
-        private static bool CanBeMade(Type type)
-        {
-            return type.IsValueType || type == typeof(string) || type == typeof(KVStore) || type == typeof(Action<error_code>) ||
+        private static bool CanBeMade(Type type) =>
+            type.IsValueType || type == typeof(string) || type == typeof(KVStore) || type == typeof(Action<error_code>) ||
                    type == typeof(ErrorCodeCallbackImpl);
-        }
 
-        private static object Sample(Type type)
-        {
-            return type.IsValueType ? Activator.CreateInstance(type)
+        private static object Sample(Type type) =>
+            type.IsValueType ? Activator.CreateInstance(type)
                  : type == typeof(string) ? ""
                  : type == typeof(KVStore) ? new KVStore()
                  : type == typeof(ErrorCodeCallbackImpl) ? new Recorder()
                  : (object)null;
-        }
 
         // What a list tells of itself, and an end that has come, are answers that need no object.
-        private static bool IsForwarded(MethodInfo operation)
-        {
-            return operation.DeclaringType != typeof(object) && operation.Name != "Dispose" && !operation.Name.StartsWith("get_Is");
-        }
+        private static bool IsForwarded(MethodInfo operation) =>
+            operation.DeclaringType != typeof(object) && operation.Name != "Dispose" && !operation.Name.StartsWith("get_Is");
 
         private static void ExpectRefusal(Action action, string operation)
         {

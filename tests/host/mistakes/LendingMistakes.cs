@@ -14,31 +14,20 @@ namespace Orbelantine.HostTests
         {
             public static int Frames { get; private set; }
 
-            public override void onFrame(IMediaBuffer buffer)
-            {
-                ++Frames;
-            }
+            public override void onFrame(IMediaBuffer buffer) => ++Frames;
         }
 
         private sealed class ReturningBuffer : IMediaBuffer
         {
-            public override IMediaBuffer copy(byte type, ulong timestamp)
-            {
-                return new ReturningBuffer();
-            }
+            public override IMediaBuffer copy(byte type, ulong timestamp) => new ReturningBuffer();
 
-            public override byte getType()
-            {
-                return 42;
-            }
+            public override byte getType() => 42;
         }
 
-        [Mistake]
         public static void ASurfaceInUseIsNotDisposed()
         {
             var surface = new FakeSurface();
-            using (var configuration = new KVStore())
-            using (var client = new HidInputClient(configuration))
+            using (var client = new HidInputClient(new KVStore()))
             {
                 client.setInputContext(surface);
                 var thrown = Assert.Throws<InvalidOperationException>(() => surface.Dispose());
@@ -48,11 +37,9 @@ namespace Orbelantine.HostTests
             surface.Dispose();
         }
 
-        [Mistake]
         public static void AnElementInUseIsNeitherDisposedNorCollected()
         {
-            using (var configuration = new KVStore())
-            using (var packer = new HIDEventsPacker(configuration))
+            using (var packer = new HIDEventsPacker(new KVStore()))
             using (var move = new IInputMediaBufferMouse(5, -3, 0))
             {
                 WeakReference element = Register(packer);
@@ -66,26 +53,21 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AnElementMayBeGivenToMany()
         {
             var element = new Counting();
-            using (var configuration = new KVStore())
+            using (var first = new HIDEventsPacker(new KVStore()))
+            using (var second = new HIDEventsPacker(new KVStore()))
             {
-                using (var first = new HIDEventsPacker(configuration))
-                using (var second = new HIDEventsPacker(configuration))
-                {
-                    first.registerTarget(element);
-                    first.registerTarget(element);
-                    second.registerTarget(element);
-                    first.Dispose();
-                    Assert.Throws<InvalidOperationException>(() => element.Dispose());
-                }
-                element.Dispose();
+                first.registerTarget(element);
+                first.registerTarget(element);
+                second.registerTarget(element);
+                first.Dispose();
+                Assert.Throws<InvalidOperationException>(() => element.Dispose());
             }
+            element.Dispose();
         }
 
-        [Mistake]
         public static void ABufferThatAnOverrideReturnsLivesOn()
         {
             using (var buffer = new ReturningBuffer())
@@ -96,7 +78,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ACallbackInUseIsNeitherDisposedNorCollected()
         {
             var recorder = new Recorder();
@@ -116,7 +97,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ACompositePutIntoItselfIsRefused()
         {
             using (var outer = new InputContextComposite())
@@ -131,7 +111,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ACompositeWithoutMainContextHasNobodyToAsk()
         {
             using (var composite = new InputContextComposite())

@@ -7,23 +7,23 @@ namespace Orbelantine.HostTests
     /// <summary>Stores put where they come from, and texts that are no formats.</summary>
     public static class StoreMistakes
     {
-        [Mistake]
+        private const string Text = "a text that is longer than a small one";
+
         public static void AStorePutIntoItselfIsACopyOfWhatItWas()
         {
             using (var store = new KVStore())
             {
                 KVStore b = store.getKVStoreAt("a").getKVStoreAt("b");
-                b.setStringAt("key", "a text that is longer than a small one");
+                b.setStringAt("key", Text);
                 store.setKVStoreAt("a", b);
-                Assert.Equal("a text that is longer than a small one", store.getKVStoreAt("a").getStringAt("key"));
+                Assert.Equal(Text, store.getKVStoreAt("a").getStringAt("key"));
                 store.getKVStoreMap()["a"] = store;
-                Assert.Equal("a text that is longer than a small one", store.getKVStoreAt("a").getKVStoreAt("a").getStringAt("key"));
+                Assert.Equal(Text, store.getKVStoreAt("a").getKVStoreAt("a").getStringAt("key"));
                 store.setKVStoreAt("self", store);
                 Assert.Sequence(new[] { "a" }, store.getKVStoreAt("self").getKVStoreMap().Keys.ToArray());
             }
         }
 
-        [Mistake]
         public static void WhatLayInAReplacedStoreRefuses()
         {
             using (var store = new KVStore())
@@ -50,7 +50,6 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void AListMayBePutIntoItself()
         {
             using (var bytes = new ByteVector(new byte[] { 1, 2 }))
@@ -61,10 +60,9 @@ namespace Orbelantine.HostTests
             }
         }
 
-        [Mistake]
         public static void ATextThatLooksLikeAFormatIsLoggedAsItIs()
         {
-            string[] texts = { "%s%n%p 100%", "%", "" };
+            string[] texts = { "%s%n%p 100% \U0001F4F1 grün", "%", "" };
             var lines = TestLog.Record(() =>
             {
                 foreach (string text in texts)
