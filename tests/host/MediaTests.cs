@@ -1,6 +1,5 @@
 using System;
 using System.Collections.Generic;
-using System.Linq;
 using System.Runtime.InteropServices;
 using Orbelantine.Swig.avstack_base;
 using Orbelantine.Swig.common;
