@@ -1,7 +1,6 @@
 using System.Linq;
 using System.Reflection;
 using Orbelantine.Swig.avstack_base;
-using Orbelantine.Swig.common;
 
 namespace Orbelantine.HostTests
 {

@@ -1,5 +1,4 @@
 using System;
-using Orbelantine.Swig.common;
 using Orbelantine.Swig.input;
 
 namespace Orbelantine.HostTests

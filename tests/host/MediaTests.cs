@@ -1,6 +1,5 @@
 using System;
 using System.Collections.Generic;
-using System.Linq;
 using System.Runtime.InteropServices;
 using Orbelantine.Swig.avstack_base;
 using Orbelantine.Swig.common;
@@ -133,7 +132,8 @@ namespace Orbelantine.HostTests
                 Assert.Sequence(new[] { 1u, 2u, uint.MaxValue }, new[] { key.ch, key.type, key.extra });
             using (var touch = new IInputMediaBufferTouch.EventData { id = 1, x = -2, y = 3, type = 4 })
                 Assert.Sequence(new[] { 1, -2, 3, 4 }, new[] { touch.id, touch.x, touch.y, touch.type });
-            using (var format = new InputFormat(3, 4, 5, 6) { mouseType = 7 })
+            using (KVStore store = new InputFormat(3, 4, 5, 6).getAsKVStore())
+            using (var format = new InputFormat(store) { mouseType = 7 })
                 Assert.Sequence(new uint[] { 7, 4, 5, 6 }, new[] { format.mouseType, format.keyboardType, format.touchType, format.typeFlags });
         }
     }
