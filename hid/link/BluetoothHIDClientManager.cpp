@@ -118,13 +118,19 @@ error_code BluetoothHIDClientManager::start(const std::string& address) {
     }
     KVStore store(*mStore);
     const unsigned forced = mForced;
+    // The client and the source ask the driver too, each once: whoever breaks that off means all.
     createClient(store);
     mAddress = address;
+    if (mForced != forced) {
+        cleanupConnection();
+        return brokenOff();
+    }
     buildChain(store);
     mState = kStarted;
-    if (mForced == forced)
-        return reconnectIfNecessary();
-    // Broken off while the chain was made, which asks the driver too.
+    return mForced != forced ? brokenOff() : reconnectIfNecessary();
+}
+
+error_code BluetoothHIDClientManager::brokenOff() {
     const error_code ec = HidErrors::getErrorCode(HidErrors::SocketIsDisconnected);
     onDisconnected(ec);
     return ec;

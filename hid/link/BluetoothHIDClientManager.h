@@ -100,6 +100,7 @@ class BluetoothHIDClientManager final {
     void buildChain(KVStore& store);
     void cleanupConnection();
     void clientDisconnected(error_code ec);
+    [[nodiscard]] error_code brokenOff();
     [[nodiscard]] error_code reconnectIfNecessary();
     void flush(OnceCompletion done);
     void suspendConnection();

@@ -167,8 +167,10 @@ namespace Orbelantine.HostTests
         private static void Hang(Action<HidInputClient, Task<int>> breakOff)
         {
             using (new VirtualPhone("--late 60000"))
+            using (var surface = new FakeSurface())
             using (var client = new HidInputClient(new KVStore()))
             {
+                client.setInputContext(surface);
                 Task<int> connected = Connect(client);
                 Assert.True(!connected.Wait(500), "nothing hangs");
                 breakOff(client, connected);
