@@ -210,10 +210,9 @@ TEST_F(HidInput, ExceptionOnAWorkerFailsAllThatIsAskedAndIsToldInTheLog) {
     mClient->connect(mPeer, [](error_code) { throw std::runtime_error("a completion's"); });
     EXPECT_EQ(connect(), kTakenBack);
     mClient.reset();
-    EXPECT_EQ(
-        log.missing({"what: out of order", "BluetoothHIDClientManagerIoThread has ended",
-                     "what: a completion's", "HidInputClientIoThread has ended"}),
-        Texts());
+    EXPECT_EQ(log.missing({"what: out of order", "BluetoothHIDClientManagerIoThread has ended",
+                           "what: a completion's", "HidInputClientIoThread has ended"}),
+              Texts());
 }
 
 } // namespace

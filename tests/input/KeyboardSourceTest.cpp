@@ -190,13 +190,14 @@ TEST(KeyboardSource, LogTellsKeysCharactersAndTheSubstitution) {
     }
     EXPECT_EQ(
         log.missing({
-             "debug KeyboardSource() osVersion=7.1",
-             "debug handleUnicode() ToUnicode buff[0]=6a",
-             "debug keyDownInternal() Ctrl + Space identified with Android 7+. Making it Win + Space",
-             "debug sendKey() down: 1, scanCode: 219, vkCode: 91",
-             "debug keyUpInternal() Ctrl + Space identified with Android 7+. Making it Win + Space",
-             "debug sendKey() down: 0, scanCode: 219, vkCode: 91",
-         }),
+            "debug KeyboardSource() osVersion=7.1",
+            "debug handleUnicode() ToUnicode buff[0]=6a",
+            "debug keyDownInternal() Ctrl + Space identified with Android 7+. Making it Win + "
+            "Space",
+            "debug sendKey() down: 1, scanCode: 219, vkCode: 91",
+            "debug keyUpInternal() Ctrl + Space identified with Android 7+. Making it Win + Space",
+            "debug sendKey() down: 0, scanCode: 219, vkCode: 91",
+        }),
         test::Texts());
 }
 

@@ -1,5 +1,7 @@
 #include "tools/virtual_phone/picture/Picture.h"
 
+#include "tools/virtual_phone/picture/Svg.h"
+
 #include <boost/property_tree/xml_parser.hpp>
 #include <gtest/gtest.h>
 
@@ -79,6 +81,7 @@ TEST_F(PictureTest, PathAndTargetsLineEndAtTheClick) {
     // The middle of 1080 x 2340 pixels on a screen of 369.2 x 800, and 27 pixels to the right.
     EXPECT_EQ(count(document, R"(x1="184.8" y1="400.2" x2="194" y2="400.2")"), 1U);
     EXPECT_EQ(count(document, R"(points="184.8,400.2 194,400.2 ")"), 1U);
+    EXPECT_EQ(svgNumber(-0.01), "0");
 }
 
 TEST_F(PictureTest, TypedMarkupAndAHostileNameAreText) {

@@ -43,10 +43,7 @@ for each in ("add", "radd", "sub", "rsub", "mul", "rmul", "truediv", "rtruediv")
 
 
 def total(values):
-    result = F32(0)
-    for value in values:
-        result = result + value
-    return result
+    return sum(values, F32(0))
 
 
 def dot(a, b):
@@ -82,18 +79,16 @@ class LeastSquares:
         return F32(0.5) if span < 0 else 0.5 + span * 0.05 if span < 10 else F32(1)
 
     def estimate(self, pointer):
-        t, x, y, w = [], [], [], []
+        rows = []
         for index in reversed(range(len(self.samples))):
             time, points = self.samples[index]
             age = self.samples[-1][0] - time
             if pointer not in points or age > 100 * MS:
                 break
-            t.append(F32(-age) * 1e-9)
-            x.append(F32(points[pointer][0]))
-            y.append(F32(points[pointer][1]))
-            w.append(self.weight(index))
-        if not t:
+            rows.append((F32(-age) * 1e-9, *map(F32, points[pointer]), self.weight(index)))
+        if not rows:
             return None
+        t, x, y, w = zip(*rows)
         degree = min(self.degree, len(t) - 1)
         fits = [self.fit(t, values, w, degree + 1) for values in (x, y)] if degree else [None]
         if None in fits:
@@ -137,9 +132,6 @@ class LeastSquares:
 
 
 class Legacy(LeastSquares):
-    def __init__(self):
-        super().__init__(0)
-
     def estimate(self, pointer):
         newest = self.samples[-1][0]
         run = []  # newest first
@@ -207,7 +199,7 @@ STRATEGIES = {
     "wlsq2-recent": lambda: LeastSquares(2, "recent"),
     "int1": lambda: Integrating(1),
     "int2": lambda: Integrating(2),
-    "legacy": Legacy,
+    "legacy": lambda: Legacy(0),
 }
 
 
@@ -294,9 +286,7 @@ class Phone:
         for time, dx, dy in self.deltas:
             x, y = x + dx, y + dy
             tracker.add(time, {0: (x, y)})
-        degree, _, vx, vy = tracker.strategy.estimate(0)
-        if degree == 0:
-            return F32(1)
+        _, _, vx, vy = tracker.strategy.estimate(0)
         speed = F32(math.hypot(vx, vy))
         if speed >= 3000:
             return F32(3)
