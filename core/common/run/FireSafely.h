@@ -12,7 +12,7 @@ class FiringHold : boost::signals2::signal<Signature> {
   public:
     using Signal = boost::signals2::signal<Signature>;
 
-    // Signals share it with their slots only; it costs half of a weak_signal.
+    // Protected, for slots that track a signal. A weak_signal would count twice as often.
     static auto of(const Signal& signal) { return (signal.*(&FiringHold::lock_pimpl))(); }
 };
 
