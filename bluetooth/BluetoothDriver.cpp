@@ -5,6 +5,7 @@
 #include "bluetooth/DriverHandles.h"
 #include "core/common/errors/ApiCategory.h"
 #include "core/common/errors/ErrorAreas.h"
+#include "core/common/errors/GenericError.h"
 #include "core/common/log/Log.h"
 #include "core/common/run/IoThread.h"
 
@@ -16,9 +17,6 @@
 namespace orbelantine {
 
 namespace {
-
-// Generic code of "no such device" here, for a search without a hit and for a removal.
-constexpr int kNoSuitableDevice = 19;
 
 // A request may begin only after it should have been cancelled.
 constexpr std::chrono::milliseconds kCancelAgain(10);
@@ -41,10 +39,6 @@ void releaseExclusivePath(const std::wstring& path) {
 
 error_code driverError(DriverApi::Error error, const char* call) {
     return {static_cast<int>(error), apiCategory(call)};
-}
-
-error_code noSuitableDevice() {
-    return {kNoSuitableDevice, boost::system::generic_category()};
 }
 
 } // namespace
@@ -145,7 +139,7 @@ error_code BluetoothDriver::getUnboundDevicePath(const Guid& guid, std::wstring&
     }
     if (end == win32::kErrorNoMoreItems && index > 0) {
         ORB_LOG(kLogError, "%s() unable to find suitable device");
-        return noSuitableDevice();
+        return genericError(generic::kNoSuchDevice);
     }
     ORB_LOG(kLogError, "%s() SetupDiEnumDeviceInterfaces() failed, error %d",
             static_cast<int>(end));
@@ -223,7 +217,7 @@ void BluetoothDriver::onDriverRemoval(std::uint64_t opening) {
     lock.unlock();
     ORB_LOG(kLogWarning, "%s() Driver removal notification for device path %ls", path.c_str());
     if (removed)
-        removed(noSuitableDevice());
+        removed(genericError(generic::kNoSuchDevice));
 }
 
 void BluetoothDriver::close() {

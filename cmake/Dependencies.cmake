@@ -1,6 +1,7 @@
 # Third-party libraries, all Debian's, as interface targets:
 #   orbelantine_deps          Boost's headers, and those of spdlog and fmt
 #   orbelantine_deps_system   what of Boost is compiled
+#   orbelantine_deps_bluetooth   D-Bus, by which BlueZ is reached
 #   GTest::gtest_main         GoogleTest from Debian's sources, with this build's own flags
 find_package(Threads REQUIRED)
 
@@ -11,6 +12,7 @@ target_compile_definitions(orbelantine_deps INTERFACE
     BOOST_ASIO_SEPARATE_COMPILATION)
 
 add_library(orbelantine_deps_system INTERFACE)
+add_library(orbelantine_deps_bluetooth INTERFACE)
 
 if(WIN32)
     include(BoostFromSource)
@@ -31,6 +33,8 @@ else()
     find_package(Boost 1.81 REQUIRED COMPONENTS thread filesystem)
     target_link_libraries(orbelantine_deps INTERFACE Boost::headers)
     target_link_libraries(orbelantine_deps_system INTERFACE Boost::thread Boost::filesystem ${CMAKE_DL_LIBS})
+    find_package(sdbus-c++ REQUIRED GLOBAL)
+    target_link_libraries(orbelantine_deps_bluetooth INTERFACE SDBusCpp::sdbus-c++)
 endif()
 
 if(BUILD_TESTING)

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+namespace orbelantine {
+
+class IBluetoothImpl;
+
+/// The platform's own backend: the Windows Bluetooth API, or BlueZ. Not started yet; it may be
+/// destroyed while it runs. Throws std::system_error if there can be no thread.
+[[nodiscard]] std::unique_ptr<IBluetoothImpl> makeBluetooth();
+
+} // namespace orbelantine
