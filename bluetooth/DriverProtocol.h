@@ -31,6 +31,10 @@ inline constexpr std::uint32_t kIsConnected = 0x22000C;
 
 inline constexpr int kExpectedHidVersion = 4;
 
+/// The hands-free driver's.
+inline constexpr std::uint32_t kGetHandsfreeVersion = 0x222018;
+inline constexpr int kExpectedHandsfreeVersion = 1;
+
 /// PSMs of the HID profile.
 inline constexpr std::uint16_t kControlPsm = 17;
 inline constexpr std::uint16_t kInterruptPsm = 19;

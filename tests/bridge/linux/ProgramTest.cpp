@@ -1,8 +1,9 @@
 #include "tools/l2cap_bridge/linux/Program.h"
 
 #include "tests/bridge/linux/FakeL2cap.h"
-#include "tests/bridge/linux/PrivateBus.h"
 #include "tests/phone/linux/TestHost.h"
+#include "tools/virtual_stack/linux/FakeBlueZ.h"
+#include "tools/virtual_stack/linux/PrivateBus.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -80,20 +81,20 @@ TEST_F(BridgeProgramTest, RecordThatCannotBePublishedEndsItUnlessItIsNotWanted) 
 }
 
 TEST_F(BridgeProgramTest, NameGoesIntoThePublishedRecordAsXmlText) {
-    const PrivateBus bus;
+    const stack::PrivateBus bus;
     if (!bus.runs())
         GTEST_SKIP() << "dbus-daemon is not installed";
-    FakeBlueZ bluez(bus.address());
+    const stack::FakeBlueZ bluez({.bus = bus.address()});
     mOptions.publishRecord = true;
     mOptions.bus = bus.address();
     mOptions.name = R"(<Ann & "Bob">)";
     EXPECT_EQ(runStopped(), kExitSuccess) << mErr.str();
     EXPECT_NE(
-        bluez.profile()
-            .option<std::string>("ServiceRecord")
+        bluez.seen()
+            .profile.option<std::string>("ServiceRecord")
             .find(R"(id="0x0100"><text value="&lt;Ann &amp; &quot;Bob&quot;&gt;"/></attribute>)"),
         std::string::npos);
-    EXPECT_EQ(bluez.profile().path, "");
+    EXPECT_EQ(bluez.seen().profile.path, "");
 }
 
 TEST_F(BridgeProgramTest, LogThatCannotBeWrittenEndsIt) {

@@ -1,8 +1,9 @@
 #include "tools/l2cap_bridge/linux/ServiceProfile.h"
 
 #include "hid/link/HIDServiceRecord.h"
-#include "tests/bridge/linux/PrivateBus.h"
 #include "tools/l2cap_bridge/ServiceRecord.h"
+#include "tools/virtual_stack/linux/FakeBlueZ.h"
+#include "tools/virtual_stack/linux/PrivateBus.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -23,6 +24,8 @@ extern "C" __attribute__((visibility("default"))) const char* __lsan_default_sup
 namespace orbelantine::bridge {
 
 namespace {
+
+using stack::FakeBlueZ;
 
 constexpr const char* kProfile = "org.bluez.Profile1";
 constexpr const char* kRecord = "<record/>";
@@ -62,7 +65,7 @@ class ServiceProfileTest : public testing::Test {
         return std::exchange(mSaid, "");
     }
 
-    PrivateBus mBus;
+    stack::PrivateBus mBus;
     std::string mSaid;
     std::optional<ServiceProfile> mProfile;
 };
@@ -96,9 +99,9 @@ TEST(ServiceRecord, IsAsBlueZTakesIt) {
 }
 
 TEST_F(ServiceProfileTest, RecordIsPublishedAndWithdrawnAtTheEnd) {
-    FakeBlueZ bluez(mBus.address());
+    FakeBlueZ bluez({.bus = mBus.address()});
     publish();
-    const FakeBlueZ::Profile profile = bluez.profile();
+    const stack::Profile profile = bluez.seen().profile;
     EXPECT_EQ(profile.path, "/orbelantine/hid");
     EXPECT_EQ(profile.uuid, "00001124-0000-1000-8000-00805f9b34fb");
     EXPECT_EQ(profile.option<std::string>("ServiceRecord"), kRecord);
@@ -106,7 +109,7 @@ TEST_F(ServiceProfileTest, RecordIsPublishedAndWithdrawnAtTheEnd) {
     EXPECT_TRUE(profile.option<bool>("RequireAuthentication"));
     EXPECT_FALSE(profile.option<bool>("RequireAuthorization"));
     mProfile.reset();
-    EXPECT_EQ(bluez.profile().path, "");
+    EXPECT_EQ(bluez.seen().count("UnregisterProfile"), 1);
 }
 
 TEST_F(ServiceProfileTest, RefusalAndMissingBlueZAndMissingBusAreToldApart) {
@@ -120,7 +123,7 @@ TEST_F(ServiceProfileTest, RefusalAndMissingBlueZAndMissingBusAreToldApart) {
         {"org.bluez.Error.InvalidArguments", "BlueZ doesn't take the service record"},
     };
     for (const auto& [error, line] : kRefusals) {
-        const FakeBlueZ bluez(mBus.address(), error);
+        const FakeBlueZ bluez({.bus = mBus.address(), .profileRefusal = error});
         EXPECT_EQ(failure(), line);
     }
     EXPECT_EQ(failure(), "BlueZ doesn't run");
@@ -129,17 +132,18 @@ TEST_F(ServiceProfileTest, RefusalAndMissingBlueZAndMissingBusAreToldApart) {
 }
 
 TEST_F(ServiceProfileTest, CallsOfBlueZAreAnsweredFromTheLoop) {
-    FakeBlueZ bluez(mBus.address());
+    FakeBlueZ bluez({.bus = mBus.address()});
     publish();
     std::string rejection;
     std::thread caller([this, &bluez, &rejection] {
         const auto bus = sdbus::createSessionBusConnectionWithAddress(mBus.address());
-        const auto profile = sdbus::createProxy(*bus, bluez.profile().sender, bluez.profile().path);
+        const auto profile =
+            sdbus::createProxy(*bus, bluez.seen().profile.sender, bluez.seen().profile.path);
         const sdbus::ObjectPath device("/org/bluez/hci0/dev_00_11_22_33_44_55");
         try {
             profile->callMethod("NewConnection")
                 .onInterface(kProfile)
-                .withArguments(device, sdbus::UnixFd(STDIN_FILENO), FakeBlueZ::Options{});
+                .withArguments(device, sdbus::UnixFd(STDIN_FILENO), stack::Variants{});
         } catch (const sdbus::Error& error) {
             rejection = error.getName();
         }
@@ -151,11 +155,11 @@ TEST_F(ServiceProfileTest, CallsOfBlueZAreAnsweredFromTheLoop) {
     mProfile.reset();
     caller.join();
     EXPECT_EQ(rejection, "org.bluez.Error.Rejected");
-    EXPECT_EQ(bluez.profile().path, "/orbelantine/hid") << "withdrawn once more";
+    EXPECT_EQ(bluez.seen().count("UnregisterProfile"), 0) << "withdrawn once more";
 }
 
 TEST_F(ServiceProfileTest, CrashOfBlueZAndLostBusAreSaidOnce) {
-    std::optional<FakeBlueZ> bluez(std::in_place, mBus.address());
+    std::optional<FakeBlueZ> bluez(std::in_place, FakeBlueZ::Options{.bus = mBus.address()});
     publish();
     bluez.reset();
     EXPECT_EQ(said(), "BlueZ has withdrawn the service record, as it does at its end");

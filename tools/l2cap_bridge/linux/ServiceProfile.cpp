@@ -1,11 +1,10 @@
 #include "tools/l2cap_bridge/linux/ServiceProfile.h"
 
+#include "bluetooth/dbus/linux/BlueZNames.h"
 #include "tools/l2cap_bridge/linux/Errors.h"
 
 #include <sdbus-c++/sdbus-c++.h>
 
-#include <chrono>
-#include <cstdint>
 #include <map>
 #include <utility>
 
@@ -17,26 +16,18 @@ using Variants = std::map<std::string, sdbus::Variant>;
 
 constexpr const char* kHidUuid = "00001124-0000-1000-8000-00805f9b34fb";
 constexpr const char* kProfilePath = "/orbelantine/hid";
-constexpr const char* kBus = "org.freedesktop.DBus";
-constexpr const char* kBlueZ = "org.bluez";
-constexpr const char* kProfile = "org.bluez.Profile1";
-constexpr const char* kManager = "org.bluez.ProfileManager1";
-constexpr std::chrono::seconds kLongestCall{5};
-
-std::unique_ptr<sdbus::IConnection> connectTo(const std::string& bus) {
-    return bus.empty() ? sdbus::createSystemBusConnection()
-                       : sdbus::createSessionBusConnectionWithAddress(bus);
-}
-
 } // namespace
 
 ServiceProfile::ServiceProfile(const std::string& bus, const std::string& recordXml, Say say)
     : mSay(std::move(say)) {
     try {
-        mConnection = connectTo(bus);
-        mConnection->setMethodCallTimeout(kLongestCall);
+        mBus = std::make_unique<dbus::Bus>(bus);
         implementProfile();
-        watchBlueZ();
+        // One that crashes doesn't release what it has.
+        mBus->watchOwner(dbus::kBlueZ, [this](const std::string& owner) {
+            if (owner.empty() && mPublished)
+                released();
+        });
         registerProfile(recordXml);
     } catch (const sdbus::Error& error) {
         throw RecordError(recordAdvice(error.getName(), error.getMessage()));
@@ -44,11 +35,11 @@ ServiceProfile::ServiceProfile(const std::string& bus, const std::string& record
 }
 
 ServiceProfile::~ServiceProfile() {
-    if (!mPublished || mBusLost)
+    if (!mPublished || mBus->lost())
         return;
     try {
         mManager->callMethod("UnregisterProfile")
-            .onInterface(kManager)
+            .onInterface(dbus::kProfileManager)
             .withArguments(sdbus::ObjectPath(kProfilePath));
     } catch (const sdbus::Error&) {
         // BlueZ drops the record by itself when the connection ends.
@@ -56,60 +47,41 @@ ServiceProfile::~ServiceProfile() {
 }
 
 pollfd ServiceProfile::wanted() {
-    // What came in while a call waited for its answer no longer shows in the descriptor.
+    // What came in while a call waited for its answer doesn't show in the descriptor.
     process();
-    if (mBusLost)
-        return {-1, 0, 0};
-    const auto data = mConnection->getEventLoopPollData();
-    return {data.fd, data.events, 0};
+    return mBus->wanted();
 }
 
 int ServiceProfile::timeout() {
-    return mBusLost ? -1 : mConnection->getEventLoopPollData().getPollTimeout();
+    return mBus->pollTimeout();
 }
 
 void ServiceProfile::process() {
-    if (mBusLost)
+    if (mBus->lost() || mBus->process() != dbus::Bus::State::Lost)
         return;
-    try {
-        while (mConnection->processPendingRequest()) {
-        }
-    } catch (const sdbus::Error&) {
-        mBusLost = true;
-        mSay("D-Bus has gone, and the service record with it: phones that are paired still "
-             "connect; start this again once D-Bus is back");
-    }
+    mSay("D-Bus has gone, and the service record with it: phones that are paired still connect; "
+         "start this again once D-Bus is back");
 }
 
 void ServiceProfile::implementProfile() {
-    mProfile = sdbus::createObject(*mConnection, kProfilePath);
-    mProfile->registerMethod("Release").onInterface(kProfile).implementedAs([this] { released(); });
+    mProfile = sdbus::createObject(mBus->connection(), kProfilePath);
+    mProfile->registerMethod("Release").onInterface(dbus::kProfile).implementedAs([this] {
+        released();
+    });
     // The bridge connects to the phone, never the other way round.
     mProfile->registerMethod("NewConnection")
-        .onInterface(kProfile)
+        .onInterface(dbus::kProfile)
         .implementedAs([](const sdbus::ObjectPath&, const sdbus::UnixFd&, const Variants&) {
-            throw sdbus::Error("org.bluez.Error.Rejected", "this end opens the channels");
+            throw sdbus::Error(dbus::kRejected, "this end opens the channels");
         });
     mProfile->registerMethod("RequestDisconnection")
-        .onInterface(kProfile)
+        .onInterface(dbus::kProfile)
         .implementedAs([](const sdbus::ObjectPath&) {});
     mProfile->finishRegistration();
 }
 
-// One that crashes doesn't release what it has.
-void ServiceProfile::watchBlueZ() {
-    mBus = sdbus::createProxy(*mConnection, kBus, "/org/freedesktop/DBus");
-    mBus->uponSignal("NameOwnerChanged")
-        .onInterface(kBus)
-        .call([this](const std::string& name, const std::string&, const std::string& owner) {
-            if (name == kBlueZ && owner.empty() && mPublished)
-                released();
-        });
-    mBus->finishRegistration();
-}
-
 void ServiceProfile::registerProfile(const std::string& recordXml) {
-    mManager = sdbus::createProxy(*mConnection, kBlueZ, "/org/bluez");
+    mManager = mBus->blueZ(dbus::kBlueZPath);
     const Variants options = {
         {"Name", sdbus::Variant(std::string("Orbelantine HID"))},
         {"Role", sdbus::Variant(std::string("server"))},
@@ -119,7 +91,7 @@ void ServiceProfile::registerProfile(const std::string& recordXml) {
         {"ServiceRecord", sdbus::Variant(recordXml)},
     };
     mManager->callMethod("RegisterProfile")
-        .onInterface(kManager)
+        .onInterface(dbus::kProfileManager)
         .withArguments(sdbus::ObjectPath(kProfilePath), std::string(kHidUuid), options);
     mPublished = true;
 }

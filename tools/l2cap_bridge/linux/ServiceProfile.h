@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bluetooth/dbus/linux/Bus.h"
 #include "tools/l2cap_bridge/linux/PollSource.h"
 
 #include <functional>
@@ -8,7 +9,6 @@
 #include <string>
 
 namespace sdbus {
-class IConnection;
 class IObject;
 class IProxy;
 } // namespace sdbus
@@ -41,17 +41,14 @@ class ServiceProfile final : public PollSource {
 
   private:
     void implementProfile();
-    void watchBlueZ();
     void registerProfile(const std::string& recordXml);
     void released();
 
     Say mSay;
-    std::unique_ptr<sdbus::IConnection> mConnection;
+    std::unique_ptr<dbus::Bus> mBus;
     std::unique_ptr<sdbus::IObject> mProfile;
-    std::unique_ptr<sdbus::IProxy> mBus;
     std::unique_ptr<sdbus::IProxy> mManager;
     bool mPublished = false;
-    bool mBusLost = false;
 };
 
 } // namespace orbelantine::bridge
