@@ -12,6 +12,9 @@
 
 namespace orbelantine {
 
+BluetoothPeerManager::BluetoothPeerManager()
+    : BluetoothPeerManager(makeBluetooth) {}
+
 BluetoothPeerManager::BluetoothPeerManager(BluetoothMaker makeImpl, IClock& clock)
     : mMakeImpl(std::move(makeImpl))
     , mClock(clock) {}

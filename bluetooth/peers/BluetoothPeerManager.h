@@ -39,8 +39,9 @@ class BluetoothPeerManager {
     boost::signals2::signal<void(boost::shared_ptr<BluetoothPeer>, boost::system::error_code)>
         onUnpairFinished;
 
-    explicit BluetoothPeerManager(BluetoothMaker makeImpl = makeBluetooth,
-                                  IClock& clock = IClock::system());
+    /// Over the platform's own backend.
+    BluetoothPeerManager();
+    explicit BluetoothPeerManager(BluetoothMaker makeImpl, IClock& clock = IClock::system());
     virtual ~BluetoothPeerManager();
     BluetoothPeerManager(const BluetoothPeerManager&) = delete;
     BluetoothPeerManager& operator=(const BluetoothPeerManager&) = delete;
