@@ -167,6 +167,10 @@ TEST_F(BlueZRadioTest, SignalsOfOthersThanBlueZAreIgnored) {
          << "";
     gone.setDestination(victim);
     gone.send();
+    auto unreadable = object->createSignal("org.freedesktop.DBus", "NameOwnerChanged");
+    unreadable << std::int32_t{1};
+    unreadable.setDestination(victim);
+    unreadable.send();
     // The bus has delivered them when it has answered a later call.
     static_cast<void>(sdbus::createProxy(*client, "org.bluez", "/org/bluez/hci0")
                           ->getProperty("Powered")
