@@ -5,6 +5,7 @@
 %{
 #include "binding/callbacks/BluetoothCallbackFamilies.h"
 #include "bluetooth/IBluetoothService.h"
+#include "bluetooth/peers/BluetoothPeerManager.h"
 %}
 
 ORB_SHARED(orbelantine::BluetoothPeer)

@@ -48,7 +48,7 @@ class Proxy:
             self.text = re.sub(r"(  public override \S+ \w+\(.*\) \{\n)", r"\1    swigContexts.RequireMain(swigCPtr);" "\n", self.text)
         if self.name == "KVStoreMap":
             self.mend_store_map()
-        if self.name == "HidInputClient":
+        if self.name in ("BluetoothPeerManager", "HidInputClient"):
             self.replace("    swigHandle = cPtr;\n", "    swigHandle = cPtr;\n    global::Orbelantine.Swig.ProcessEnd.Watch(this);\n")
         if self.is_callback():
             self.mend_callback()

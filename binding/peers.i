@@ -51,3 +51,51 @@ typedef std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > > vectorPee
 %template(BluetoothPeerVector) std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > >;
 
 %include "binding/callbacks/CallbackTableBluetooth.inc"
+
+// What is asked at the wrong time, or where it would wait for itself, is the host's exception.
+%exception %{
+  try { $action }
+  catch (const std::exception &e) {
+    SWIG_CSharpSetPendingException(SWIG_CSharpInvalidOperationException, e.what());
+    return $null;
+  }
+%}
+
+namespace orbelantine {
+
+class BluetoothPeerManager {
+public:
+  BluetoothPeerManager();
+  virtual ~BluetoothPeerManager();
+  void start(bool registerIncoming);
+  void stop();
+  void refreshPeers();
+  bool isBluetoothOn();
+  std::wstring getLocalName();
+  orbelantine::CMacAddress getLocalAddress();
+  int32_t getHidDriverVersion();
+  boost::system::error_code verifyHidDriverVersion();
+  boost::system::error_code verifyHandsfreeDriverVersion();
+  boost::system::error_code enableDiscoverable();
+  boost::system::error_code disableDiscoverable();
+  void enablePeerScans(bool enable);
+  void startDiscovery();
+  void stopDiscovery();
+  void pairPeer(boost::shared_ptr< orbelantine::BluetoothPeer > const &peer);
+  void authPair(boost::shared_ptr< orbelantine::BluetoothPeer > const &peer);
+  void cancelPair();
+  void unpair(boost::shared_ptr< orbelantine::BluetoothPeer > const &peer);
+  std::vector< boost::shared_ptr< orbelantine::BluetoothPeer > > getPeers();
+  %immutable;
+  boost::signals2::signal< void (boost::system::error_code) > onStarted;
+  boost::signals2::signal< void (bool, vectorPeer) > onPeersUpdated;
+  boost::signals2::signal< void (sharedPeer) > onPairRequest;
+  boost::signals2::signal< void (sharedPeer) > onPairedByUser;
+  boost::signals2::signal< void (sharedPeer, boost::system::error_code) > onPairFinished;
+  boost::signals2::signal< void (sharedPeer, boost::system::error_code) > onUnpairFinished;
+  %mutable;
+};
+
+}
+
+%exception;

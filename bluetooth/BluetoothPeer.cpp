@@ -1,5 +1,7 @@
 #include "bluetooth/BluetoothPeer.h"
 
+#include <boost/smart_ptr/make_shared_object.hpp>
+
 #include <iterator>
 #include <ratio>
 
@@ -41,39 +43,41 @@ BluetoothPeer::BluetoothPeer(const CMacAddress& address, IClock& clock)
 BluetoothPeer::BluetoothPeer(const CMacAddress& address, const std::wstring& name,
                              std::uint32_t deviceClass, bool paired, IClock& clock)
     : mAddress(address)
-    , mName(name)
-    , mDeviceClass(deviceClass)
-    , mPaired(paired)
+    , mDetails(boost::make_shared<const Details>(Details{name, deviceClass, paired}))
     , mLastSeen(kMarkedStale)
-    , mClock(&clock) {
-    mLastSeen = ticks();
+    , mClock(clock) {
+    touch();
 }
+
+BluetoothPeer::BluetoothPeer(const BluetoothPeer& other)
+    : mAddress(other.mAddress)
+    , mDetails(other.mDetails.load())
+    , mLastSeen(other.mLastSeen.load())
+    , mClock(other.mClock) {}
 
 CMacAddress BluetoothPeer::address() const {
     return mAddress;
 }
 
 std::wstring BluetoothPeer::name() const {
-    return mName;
+    return mDetails.load()->name;
 }
 
 std::uint32_t BluetoothPeer::deviceClass() const {
-    return mDeviceClass;
+    return mDetails.load()->deviceClass;
 }
 
 int BluetoothPeer::deviceType() const {
-    const std::uint32_t major = (mDeviceClass & kMajorClassMask) >> kMajorClassShift;
+    const std::uint32_t major = (deviceClass() & kMajorClassMask) >> kMajorClassShift;
     return major < std::size(kTypes) ? kTypes[major] : kUnknownType;
 }
 
 bool BluetoothPeer::isPaired() const {
-    return mPaired;
+    return mDetails.load()->paired;
 }
 
 void BluetoothPeer::update(const std::wstring& name, std::uint32_t deviceClass, bool paired) {
-    mName = name;
-    mDeviceClass = deviceClass;
-    mPaired = paired;
+    mDetails.store(boost::make_shared<const Details>(Details{name, deviceClass, paired}));
 }
 
 void BluetoothPeer::touch() {
@@ -86,16 +90,16 @@ void BluetoothPeer::markStale() {
 
 // The mark counts by itself: the tick clock may have begun less than 30 seconds ago.
 bool BluetoothPeer::isStale() const {
-    return mLastSeen == kMarkedStale || ticks() - mLastSeen >= kStaleAfter;
+    const std::int64_t lastSeen = mLastSeen;
+    return lastSeen == kMarkedStale || ticks() - lastSeen >= kStaleAfter;
 }
 
 bool BluetoothPeer::operator==(const BluetoothPeer& other) const {
-    return mAddress == other.mAddress && mName == other.mName &&
-           mDeviceClass == other.mDeviceClass && mPaired == other.mPaired;
+    return mAddress == other.mAddress && *mDetails.load() == *other.mDetails.load();
 }
 
 std::int64_t BluetoothPeer::ticks() const {
-    return std::chrono::duration_cast<Ticks>(mClock->now().time_since_epoch()).count();
+    return std::chrono::duration_cast<Ticks>(mClock.now().time_since_epoch()).count();
 }
 
 } // namespace orbelantine

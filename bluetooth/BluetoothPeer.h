@@ -3,13 +3,16 @@
 #include "core/common/run/Clock.h"
 #include "core/common/types/CMacAddress.h"
 
+#include <boost/smart_ptr/atomic_shared_ptr.hpp>
+
+#include <atomic>
 #include <cstdint>
 #include <string>
 
 namespace orbelantine {
 
 /// One remote Bluetooth device. Shared between its owner's thread, which changes it, and those that
-/// read it; there is no lock.
+/// read it: any thread may call.
 class BluetoothPeer {
   public:
     /// Without an address. Each byte becomes one wide character: no encoding is assumed.
@@ -19,8 +22,8 @@ class BluetoothPeer {
     explicit BluetoothPeer(const CMacAddress& address, IClock& clock = IClock::system());
     BluetoothPeer(const CMacAddress& address, const std::wstring& name, std::uint32_t deviceClass,
                   bool paired, IClock& clock = IClock::system());
-    BluetoothPeer(const BluetoothPeer&) = default;
-    BluetoothPeer& operator=(const BluetoothPeer&) = default;
+    BluetoothPeer(const BluetoothPeer& other);
+    BluetoothPeer& operator=(const BluetoothPeer&) = delete;
     virtual ~BluetoothPeer() = default;
 
     [[nodiscard]] virtual CMacAddress address() const;
@@ -43,16 +46,22 @@ class BluetoothPeer {
     [[nodiscard]] bool operator==(const BluetoothPeer& other) const;
 
   private:
+    /// What an update replaces, as one.
+    struct Details {
+        std::wstring name;
+        std::uint32_t deviceClass;
+        bool paired;
+        bool operator==(const Details&) const = default;
+    };
+
     /// The clock in ticks of 100 ns.
     [[nodiscard]] std::int64_t ticks() const;
 
-    CMacAddress mAddress;
-    std::wstring mName;
-    std::uint32_t mDeviceClass = 0;
-    bool mPaired = false;
+    const CMacAddress mAddress;
+    boost::atomic_shared_ptr<const Details> mDetails;
     // In ticks; 0 is marked stale.
-    std::int64_t mLastSeen;
-    IClock* mClock;
+    std::atomic<std::int64_t> mLastSeen;
+    IClock& mClock;
 };
 
 } // namespace orbelantine

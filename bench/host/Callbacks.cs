@@ -1,4 +1,5 @@
 using System;
+using Orbelantine.Swig.bluetooth;
 using Orbelantine.Swig.common;
 using Orbelantine.Swig.input;
 
@@ -89,6 +90,23 @@ namespace Orbelantine.HostBench
             public override void call(IntCallback nested) { ++calls; nested.Dispose(); }
         }
 
+        private sealed class OnPeers : PeerListUpdateCallbackImpl
+        {
+            public bool Reads;
+
+            public override void pin() { }
+            public override bool unpin() { return false; }
+
+            public override void call(bool bluetoothOn, BluetoothPeerVector peers)
+            {
+                ++calls;
+                for (int i = 0; Reads && i < peers.Count; ++i)
+                    using (BluetoothPeer peer = peers[i])
+                        calls += peer.name().Length;
+                peers.Dispose();
+            }
+        }
+
         public static void Report(error_code code)
         {
             using (var bytes = new ByteVector(new byte[] { 1, 2, 3, 4, 5, 6, 7, 8, 9 }))
@@ -127,6 +145,23 @@ namespace Orbelantine.HostBench
                 using (var implementation = new OnFunction())
                 using (var function = new IntCallbackEvent(implementation))
                     Report("Function", () => function.call(nested));
+            }
+            ReportPeers();
+        }
+
+        private static void ReportPeers()
+        {
+            using (var peers = new BluetoothPeerVector())
+            using (var implementation = new OnPeers())
+            using (var function = new PeerListUpdateCallback(implementation))
+            {
+                for (ulong address = 1; address <= 1000; ++address)
+                    using (var parsed = new CMacAddress(address))
+                    using (var peer = new BluetoothPeer(parsed, "phone", 0x200, false))
+                        peers.Add(peer);
+                Report("ThousandPeers", () => function.call(true, peers));
+                implementation.Reads = true;
+                Report("ThousandPeersRead", () => function.call(true, peers));
             }
         }
 

@@ -15,7 +15,6 @@
 #include <chrono>
 #include <future>
 #include <memory>
-#include <system_error>
 #include <utility>
 
 namespace orbelantine {
@@ -38,16 +37,6 @@ std::string addressText(const BluetoothPeer& peer) {
 /// Of an operation that this object's end takes back.
 error_code takenBack() {
     return HidErrors::getErrorCode(HidErrors::InvalidState);
-}
-
-/// Lets the manager go on a thread of its own, which waits for the workers under it.
-void endElsewhere(boost::shared_ptr<BluetoothHIDClientManager> manager) {
-    auto* const left = new auto(std::move(manager));
-    try {
-        makeThread([left] { delete left; }).detach();
-    } catch (const std::system_error& e) {
-        ORB_LOG(kLogError, "%s() no thread can be started, the link stays: %s", e.what());
-    }
 }
 
 /// Starts an operation of the manager and waits for its completion, which always comes.

@@ -229,13 +229,13 @@ TEST_F(BluetoothDriverTest, LeadsAWholeLifeAndLogsItInItsOwnWords) {
     ASSERT_FALSE(driver.open(kClass, kFlags, [token](error_code) {}));
     EXPECT_EQ(driver.open(kClass, kFlags), driverCode(DriverErrors::AlreadyOpen));
     EXPECT_EQ(mApi.openFiles(), 1u);
-    EXPECT_EQ(driver.getVersion(0x222018, version), apiCode(1, "Driver:DeviceIoControl"));
+    EXPECT_EQ(driver.getVersion(0x22201C, version), apiCode(1, "Driver:DeviceIoControl"));
     EXPECT_EQ(version, 77);
     mApi.version = -2;
     EXPECT_EQ(driver.getVersion(driver::kGetVersion, version), error_code());
     EXPECT_EQ(version, -2);
     EXPECT_EQ(mApi.requests,
-              (std::vector<FakeDriverApi::Request>{{0x222018, {}}, {driver::kGetVersion, {}}}));
+              (std::vector<FakeDriverApi::Request>{{0x22201C, {}}, {driver::kGetVersion, {}}}));
     EXPECT_EQ(token.use_count(), 2);
     driver.close();
     driver.close();

@@ -287,6 +287,7 @@ class FakeDriverApi : public DriverApi {
             file.stands = file.psm != refusedPsm;
             return file.stands ? win32::kErrorSuccess : kErrorConnectionRefused;
         case driver::kGetVersion:
+        case driver::kGetHandsfreeVersion:
             size = 2;
             output = static_cast<std::uint16_t>(version);
             return win32::kErrorSuccess;

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tools/program/linux/ControlPipe.h"
 #include "tools/virtual_phone/driver/Driver.h"
 #include "tools/virtual_phone/driver/linux/DeviceServer.h"
 #include "tools/virtual_phone/log/EventLog.h"
 #include "tools/virtual_phone/phone/Phone.h"
 #include "tools/virtual_phone/program/Control.h"
-#include "tools/virtual_phone/program/linux/ControlPipe.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>

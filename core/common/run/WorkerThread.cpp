@@ -1,6 +1,9 @@
 #include "core/common/run/WorkerThread.h"
 
+#include "core/common/log/Log.h"
+
 #include <atomic>
+#include <system_error>
 #include <utility>
 
 namespace orbelantine {
@@ -29,6 +32,15 @@ void setThreadMaker(ThreadMaker maker) {
 
 std::thread makeThread(std::function<void()> body) {
     return std::thread(std::move(body));
+}
+
+void endElsewhere(boost::shared_ptr<void> object) {
+    auto* const left = new auto(std::move(object));
+    try {
+        makeThread([left] { delete left; }).detach();
+    } catch (const std::system_error& e) {
+        ORB_LOG(kLogError, "%s() no thread can be started, what should end stays: %s", e.what());
+    }
 }
 
 } // namespace orbelantine

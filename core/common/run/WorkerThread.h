@@ -1,5 +1,7 @@
 #pragma once
 
+#include <boost/smart_ptr/shared_ptr.hpp>
+
 #include <functional>
 #include <thread>
 
@@ -15,5 +17,9 @@ namespace orbelantine {
 using ThreadMaker = std::thread (*)(std::function<void()> body);
 void setThreadMaker(ThreadMaker maker);
 [[nodiscard]] std::thread makeThread(std::function<void()> body);
+
+/// Lets an object go on a thread of its own, since its end waits for the calling one. If there can
+/// be no thread, that is logged and the object stays.
+void endElsewhere(boost::shared_ptr<void> object);
 
 } // namespace orbelantine

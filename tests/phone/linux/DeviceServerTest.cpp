@@ -1,8 +1,8 @@
 #include "tools/virtual_phone/driver/linux/DeviceServer.h"
 
 #include "tests/phone/linux/TestHost.h"
+#include "tools/program/linux/ControlPipe.h"
 #include "tools/virtual_phone/program/Control.h"
-#include "tools/virtual_phone/program/linux/ControlPipe.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

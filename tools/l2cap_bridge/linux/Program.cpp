@@ -6,11 +6,10 @@
 #include "tools/l2cap_bridge/linux/Errors.h"
 #include "tools/l2cap_bridge/linux/L2capApi.h"
 #include "tools/l2cap_bridge/linux/ServiceProfile.h"
+#include "tools/program/linux/Files.h"
 #include "tools/program/linux/StopSignal.h"
 
 #include <cerrno>
-#include <chrono>
-#include <cstring>
 #include <exception>
 #include <fstream>
 #include <optional>
@@ -28,17 +27,6 @@ class RadioError : public std::runtime_error {
         : std::runtime_error(radioAdvice(error)) {}
 };
 
-[[noreturn]] void failToWrite(const std::string& path) {
-    throw std::runtime_error("cannot write " + path + ": " + std::strerror(errno));
-}
-
-phone::Now sinceHere() {
-    using std::chrono::steady_clock;
-    return [start = steady_clock::now()] {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
-    };
-}
-
 std::string recordXml(const Options& options) {
     HIDServiceRecord record;
     if (!options.name.empty())
@@ -55,15 +43,12 @@ void run(const Options& options, L2capApi& l2cap, std::ostream& out,
          const ServiceProfile::Say& say) {
     const phone::StopSignal stop;
     requireRadio(l2cap);
-    const phone::Now now = sinceHere();
+    const phone::Now now = phone::sinceHere();
     std::ofstream logFile;
     phone::EventLog log(options.log.empty() ? nullptr : &logFile, now);
     // Listening comes before the log: a second bridge must not overwrite that of the first.
     Bridge bridge({l2cap, log, now}, options, stop.descriptor());
-    if (!options.log.empty())
-        logFile.open(options.log, std::ios::trunc);
-    if (!logFile)
-        failToWrite(options.log);
+    phone::openLog(logFile, options.log);
     const std::string phoneAddress = toText(options.address);
     log.write(phone::JsonObject().add("event", "start").add("address", phoneAddress));
     std::optional<ServiceProfile> profile;
@@ -75,7 +60,7 @@ void run(const Options& options, L2capApi& l2cap, std::ostream& out,
     while (outcome == Bridge::Outcome::GoesOn)
         outcome = bridge.step();
     if (!logFile)
-        failToWrite(options.log);
+        phone::failToWrite(options.log);
     if (outcome == Bridge::Outcome::RadioLost)
         throw RadioError(ENODEV);
 }

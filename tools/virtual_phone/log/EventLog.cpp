@@ -6,6 +6,13 @@
 
 namespace orbelantine::phone {
 
+Now sinceHere() {
+    using std::chrono::steady_clock;
+    return [start = steady_clock::now()] {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
+    };
+}
+
 EventLog::EventLog(std::ostream* out, Now now)
     : mOut(out)
     , mNow(std::move(now)) {}

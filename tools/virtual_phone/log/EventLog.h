@@ -11,6 +11,9 @@ namespace orbelantine::phone {
 /// The time since the phone was switched on.
 using Now = std::function<std::chrono::milliseconds()>;
 
+/// The time since this call.
+[[nodiscard]] Now sinceHere();
+
 /// Writes one JSON object per line, each with its time first, and flushes after each.
 class EventLog {
   public:

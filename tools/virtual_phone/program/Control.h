@@ -1,12 +1,12 @@
 #pragma once
 
+#include "tools/program/ControlLines.h"
+
 #include <chrono>
 #include <cstddef>
 #include <functional>
 #include <span>
-#include <string>
 #include <string_view>
-#include <utility>
 
 namespace orbelantine::phone {
 
@@ -22,25 +22,23 @@ class Phone;
 /// A line that isn't one of these is an error in the phone's log and has no effect.
 class Control {
   public:
-    static constexpr std::size_t kMaxLine = 256;
+    static constexpr std::size_t kMaxLine = ControlLines<Control>::kMaxLine;
 
     /// Makes the phone disappear, and come back after so long.
     using Vanish = std::function<void(std::chrono::milliseconds)>;
 
     /// `phone` outlives the control.
-    Control(Phone& phone, Vanish vanish)
-        : mPhone(phone)
-        , mVanish(std::move(vanish)) {}
+    Control(Phone& phone, Vanish vanish);
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
 
     /// Any bytes, in any pieces; a line counts once its end has come.
-    void receive(std::string_view bytes);
+    void receive(std::string_view bytes) { mLines.receive(bytes); }
 
   private:
     using Words = std::span<const std::string_view>;
-    struct Command;
-    static const Command kCommands[];
+    static const ControlCommand<Control> kCommands[];
 
-    void take(std::string_view line);
     [[nodiscard]] bool changeScreen(Words words);
     [[nodiscard]] bool changeAcceleration(Words words);
     [[nodiscard]] bool setTarget(Words words);
@@ -48,7 +46,7 @@ class Control {
 
     Phone& mPhone;
     Vanish mVanish;
-    std::string mLine;
+    ControlLines<Control> mLines;
 };
 
 } // namespace orbelantine::phone

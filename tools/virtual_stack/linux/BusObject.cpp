@@ -69,11 +69,6 @@ void BusObject::drop(const std::string& name) {
     });
 }
 
-const Value* BusObject::value(const std::string& name) const {
-    const auto place = mValues.find(name);
-    return place == mValues.end() ? nullptr : &place->second;
-}
-
 void BusObject::publish() {
     Variants variants;
     for (const auto& [name, value] : mValues) {

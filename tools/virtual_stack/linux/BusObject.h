@@ -47,11 +47,7 @@ class BusObject {
 
     /// Tells of a value that is another than before.
     void set(const std::string& name, const Value& value);
-    /// Tells so even if it is the same.
-    void tell(const std::string& name);
     void drop(const std::string& name);
-
-    [[nodiscard]] const Value* value(const std::string& name) const;
 
     /// Registers what there is; from here on the ObjectManager has it.
     void publish();
@@ -59,6 +55,7 @@ class BusObject {
   private:
     void registerProperty(const std::string& name);
     void registerPassing(const std::string& name);
+    void tell(const std::string& name);
     void registerAt(sdbus::IObject& object, const std::string& name);
 
     sdbus::IConnection& mConnection;

@@ -142,7 +142,10 @@ class FakeBlueZ::Stack {
         {}};
     std::optional<Presence> mPresence;
     std::map<std::string, std::unique_ptr<Radio>> mRadios;
-    BusThread mThread{[this] { leave(); }};
+    BusThread mThread{[this] {
+        mRecorder.add({"bus_lost", "", "", ""});
+        leave();
+    }};
 };
 
 FakeBlueZ::FakeBlueZ(const Options& options)

@@ -17,8 +17,8 @@ namespace orbelantine::stack {
 
 /// One thing that happened: a method that a client called, by its name, or what became of it.
 struct Event {
-    /// "StartDiscovery", "RegisterAgent", "Pair"...; or "asked", "answered", "canceled", "paired",
-    /// "left", "power".
+    /// "StartDiscovery", "RegisterAgent", "Pair"...; or "asked", "answered", "canceled", "refused",
+    /// "paired", "power", "bus_lost".
     std::string what;
     /// Of the device or adapter; empty where there is none.
     std::string subject;

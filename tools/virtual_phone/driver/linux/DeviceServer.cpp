@@ -1,7 +1,7 @@
 #include "tools/virtual_phone/driver/linux/DeviceServer.h"
 
 #include "tools/device_socket/linux/PacketReader.h"
-#include "tools/virtual_phone/program/linux/ControlPipe.h"
+#include "tools/program/linux/ControlPipe.h"
 
 #include <sys/socket.h>
 

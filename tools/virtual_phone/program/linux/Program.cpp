@@ -1,78 +1,22 @@
 #include "tools/virtual_phone/program/linux/Program.h"
 
+#include "tools/program/linux/ControlPipe.h"
+#include "tools/program/linux/Files.h"
 #include "tools/program/linux/StopSignal.h"
 #include "tools/virtual_phone/driver/linux/DeviceServer.h"
 #include "tools/virtual_phone/picture/Picture.h"
 #include "tools/virtual_phone/program/Control.h"
-#include "tools/virtual_phone/program/linux/ControlPipe.h"
-
-#include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <chrono>
-#include <cstdio>
-#include <cstring>
 #include <exception>
 #include <fstream>
 #include <optional>
 #include <ostream>
-#include <stdexcept>
-#include <utility>
 
 namespace orbelantine::phone {
 
 namespace {
-
-[[noreturn]] void failToWrite(const std::string& path) {
-    throw std::runtime_error("cannot write " + path + ": " + std::strerror(errno));
-}
-
-void writeFile(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::trunc);
-    if (!(file << text << std::flush))
-        failToWrite(path);
-}
-
-/// Stands while the phone listens. It appears with its content, never before it.
-class ReadyFile {
-  public:
-    ReadyFile(std::string path, const std::string& content)
-        : mPath(std::move(path)) {
-        if (mPath.empty())
-            return;
-        const std::string unfinished = mPath + ".new";
-        writeFile(unfinished, content);
-        if (std::rename(unfinished.c_str(), mPath.c_str()) != 0)
-            failToWrite(mPath);
-    }
-
-    ReadyFile(const ReadyFile&) = delete;
-    ReadyFile& operator=(const ReadyFile&) = delete;
-
-    ~ReadyFile() {
-        if (!mPath.empty())
-            ::unlink(mPath.c_str());
-    }
-
-  private:
-    std::string mPath;
-};
-
-void openLog(std::ofstream& file, const std::string& path) {
-    if (path.empty())
-        return;
-    file.open(path, std::ios::trunc);
-    if (!file)
-        failToWrite(path);
-}
-
-Now sinceHere() {
-    using std::chrono::steady_clock;
-    return [start = steady_clock::now()] {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
-    };
-}
 
 JsonObject startEvent(const Options& options) {
     return JsonObject()

@@ -2,18 +2,24 @@
 
 #include "tools/program/linux/FileDescriptor.h"
 
+#include <functional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace orbelantine::phone {
-
-class Control;
 
 /// The FIFO with the control's lines, for as long as it lives. Writers may come and go.
 class ControlPipe {
   public:
     /// Makes the FIFO, for its owner alone, and replaces one that no one reads. Throws
-    /// std::runtime_error with a line for the user. `control` outlives the pipe.
-    ControlPipe(std::string path, Control& control);
+    /// std::runtime_error with a line for the user. `control` receives what is written, in any
+    /// pieces, and outlives the pipe.
+    template <class Control>
+    ControlPipe(std::string path, Control& control)
+        : ControlPipe(std::move(path),
+                      Receive([&control](auto bytes) { control.receive(bytes); })) {}
+
     ControlPipe(const ControlPipe&) = delete;
     ControlPipe& operator=(const ControlPipe&) = delete;
     ~ControlPipe();
@@ -25,8 +31,12 @@ class ControlPipe {
     void read();
 
   private:
+    using Receive = std::function<void(std::string_view bytes)>;
+
+    ControlPipe(std::string path, Receive receive);
+
     std::string mPath;
-    Control& mControl;
+    Receive mReceive;
     FileDescriptor mReader;
 };
 

@@ -1,6 +1,4 @@
-#include "tools/virtual_phone/program/linux/ControlPipe.h"
-
-#include "tools/virtual_phone/program/Control.h"
+#include "tools/program/linux/ControlPipe.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,7 +8,6 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
-#include <string_view>
 #include <utility>
 
 namespace orbelantine::phone {
@@ -23,7 +20,7 @@ constexpr mode_t kPipeMode = 0600;
     throw std::runtime_error("cannot make the FIFO " + path + ": " + std::strerror(errno));
 }
 
-/// A FIFO that a phone left behind without its end.
+/// A FIFO that a program left behind at its sudden end.
 bool isStale(const std::string& path) {
     struct stat status {};
 
@@ -46,9 +43,9 @@ void makeFifo(const std::string& path) {
 
 } // namespace
 
-ControlPipe::ControlPipe(std::string path, Control& control)
+ControlPipe::ControlPipe(std::string path, Receive receive)
     : mPath(std::move(path))
-    , mControl(control) {
+    , mReceive(std::move(receive)) {
     makeFifo(mPath);
     // Held open for writing too: with the last of its writers gone, the FIFO would poll as hung up.
     mReader = FileDescriptor(::open(mPath.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
@@ -64,7 +61,7 @@ void ControlPipe::read() {
     std::array<char, 4096> buffer{};
     const ssize_t size = ::read(mReader.get(), buffer.data(), buffer.size());
     if (size > 0)
-        mControl.receive(std::string_view(buffer.data(), static_cast<std::size_t>(size)));
+        mReceive(std::string_view(buffer.data(), static_cast<std::size_t>(size)));
 }
 
 } // namespace orbelantine::phone
