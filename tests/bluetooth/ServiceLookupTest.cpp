@@ -89,7 +89,7 @@ TEST(ServiceLookup, EachEndWithoutARecordGivesItsCodeAndTellsWhy) {
         EXPECT_EQ(found.ec, expected) << expected.message();
         EXPECT_EQ(log.told(), line ? Texts{std::string("error ") + line} : Texts());
         EXPECT_EQ(found.record, Bytes());
-        EXPECT_EQ(found.service.address, 0u);
+        EXPECT_EQ(std::uint64_t{found.service.address}, 0u);
         EXPECT_EQ(api.open, 0);
     }
 }
