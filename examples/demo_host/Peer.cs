@@ -30,9 +30,9 @@ namespace Orbelantine.DemoHost
         public string Kind { get; }
 
         /// <summary>Only the host knows which peers are paired: it marks them itself.</summary>
-        public void MarkPaired()
+        public void Mark(bool isPaired)
         {
-            Native.update(Native.name(), Native.deviceClass(), true);
+            Native.update(Native.name(), Native.deviceClass(), isPaired);
         }
     }
 }

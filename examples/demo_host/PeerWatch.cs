@@ -110,8 +110,9 @@ namespace Orbelantine.DemoHost
             var peer = new Peer(native);
             string failure = error == 0 ? null : Link.Explain(code);
             Add(peer.Name + (failure != null ? ": " + failure : isPairing ? " paired" : " unpaired"));
-            if (failure == null && isPairing)
-                peer.MarkPaired();
+            // One that is marked and no longer known would leave the list.
+            if (failure == null)
+                peer.Mark(isPairing);
             Change(() =>
             {
                 if (failure == null && isPairing)

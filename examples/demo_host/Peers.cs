@@ -10,7 +10,7 @@ namespace Orbelantine.DemoHost
     public sealed class Peers : IDisposable
     {
         // An inquiry takes 3.84 s, and tells nothing where it finds nothing new.
-        private const int InquiryMs = 5500;
+        private const int InquiryMs = 4500;
         private const int RadioMs = 10000;
         private const int RequestMs = 10000;
         // A pairing may wait 20 s for each side.
@@ -28,13 +28,13 @@ namespace Orbelantine.DemoHost
             watch = new PeerWatch(timeline, stop);
         }
 
-        /// <summary>Until the inquiry's end, or something new shows.</summary>
+        /// <summary>Until a new peer shows, or the inquiry has had its time.</summary>
         public void Discover()
         {
             RequireRadio();
-            int before = watch.Updates;
+            var known = new HashSet<string>(watch.Peers.Select(peer => peer.Address));
             manager.startDiscovery();
-            watch.WaitFor(() => watch.Updates > before, InquiryMs);
+            watch.WaitFor(() => watch.Peers.Any(peer => !known.Contains(peer.Address)), InquiryMs);
             manager.stopDiscovery();
             Console.WriteLine(Describe());
         }
@@ -71,7 +71,7 @@ namespace Orbelantine.DemoHost
             for (int tries = 0; error == NotPaired && tries < UnpairTries; ++tries)
             {
                 watch.Expect();
-                peer.MarkPaired();
+                peer.Mark(true);
                 manager.unpair(peer.Native);
                 error = Await("unpairing", peer);
             }
