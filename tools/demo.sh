@@ -13,6 +13,7 @@ session=${2:-$root/examples/sessions/hello.txt}
 output=$root/build/demo
 work=$(mktemp -d /tmp/orb-demo.XXXXXX) # short: a socket's path has little room
 phone=
+stack=
 host=
 
 fail() { printf 'demo: %s\n' "$*" >&2; exit 1; }
@@ -27,23 +28,40 @@ end() {
 clean_up() {
     end INT "$host"
     end TERM "$phone"
+    end TERM "$stack"
     rm -rf "$work"
 }
 trap clean_up EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
+# ready FILE PROCESS NAME: waits for the file that says so.
+ready() {
+    for _ in $(seq 200); do
+        [ ! -e "$1" ] || return 0
+        kill -0 "$2" 2>/dev/null || fail "the virtual $3 did not start; its reason is above"
+        sleep 0.05
+    done
+    fail "the virtual $3 was not ready within 10 seconds"
+}
+
 start_phone() {
     "$build/bin/virtual_phone" --devices "$work/devices" --ready-file "$work/ready" \
         --acceleration android --control "$work/control" \
         --log "$output/phone.jsonl" --picture "$output/phone.svg" >/dev/null &
     phone=$!
-    for _ in $(seq 200); do
-        [ ! -e "$work/ready" ] || return 0
-        kill -0 "$phone" 2>/dev/null || fail "the virtual phone did not start; its reason is above"
-        sleep 0.05
-    done
-    fail "the virtual phone was not ready within 10 seconds"
+}
+
+# The computer's radio and what is around it.
+start_stack() {
+    "$build/bin/virtual_stack" --ready-file "$work/bus" --control "$work/stack" --log "$output/stack.jsonl" \
+        --device "00:11:22:33:44:55=Virtual phone=phone" --device "00:11:22:33:44:66=Kitchen speaker=headset" \
+        --device "00:11:22:33:44:77=Desk keyboard=keyboard" --device "00:11:22:33:44:88=Old tablet=tablet" >/dev/null &
+    stack=$!
+}
+
+has_peers() {
+    [ "$session" != - ] && grep -qE '^[[:space:]]*(discover|pair|approve|unpair|radio)\>' "$session"
 }
 
 # In the background, so that a signal to this script is not left waiting; with its own input, and
@@ -54,8 +72,13 @@ start_host() {
     (
         trap - INT
         export LD_LIBRARY_PATH=$build/bin ORBELANTINE_DEVICE_DIR=$work/devices
-        exec "${run[@]}" "$session" --phone-log "$output/phone.jsonl" \
-            --phone-control "$work/control" --log-folder "$output"
+        options=(--phone-log "$output/phone.jsonl" --phone-control "$work/control" --log-folder "$output")
+        if [ -n "$stack" ]; then
+            export DBUS_SYSTEM_BUS_ADDRESS
+            DBUS_SYSTEM_BUS_ADDRESS=$(<"$work/bus")
+            options+=(--stack-control "$work/stack")
+        fi
+        exec "${run[@]}" "$session" "${options[@]}"
     ) <&0 &
     host=$!
 }
@@ -63,14 +86,25 @@ start_host() {
 mkdir -p "$work/devices" "$output"
 rm -f "$output/phone.jsonl" "$output/phone.svg"
 start_phone
+if command -v dbus-daemon >/dev/null; then
+    start_stack
+    ready "$work/bus" "$stack" stack
+elif has_peers; then
+    printf 'demo: a session with peers needs dbus-daemon: install the package dbus\n' >&2
+    exit 77
+fi
+ready "$work/ready" "$phone" phone
 start_host
 status=0
 wait "$host" || status=$?
 host=
 end TERM "$phone"
 phone=
-# A session that could not be read (2) and a phone that nobody reached (3) have nothing to show.
-[[ $status = [23] ]] || echo "picture: $output/phone.svg"
+end TERM "$stack"
+stack=
+# A session that could not be read (2), a phone that nobody reached (3) and peers that failed (4) have
+# nothing to show.
+[[ $status = [234] ]] || echo "picture: $output/phone.svg"
 # The demo itself also shows how well the mouse hits in every position, on a phone of its own.
 if [ $# -eq 1 ] && [ "$status" = 0 ]; then
     echo

@@ -1,5 +1,6 @@
 using System;
 using System.Collections.Generic;
+using System.Linq;
 
 namespace Orbelantine.DemoHost
 {
@@ -9,6 +10,7 @@ namespace Orbelantine.DemoHost
         private const int Agrees = 0;
         private const int Differs = 1;
         private const int NoPhone = 3;
+        private const int PeersFailed = 4;
         private const int Interrupted = 130;
 
         private static readonly TimeSpan Patience = TimeSpan.FromSeconds(10);
@@ -26,20 +28,23 @@ namespace Orbelantine.DemoHost
         /// <summary>The process's exit status.</summary>
         public int Run(IEnumerable<Step> steps)
         {
+            var known = steps as ICollection<Step>;
             using (PhoneLog phoneLog = options.PhoneLog == null ? null : new PhoneLog(options.PhoneLog))
-            using (var control = new PhoneControl(options.PhoneControl))
+            using (var control = new ControlPipe(options.PhoneControl))
+            using (var stackControl = new ControlPipe(options.StackControl))
+            using (var peers = new Peers(stackControl, timeline, stop))
             using (var link = new Link(options.Address, timeline))
             {
-                string failure = link.Connect();
-                if (failure != null)
-                    return MissPhone(failure);
-                Console.WriteLine("connected to " + options.Address + (steps is ICollection<Step> known ? ", playing " + known.Count + " steps" : ""));
-                var player = new Player(link, control, timeline, stop);
-                player.ChangePhone(1080, 2340, 1, 1);
-                player.Play(steps);
-                player.Settle();
-                link.Disconnect();
-                return Conclude(player, phoneLog);
+                var player = new Player(link, peers, control, timeline, stop)
+                {
+                    Greeting = "connected to " + options.Address + (known != null ? ", playing " + known.Count + " steps" : ""),
+                    EndsAtFailure = known != null,
+                };
+                // A session with peers may make its phone known first.
+                if (known != null && known.Any(step => step.Kind == StepKind.Peers) || player.Connect())
+                    player.Play(steps);
+                player.Disconnect();
+                return player.LinkFailure != null ? MissPhone(player.LinkFailure) : Conclude(player, phoneLog);
             }
         }
 
@@ -61,6 +66,8 @@ namespace Orbelantine.DemoHost
             }
             Console.WriteLine();
             Console.WriteLine(timeline);
+            if (player.HasFailed && player.EndsAtFailure)
+                return PeersFailed;
             if (phoneLog != null)
                 return Compare(player, phoneLog);
             Console.WriteLine("sent " + player.Sent.KeyPresses + " keys and " + player.Sent.Clicks +

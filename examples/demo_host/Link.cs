@@ -102,7 +102,8 @@ namespace Orbelantine.DemoHost
             return completed.Task.Result;
         }
 
-        private static string Explain(error_code code)
+        /// <summary>Of a code that is no success.</summary>
+        public static string Explain(error_code code)
         {
             return "error " + code.value() + ", " + code.message();
         }

@@ -13,13 +13,14 @@ namespace Orbelantine.DemoHost
             "  --address ADDRESS    the phone's Bluetooth address; default 00:11:22:33:44:55\n" +
             "  --phone-log FILE     the virtual phone's log, to compare with what was sent\n" +
             "  --phone-control FILE the pipe by which the virtual phone is turned, resized and made to vanish\n" +
+            "  --stack-control FILE the pipe by which the virtual stack's radio is switched and its phones ask\n" +
             "  --log-folder DIR     where the library writes its log\n" +
             "  --log-level LEVEL    trace, debug, info, warning, error, critical or off; default info\n" +
             "\n" +
             "A session has one step on a line:\n" +
             SessionReader.Help + "\n" +
             "Exit status: 0 when the phone received what was sent, 1 when it did not, 2 for a wrong command\n" +
-            "line or session, 3 when there is no phone, 130 after Ctrl-C.";
+            "line or session, 3 when there is no phone, 4 when a step with peers failed, 130 after Ctrl-C.";
 
         private static readonly string[] Levels = { "trace", "debug", "info", "warning", "error", "critical", "off" };
 
@@ -27,6 +28,7 @@ namespace Orbelantine.DemoHost
         public string Address { get; private set; } = "00:11:22:33:44:55";
         public string PhoneLog { get; private set; }
         public string PhoneControl { get; private set; }
+        public string StackControl { get; private set; }
         public string LogFolder { get; private set; }
         public uint LogLevel { get; private set; } = 2;
         public bool WantsHelp { get; private set; }
@@ -51,6 +53,7 @@ namespace Orbelantine.DemoHost
                 case "--address": Address = Value(argument, rest); break;
                 case "--phone-log": PhoneLog = Value(argument, rest); break;
                 case "--phone-control": PhoneControl = Value(argument, rest); break;
+                case "--stack-control": StackControl = Value(argument, rest); break;
                 case "--log-folder": LogFolder = Value(argument, rest); break;
                 case "--log-level": LogLevel = Level(Value(argument, rest)); break;
                 default: TakeSession(argument); break;

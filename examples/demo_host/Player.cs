@@ -11,33 +11,67 @@ namespace Orbelantine.DemoHost
         private const int ParkingMs = 150;
 
         private readonly Link link;
-        private readonly PhoneControl phone;
+        private readonly Peers peers;
+        private readonly ControlPipe phone;
         private readonly Timeline timeline;
         private readonly StopSignal stop;
         private int phoneWidth;
         private int phoneHeight;
+        private bool isConnected;
 
         /// <summary>Once `stop` is set, what remains to be played is skipped; a key or button that is down
         /// comes up first.</summary>
-        public Player(Link link, PhoneControl phone, Timeline timeline, StopSignal stop)
+        public Player(Link link, Peers peers, ControlPipe phone, Timeline timeline, StopSignal stop)
         {
             this.link = link;
+            this.peers = peers;
             this.phone = phone;
             this.timeline = timeline;
             this.stop = stop;
         }
 
+        /// <summary>Said once the link is there.</summary>
+        public string Greeting { get; set; }
+        /// <summary>Whether a step with peers that fails ends the session.</summary>
+        public bool EndsAtFailure { get; set; }
+        /// <summary>Why there is no link; null while there was no need for one, or it is there.</summary>
+        public string LinkFailure { get; private set; }
+        public bool HasFailed { get; private set; }
+
         public Tally Sent { get; } = new Tally();
         /// <summary>Of the clicks, in phone pixels.</summary>
         public List<(int X, int Y)> Targets { get; } = new List<(int X, int Y)>();
 
+        /// <summary>The link is connected for the first step that needs it.</summary>
         public void Play(IEnumerable<Step> steps)
         {
             foreach (Step step in steps)
-                if (!stop.IsSet)
-                    step.Play(this);
+                if (!stop.IsSet && !Play(step))
+                    break;
             // What is held is let go of, however the session ended.
             link.Surface.LoseFocus();
+        }
+
+        /// <summary>Brings the link up, unless it is; false without a phone.</summary>
+        public bool Connect()
+        {
+            if (isConnected)
+                return true;
+            LinkFailure = link.Connect();
+            if (LinkFailure != null)
+                return false;
+            isConnected = true;
+            Console.WriteLine(Greeting);
+            ChangePhone(1080, 2340, 1, 1);
+            return true;
+        }
+
+        public void Disconnect()
+        {
+            if (!isConnected)
+                return;
+            Settle();
+            link.Disconnect();
         }
 
         public void Press(Key key)
@@ -142,6 +176,56 @@ namespace Orbelantine.DemoHost
             string failure = link.Refresh();
             if (failure != null)
                 timeline.Add(Timeline.Link, failure);
+        }
+
+        public void Discover()
+        {
+            Note("discover");
+            peers.Discover();
+        }
+
+        public void Pair(string name)
+        {
+            Note("pair " + name);
+            peers.Pair(name);
+        }
+
+        public void Approve(string name)
+        {
+            Note("approve " + name);
+            peers.Approve(name);
+        }
+
+        public void Unpair(string name)
+        {
+            Note("unpair " + name);
+            peers.Unpair(name);
+        }
+
+        public void SwitchRadio(bool on)
+        {
+            Note("radio " + (on ? "on" : "off"));
+            peers.SwitchRadio(on);
+        }
+
+        // False if the session is over with it.
+        private bool Play(Step step)
+        {
+            if (step.Kind == StepKind.Input && !Connect())
+                return false;
+            try
+            {
+                step.Play(this);
+                return true;
+            }
+            catch (PeerException failure)
+            {
+                if (stop.IsSet)
+                    return false;
+                HasFailed = true;
+                Console.Error.WriteLine("DemoHost: " + failure.Message);
+                return !EndsAtFailure;
+            }
         }
 
         private void Aim(int x, int y)

@@ -25,6 +25,11 @@ namespace Orbelantine.DemoHost
             "  sleep, wake          put the link to sleep, and wake it\n" +
             "  vanish MS            the phone disappears and comes back\n" +
             "  refresh              have the phone read the computer's service record again\n" +
+            "  discover             look for peers, and list them\n" +
+            "  pair NAME            ask a peer to be paired\n" +
+            "  approve NAME         a peer asks to be paired, and the computer agrees\n" +
+            "  unpair NAME          let a paired peer go\n" +
+            "  radio on|off         switch Bluetooth\n" +
             "Blank lines and lines that begin with # are skipped.\n";
 
         private const int MaxSide = 20000;
@@ -33,7 +38,8 @@ namespace Orbelantine.DemoHost
         private const double MaxScale = 10;
 
         private const string Names =
-            "type, text, key, surface, phone, click, touch, drag, wheel, wait, idle, sleep, wake, vanish and refresh";
+            "type, text, key, surface, phone, click, touch, drag, wheel, wait, idle, sleep, wake, vanish, refresh, " +
+            "discover, pair, approve, unpair and radio";
 
         private readonly string name;
         private int lineNumber;
@@ -75,12 +81,17 @@ namespace Orbelantine.DemoHost
                 case "touch": Take(values, 2, 0, MaxSide, "touch wants X and Y", (to, n) => to.Touch(n[0], n[1])); break;
                 case "drag": Take(values, 4, 0, MaxSide, "drag wants X1, Y1, X2 and Y2", (to, n) => to.Drag(n[0], n[1], n[2], n[3])); break;
                 case "wheel": Wheel(values); break;
-                case "wait": Take(values, 1, 0, MaxPauseMs, "wait wants milliseconds", (to, n) => to.Wait(n[0])); break;
+                case "wait": Take(values, 1, 0, MaxPauseMs, "wait wants milliseconds", (to, n) => to.Wait(n[0]), StepKind.Pause); break;
                 case "idle": Take(values, 1, 0, MaxPauseMs, "idle wants milliseconds", (to, n) => to.SetIdleTimeout(n[0])); break;
                 case "sleep": Take(values, 0, 0, 0, "sleep", (to, n) => to.Sleep()); break;
                 case "wake": Take(values, 0, 0, 0, "wake", (to, n) => to.Wake()); break;
                 case "vanish": Take(values, 1, 1, MaxPauseMs, "vanish wants milliseconds", (to, n) => to.Vanish(n[0])); break;
                 case "refresh": Take(values, 0, 0, 0, "refresh", (to, n) => to.Refresh()); break;
+                case "discover": Take(values, 0, 0, 0, "discover", (to, n) => to.Discover(), StepKind.Peers); break;
+                case "pair": Name(values, "pair", (to, peer) => to.Pair(peer)); break;
+                case "approve": Name(values, "approve", (to, peer) => to.Approve(peer)); break;
+                case "unpair": Name(values, "unpair", (to, peer) => to.Unpair(peer)); break;
+                case "radio": Radio(values); break;
                 default: Complain("no step '" + words[0] + "'; there are " + Names); break;
             }
         }
@@ -127,17 +138,36 @@ namespace Orbelantine.DemoHost
                 Complain("wheel wants N, X and Y: steps from -100 to 100 that are not 0, then a point");
         }
 
-        private void Take(string[] values, int count, int low, int high, string wanted, Action<Player, int[]> step)
+        // A name may have blanks in it.
+        private void Name(string[] values, string step, Action<Player, string> play)
+        {
+            string peer = string.Join(" ", values);
+            if (peer != "")
+                Add(step + " " + peer, player => play(player, peer), StepKind.Peers);
+            else
+                Complain(step + " wants the name of a peer");
+        }
+
+        private void Radio(string[] values)
+        {
+            if (values.Length == 1 && (values[0] == "on" || values[0] == "off"))
+                Add("radio " + values[0], player => player.SwitchRadio(values[0] == "on"), StepKind.Peers);
+            else
+                Complain("radio wants on or off");
+        }
+
+        private void Take(string[] values, int count, int low, int high, string wanted, Action<Player, int[]> step,
+                          StepKind kind = StepKind.Input)
         {
             if (TryNumbers(values, count, low, high, out int[] numbers))
-                Add((wanted.Split(' ')[0] + " " + string.Join(", ", numbers)).TrimEnd(), player => step(player, numbers));
+                Add((wanted.Split(' ')[0] + " " + string.Join(", ", numbers)).TrimEnd(), player => step(player, numbers), kind);
             else
                 Complain(count == 0 ? wanted + " wants nothing behind it" : wanted + ", whole numbers from " + low + " to " + high);
         }
 
-        private void Add(string meaning, Action<Player> play)
+        private void Add(string meaning, Action<Player> play, StepKind kind = StepKind.Input)
         {
-            Steps.Add(new Step(meaning, play));
+            Steps.Add(new Step(meaning, kind, play));
         }
 
         private void Complain(string what)

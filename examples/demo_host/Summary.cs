@@ -1,6 +1,4 @@
-using System;
 using System.Collections.Generic;
-using System.Linq;
 
 namespace Orbelantine.DemoHost
 {
@@ -26,8 +24,7 @@ namespace Orbelantine.DemoHost
 
         public override string ToString()
         {
-            int[] widths = Enumerable.Range(0, 4).Select(column => rows.Max(row => row[column].Length)).ToArray();
-            return string.Join(Environment.NewLine, rows.Select(row => Line(row, widths)));
+            return Table.Text(rows, " | ");
         }
 
         private void Add(string what, int sent, int received)
@@ -40,11 +37,6 @@ namespace Orbelantine.DemoHost
             rows.Add(new[] { what, sent, received, same ? "yes" : "NO" });
             if (!same)
                 Differences.Add(what);
-        }
-
-        private static string Line(string[] row, int[] widths)
-        {
-            return string.Join(" | ", row.Select((cell, column) => cell.PadRight(widths[column]))).TrimEnd();
         }
 
         private static string Quote(string text)

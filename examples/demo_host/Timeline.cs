@@ -6,11 +6,13 @@ using System.Linq;
 
 namespace Orbelantine.DemoHost
 {
-    /// <summary>What happened when: the session's steps beside the link's events. Any thread may add.</summary>
+    /// <summary>What happened when: the session's steps beside the events of the link and of the peers. Any thread may add.</summary>
     public sealed class Timeline
     {
         public const int Input = 0;
         public const int Link = 1;
+        public const int Peers = 2;
+        private static readonly string[] Lanes = { "input", "link", "peers" };
 
         private struct Entry
         {
@@ -28,27 +30,26 @@ namespace Orbelantine.DemoHost
                 entries.Add(new Entry { Seconds = clock.Elapsed.TotalSeconds, Lane = lane, What = what });
         }
 
-        /// <summary>Two lanes, with runs of the same step drawn as one.</summary>
+        /// <summary>A lane for each, with runs of the same step drawn as one.</summary>
         public override string ToString()
         {
-            List<string[]> rows;
             lock (entries)
-                rows = Rows().ToList();
-            int width = rows.Max(row => row[1].Length);
-            return string.Join(Environment.NewLine, rows.Select(row =>
-                (row[0].PadLeft(8) + " | " + row[1].PadRight(width) + " | " + row[2]).TrimEnd()));
+                return Table.Text(Rows().ToList(), " | ");
         }
 
+        // The peers have no lane where nothing is told of them.
         private IEnumerable<string[]> Rows()
         {
-            yield return new[] { "seconds", "input", "link" };
+            string[] lanes = Lanes.Take(entries.Any(entry => entry.Lane == Peers) ? 3 : 2).ToArray();
+            yield return new[] { " seconds" }.Concat(lanes).ToArray();
             for (int i = 0, end; i < entries.Count; i = end)
             {
                 for (end = i + 1; end < entries.Count && entries[end].What == entries[i].What; ++end) { }
                 string times = end - i > 1 ? " x " + (end - i) : "";
-                string what = entries[i].What + times;
-                string at = entries[i].Seconds.ToString("F2", CultureInfo.InvariantCulture);
-                yield return entries[i].Lane == Input ? new[] { at, what, "" } : new[] { at, "", what };
+                var row = new[] { entries[i].Seconds.ToString("F2", CultureInfo.InvariantCulture).PadLeft(8) }
+                    .Concat(lanes.Select(lane => "")).ToArray();
+                row[entries[i].Lane + 1] = entries[i].What + times;
+                yield return row;
             }
         }
     }

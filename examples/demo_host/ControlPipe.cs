@@ -4,13 +4,13 @@ using System.Text;
 
 namespace Orbelantine.DemoHost
 {
-    /// <summary>Changes the virtual phone while a session runs, through the pipe that it reads. Without a
-    /// pipe nothing is sent.</summary>
-    public sealed class PhoneControl : IDisposable
+    /// <summary>Tells the virtual phone, or the virtual stack, something while a session runs, through the
+    /// pipe that it reads. Without a pipe nothing is sent.</summary>
+    public sealed class ControlPipe : IDisposable
     {
         private readonly FileStream pipe;
 
-        public PhoneControl(string path)
+        public ControlPipe(string path)
         {
             if (path != null)
                 pipe = new FileStream(path, FileMode.Open, FileAccess.Write, FileShare.ReadWrite, 1);
@@ -25,7 +25,7 @@ namespace Orbelantine.DemoHost
         {
             if (pipe == null)
                 return;
-            byte[] bytes = Encoding.ASCII.GetBytes(line + "\n");
+            byte[] bytes = Encoding.UTF8.GetBytes(line + "\n");
             pipe.Write(bytes, 0, bytes.Length);
             pipe.Flush();
         }
