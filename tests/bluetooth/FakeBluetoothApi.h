@@ -4,12 +4,12 @@
 #include "core/common/errors/ErrorCode.h"
 
 #include <algorithm>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orbelantine::test {
@@ -18,19 +18,9 @@ namespace orbelantine::test {
 /// not given back. Any thread may call; the public fields are for when none does.
 class FakeBluetoothApi final : public BluetoothApi {
   public:
-    static constexpr Handle kTrayWindow = 99;
-
-    /// How a call of a name fails: what it returns, and what it leaves to GetLastError.
-    struct Failure {
-        Error returned;
-        Error left;
-    };
-
-    std::map<std::string, Failure> failures;
-    bool hasRadio = true;
+    /// How calls of a name fail: what they return, and what they leave to GetLastError.
+    std::map<std::string, std::pair<Error, Error>> failures;
     bool hasTrayWindow = true;
-    /// Runs within each call, on its thread.
-    std::function<void(std::string_view call)> onCall = [](std::string_view) {};
 
     void simulateRadio(std::uint64_t address, std::u16string_view name) {
         mRadio.address = address;
@@ -41,17 +31,16 @@ class FakeBluetoothApi final : public BluetoothApi {
         mDevices.push_back(deviceInfo(address, name, type));
     }
 
-    /// A peer asks to be paired, on the calling thread. It is told to whoever registered last, also
-    /// when that one has unregistered meanwhile. False if nobody ever did.
-    bool simulateRequest(std::uint64_t address, std::u16string_view name, std::uint32_t method,
-                         std::uint32_t number) {
+    /// A peer called "Phone" asks to be paired by `method`, on the calling thread. It is told to
+    /// whoever registered last, also when that one has unregistered. False if nobody ever did.
+    bool simulateRequest(std::uint64_t address, std::uint32_t method = 3,
+                         std::uint32_t number = 0) {
         AuthenticationParams params;
-        params.device = deviceInfo(address, name, 0x5A020C);
+        params.device = deviceInfo(address, u"Phone", 0x5A020C);
         params.method = method;
         params.number = number;
         std::unique_lock lock(mMutex);
-        const auto callback = mCallback;
-        void* const context = mContext;
+        const auto [callback, context] = mListener;
         lock.unlock();
         return callback != nullptr && callback(context, &params) == 1;
     }
@@ -70,12 +59,9 @@ class FakeBluetoothApi final : public BluetoothApi {
 
     Error lastError() override { return mLastError; }
 
-    Error bluetoothFindFirstRadio(const FindRadioParams& params, Handle& search,
-                                  Handle& radio) override {
+    Error bluetoothFindFirstRadio(const FindRadioParams&, Handle& search, Handle& radio) override {
         if (const Error error = begin("BluetoothFindFirstRadio"))
             return error;
-        if (params.size != 4 || !hasRadio)
-            return hasRadio ? kInvalidParameter : Error{win32::kErrorNoMoreItems};
         search = hold();
         radio = hold();
         return 0;
@@ -84,12 +70,8 @@ class FakeBluetoothApi final : public BluetoothApi {
     void bluetoothFindRadioClose(Handle search) override { giveBack(search); }
 
     Error bluetoothGetRadioInfo(Handle, RadioInfo& info) override {
-        if (const Error error = begin("BluetoothGetRadioInfo"))
-            return error;
-        if (info.size != 520)
-            return kInvalidParameter;
         info = mRadio;
-        return 0;
+        return begin("BluetoothGetRadioInfo");
     }
 
     void closeHandle(Handle radio) override { giveBack(radio); }
@@ -100,8 +82,6 @@ class FakeBluetoothApi final : public BluetoothApi {
                                       p.returnRemembered, p.returnUnknown, p.returnConnected,
                                       p.issueInquiry, int{p.timeoutMultiplier}, p.radio))
             return error;
-        if (info.size != 560)
-            return kInvalidParameter;
         mNext = 0;
         if (!bluetoothFindNextDevice(0, info))
             return win32::kErrorNoMoreItems;
@@ -119,10 +99,9 @@ class FakeBluetoothApi final : public BluetoothApi {
     void bluetoothFindDeviceClose(Handle search) override { giveBack(search); }
 
     bool bluetoothEnableDiscovery(bool enabled) override {
-        if (begin("BluetoothEnableDiscovery", enabled))
-            return false;
-        mDiscoverable = enabled;
-        return true;
+        const bool done = !begin("BluetoothEnableDiscovery", enabled);
+        mDiscoverable = done && enabled;
+        return done;
     }
 
     bool bluetoothIsDiscoverable() override { return mDiscoverable; }
@@ -144,8 +123,7 @@ class FakeBluetoothApi final : public BluetoothApi {
             return error;
         registration = hold();
         const std::lock_guard lock(mMutex);
-        mCallback = callback;
-        mContext = context;
+        mListener = {callback, context};
         return 0;
     }
 
@@ -159,8 +137,7 @@ class FakeBluetoothApi final : public BluetoothApi {
     }
 
     Handle findWindow(const wchar_t* className) override {
-        const bool isTray = std::wstring_view(className) == kTrayClass;
-        return isTray && hasTrayWindow ? kTrayWindow : kNull;
+        return hasTrayWindow && std::wstring_view(className) == kTrayClass ? 99 : kNull;
     }
 
     Error postMessage(Handle window, std::uint32_t message, std::uintptr_t wParam,
@@ -169,7 +146,6 @@ class FakeBluetoothApi final : public BluetoothApi {
     }
 
   private:
-    static constexpr Error kInvalidParameter = win32::kErrorInvalidParameter;
     static constexpr std::wstring_view kTrayClass = L"BluetoothNotificationAreaIconWindowClass";
 
     static DeviceInfo deviceInfo(std::uint64_t address, std::u16string_view name,
@@ -183,7 +159,6 @@ class FakeBluetoothApi final : public BluetoothApi {
 
     template <class... Arguments>
     [[nodiscard]] Error begin(const char* name, Arguments... arguments) {
-        onCall(name);
         std::ostringstream text;
         text << name;
         ((text << ' ' << arguments), ...);
@@ -193,8 +168,8 @@ class FakeBluetoothApi final : public BluetoothApi {
         const auto failure = failures.find(name);
         if (failure == failures.end())
             return 0;
-        mLastError = failure->second.left;
-        return failure->second.returned;
+        mLastError = failure->second.second;
+        return failure->second.first;
     }
 
     Handle hold() {
@@ -217,8 +192,7 @@ class FakeBluetoothApi final : public BluetoothApi {
     std::vector<std::string> mAsked;
     Handle mLastHandle = 0;
     std::vector<Handle> mHeld;
-    AuthenticationCallback mCallback = nullptr;
-    void* mContext = nullptr;
+    std::pair<AuthenticationCallback, void*> mListener;
 };
 
 } // namespace orbelantine::test

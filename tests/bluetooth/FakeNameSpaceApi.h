@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace orbelantine::test {
@@ -26,14 +27,8 @@ class FakeNameSpaceApi final : public NameSpaceApi {
         std::optional<Bytes> record;
     };
 
-    struct Setting {
-        Operation operation;
-        Bytes head;
-        std::uint32_t version;
-        Handle handle;
-        Bytes record;
-        bool operator==(const Setting&) const = default;
-    };
+    /// What a service is set with: the blob behind its two pointers, and what those point at.
+    using Setting = std::tuple<Operation, std::uint32_t, Handle, Bytes>;
 
     Error beginError = 0;
     bool givesNoHandle = false;
@@ -91,9 +86,8 @@ class FakeNameSpaceApi final : public NameSpaceApi {
             return fail(win32::kErrorInvalidParameter);
         SetService head;
         std::memcpy(&head, query.blob->data, 44);
-        settings.push_back({operation, Bytes(query.blob->data + 16, query.blob->data + 44),
-                            *head.sdpVersion, *head.recordHandle,
-                            Bytes(query.blob->data + 44, query.blob->data + query.blob->size)});
+        settings.emplace_back(operation, *head.sdpVersion, *head.recordHandle,
+                              Bytes(query.blob->data + 16, query.blob->data + query.blob->size));
         if (setError)
             return fail(setError);
         if (operation == Operation::Register)

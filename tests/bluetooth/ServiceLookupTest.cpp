@@ -69,47 +69,27 @@ TEST(ServiceLookup, EachEndWithoutARecordGivesItsCodeAndTellsWhy) {
         bool givesNoHandle;
         Answer answer;
         error_code expected;
-        Texts lines;
+        const char* line;
     } cases[] = {
-        {8,
-         false,
-         {},
-         {8, apiCategory(kBegin)},
-         {"error lookupService() WSALookupServiceBegin error 8"}},
-        {6,
-         true,
-         {},
-         {6, apiCategory(kBegin)},
-         {"error lookupService() WSALookupServiceBegin error 6"}},
-        {0,
-         false,
-         {10060, 0, {}, {}},
-         {10060, apiCategory(kNext)},
-         {"error lookupService() WSALookupServiceNext error 10060"}},
-        {0, false, {10110, 0, {}, {}}, {}, {}},
-        {0,
-         false,
-         {0, 120, {}, Bytes{1}},
-         {},
-         {"error lookupService() Buffer of query set is NULL!!!"}},
-        {0,
-         false,
-         {10014, 0, {}, {}},
-         genericError(12),
-         {"error lookupService() not enough memory (size = 0)"}},
+        {8, false, {}, {8, apiCategory(kBegin)}, "WSALookupServiceBegin error 8"},
+        {6, true, {}, {6, apiCategory(kBegin)}, "WSALookupServiceBegin error 6"},
+        {0, false, {31, 0, {}, {}}, {31, apiCategory(kNext)}, "WSALookupServiceNext error 31"},
+        {0, false, {10110, 0, {}, {}}, {}, nullptr},
+        {0, false, {0, 120, {}, Bytes{1}}, {}, "Buffer of query set is NULL!!!"},
+        {0, false, {10014, 0, {}, {}}, genericError(12), "not enough memory (size = 0)"},
     };
 
-    for (const auto& [beginError, givesNoHandle, answer, expected, lines] : cases) {
+    for (const auto& [beginError, givesNoHandle, answer, expected, line] : cases) {
         FakeNameSpaceApi api;
         api.beginError = beginError;
         api.givesNoHandle = givesNoHandle;
         api.answers = {answer};
-        CapturedLog log(kLogDebug, "orbelantine::ServiceLookup::");
+        CapturedLog log(kLogDebug, "orbelantine::ServiceLookup::lookupService() ");
         const LookupResult found = lookUp(api);
         EXPECT_EQ(found.ec, expected) << expected.message();
-        EXPECT_EQ(log.told(), lines);
+        EXPECT_EQ(log.told(), line ? Texts{std::string("error ") + line} : Texts());
         EXPECT_EQ(found.record, Bytes());
-        EXPECT_EQ(found.service.address, 0u);
+        EXPECT_EQ(std::uint64_t{found.service.address}, 0u);
         EXPECT_EQ(api.open, 0);
     }
 }
@@ -139,6 +119,9 @@ TEST(ServiceLookup, StopWaitsForTheCallInProgressAndTheCallbackDoesNotCome) {
 }
 
 TEST(ServiceLookup, StopOnTheWorkerIsAFaultOfTheThread) {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the thread sanitiser takes a refused join for one that was made";
+#endif
     FakeNameSpaceApi api;
     ServiceLookup lookup(api);
     std::promise<std::error_code> fault;
@@ -156,14 +139,14 @@ TEST(ServiceLookup, StopOnTheWorkerIsAFaultOfTheThread) {
 TEST(ServiceLookup, PublishedRecordIsWithdrawnByItsHandle) {
     FakeNameSpaceApi api;
     const Bytes record(200, 9);
-    Bytes head(28);
-    head[24] = 200;
+    Bytes published(28);
+    published[24] = 200;
+    published.insert(published.end(), record.begin(), record.end());
     EXPECT_EQ(publishBluetoothService(record, api), 0x10001);
     EXPECT_EQ(withdrawBluetoothService(0x10001, api), 0);
-    using Operation = NameSpaceApi::Operation;
     const std::vector<FakeNameSpaceApi::Setting> expected = {
-        {Operation::Register, head, 1, 0, record},
-        {Operation::Delete, Bytes(28), 1, 0x10001, Bytes(1)},
+        {NameSpaceApi::Operation::Register, 1, 0, published},
+        {NameSpaceApi::Operation::Delete, 1, 0x10001, Bytes(29)},
     };
     EXPECT_EQ(api.settings, expected);
 

@@ -1,38 +1,23 @@
-using System;
 using System.Collections.Generic;
-using System.Diagnostics;
 using System.IO;
 using System.Linq;
-using System.Runtime.InteropServices;
-using System.Threading;
 using Orbelantine.Swig.bluetooth;
 using Orbelantine.Swig.common;
 
 namespace Orbelantine.HostTests
 {
-    /// <summary>A phone to connect to: a process of the program that ORBELANTINE_TEST_PHONE names. While it
-    /// lives, the library finds its devices and no others.</summary>
-    public sealed class VirtualPhone : IDisposable
+    /// <summary>A phone to connect to. While it lives, the library finds its devices and no others.</summary>
+    public sealed class VirtualPhone : VirtualProgram
     {
         public const string Address = "00:11:22:33:44:55";
 
-        private const string DevicesVariable = "ORBELANTINE_DEVICE_DIR";
-        private const int PatienceMs = 20000;
-        private const int Terminate = 15;
-
-        private readonly TestFolder folder = new TestFolder();
-        private readonly Process process;
-
         public VirtualPhone(string options = "")
+            : base("ORBELANTINE_TEST_PHONE", folder =>
+            {
+                SetDevices(folder.Path);
+                return "--devices " + folder.Path + " --address " + Address + " --log " + folder.File("log") + " " + options;
+            })
         {
-            string program = Environment.GetEnvironmentVariable("ORBELANTINE_TEST_PHONE");
-            if (string.IsNullOrEmpty(program))
-                throw new SkippedException("ORBELANTINE_TEST_PHONE names no virtual phone");
-            SetDevices(folder.Path);
-            string arguments = "--devices " + folder.Path + " --address " + Address + " --log " + folder.File("log") +
-                               " --ready-file " + folder.File("ready") + " " + options;
-            process = Process.Start(new ProcessStartInfo(program, arguments) { UseShellExecute = false, RedirectStandardOutput = true });
-            Wait("the phone to listen", () => File.Exists(folder.File("ready")));
         }
 
         public static BluetoothPeer NewPeer()
@@ -44,13 +29,12 @@ namespace Orbelantine.HostTests
         /// <summary>Has the library look for devices in a folder.</summary>
         public static void SetDevices(string path)
         {
-            // Environment.SetEnvironmentVariable is not seen by native code on every runtime.
-            setenv(DevicesVariable, path, 1);
+            SetForNativeCode("ORBELANTINE_DEVICE_DIR", path);
         }
 
         public IEnumerable<string> Lines()
         {
-            using (var file = new FileStream(folder.File("log"), FileMode.Open, FileAccess.Read, FileShare.ReadWrite))
+            using (var file = new FileStream(Folder.File("log"), FileMode.Open, FileAccess.Read, FileShare.ReadWrite))
                 return new StreamReader(file).ReadToEnd().Split('\n').ToList();
         }
 
@@ -58,39 +42,5 @@ namespace Orbelantine.HostTests
         public void WaitForLine(params string[] parts) =>
             Wait("a line with " + string.Join(" and ", parts),
                  () => Lines().Any(line => parts.All(part => line.Contains(part))));
-
-        /// <summary>Ends at once, as a phone out of reach.</summary>
-        public void Vanish()
-        {
-            process.Kill();
-            process.WaitForExit();
-        }
-
-        public void Dispose()
-        {
-            if (!process.HasExited)
-                kill(process.Id, Terminate);
-            if (!process.WaitForExit(PatienceMs))
-                process.Kill();
-            process.Dispose();
-            folder.Dispose();
-        }
-
-        private void Wait(string what, Func<bool> condition)
-        {
-            Stopwatch waited = Stopwatch.StartNew();
-            while (!condition())
-            {
-                if (waited.ElapsedMilliseconds > PatienceMs)
-                    throw new AssertionException("waited in vain for " + what);
-                Thread.Sleep(5);
-            }
-        }
-
-        [DllImport("libc")]
-        private static extern int setenv(string name, string value, int overwrite);
-
-        [DllImport("libc")]
-        private static extern int kill(int process, int signal);
     }
 }

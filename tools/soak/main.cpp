@@ -1,6 +1,7 @@
 #include "tools/aim_report/Table.h"
 #include "tools/program/Parse.h"
 #include "tools/program/ProgramMain.h"
+#include "tools/soak/PeerStarts.h"
 #include "tools/soak/ProcessUse.h"
 #include "tools/soak/Session.h"
 
@@ -28,6 +29,7 @@ struct Options {
     std::uint64_t events = 1'000'000;
     std::uint64_t cycles = 1000;
     std::uint64_t vanishings = 100;
+    std::uint64_t starts = 1000;
     /// What the allocator keeps differs a little from moment to moment.
     std::uint64_t growthKb = 1024;
 };
@@ -44,6 +46,9 @@ constexpr phone::CommandOption<Options> kOptions[] = {
      "times that the link sleeps and wakes; default 1000", set<&Options::cycles, 0>},
     {"--vanishings", "N", "a number from 0 to 1000000000",
      "times that the phone vanishes and returns; default 100", set<&Options::vanishings, 0>},
+    {"--starts", "N", "a number from 0 to 1000000000",
+     "starts and stops of the peer manager, each during a discovery;\ndefault 1000",
+     set<&Options::starts, 0>},
     {"--growth", "KB", "a number from 0 to 1000000000",
      "memory that the process may gain after a tenth of the work;\ndefault 1024",
      set<&Options::growthKb, 0>},
@@ -56,8 +61,11 @@ phone::CommandLine<Options> commandLine() {
 std::string helpText() {
     return "Usage: soak [OPTION]...\n"
            "Runs a long session with a virtual phone: the link sleeps and wakes, the phone goes\n"
-           "and returns. Counts what is sent, received and discarded, and what the process holds\n"
-           "after a tenth of the work and at the end.\n"
+           "and returns; then starts and stops the peer manager on a virtual stack. Counts what "
+           "is\n"
+           "sent, received and discarded, and what the process holds after a tenth of the work "
+           "and\n"
+           "at the end.\n"
            "\n" +
            commandLine().help() +
            "\n"
@@ -125,7 +133,7 @@ std::string expectedText(const Session& session) {
 }
 
 /// Whether all went well.
-bool soak(const Options& options) {
+bool soakLink(const Options& options) {
     Session session;
     ProcessUse before;
     ProcessUse after;
@@ -150,9 +158,19 @@ bool soak(const Options& options) {
            seen.text == expectedText(session) && seen.tally.interruptConnects == session.linksUp();
 }
 
+bool soakPeers(const Options& options) {
+    if (options.starts == 0)
+        return true;
+    const PeerStarts use = PeerStarts::run(options.starts);
+    std::cout << '\n'
+              << options.starts << " starts of the peer manager, each stopped in its discovery\n"
+              << useTable(use.before, use.after) << std::flush;
+    return !hasGrown(use.before, use.after, options.growthKb);
+}
+
 int run(const Options& options) {
     return phone::statusOf("soak", [&] {
-        if (!soak(options))
+        if (!soakLink(options) || !soakPeers(options))
             throw std::runtime_error("the process has grown, or the phone saw something else");
     });
 }

@@ -32,10 +32,12 @@ void BlueZObjects::read() {
                 [this, reading](const sdbus::Error* error, sdbus::MethodReply& reply) {
                     if (reading != mReading)
                         return;
-                    if (error != nullptr)
-                        mEvents.onUnread(*error);
-                    else
-                        take(reply);
+                    if (error == nullptr)
+                        return take(reply);
+                    mEvents.onUnread(*error);
+                    // It may be busy with its own start; the next answer may take as long.
+                    if (error->getName() == "org.freedesktop.DBus.Error.NoReply")
+                        read();
                 });
 }
 

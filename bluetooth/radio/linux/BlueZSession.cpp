@@ -133,6 +133,7 @@ BlueZObjects::Events BlueZSession::events() {
 }
 
 void BlueZSession::objectsRead() {
+    mToldUnread = false;
     adaptersChanged();
     if (mLink->agent)
         registerAgent();
@@ -164,7 +165,8 @@ void BlueZSession::agentRegistered(const char* call, const sdbus::Error* error) 
 }
 
 void BlueZSession::objectsUnread(const sdbus::Error& error) {
-    ORB_LOG(kLogInfo, "%s() there is no Bluetooth here: BlueZ can't be used: %s", error.what());
+    if (!std::exchange(mToldUnread, true))
+        ORB_LOG(kLogInfo, "%s() there is no Bluetooth here: BlueZ can't be used: %s", error.what());
     ready();
 }
 

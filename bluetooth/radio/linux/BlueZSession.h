@@ -79,6 +79,8 @@ class BlueZSession : public std::enable_shared_from_this<BlueZSession> {
 
     Setting mSetting;
     bool mOpen = true;
+    // That BlueZ can't be used has been logged.
+    bool mToldUnread = false;
     std::function<void()> mOnReady;
     std::unique_ptr<BlueZLink> mLink;
 };

@@ -231,6 +231,13 @@ void FakeBlueZ::phoneCancels(const std::string& address) {
     });
 }
 
+void FakeBlueZ::forgetSeen() {
+    mStack->recorder().change([](Seen& seen) {
+        seen.events.clear();
+        seen.filters.clear();
+    });
+}
+
 Seen FakeBlueZ::seen() const {
     return mStack->recorder().seen();
 }

@@ -60,6 +60,8 @@ class FakeBlueZ {
     void phoneCancels(const std::string& address);
 
     [[nodiscard]] Seen seen() const;
+    /// Events and filters begin anew.
+    void forgetSeen();
     /// Waits until it is so; false if that takes too long.
     [[nodiscard]] bool waitUntil(const std::function<bool(const Seen&)>& isSo,
                                  std::chrono::milliseconds longest = std::chrono::minutes(1)) const;
