@@ -18,10 +18,11 @@ MEMBER = re.compile(r"^(  )(?:public|protected) (?:static |virtual |override |ab
 CLASS = re.compile(r"^( *)public (?:abstract |static |sealed )*(?:class|struct|enum) (\w+)", re.M)
 OPERATION = re.compile(r"^  public virtual (\S+) (\w+)\(([^\n]*)\) \{\n(.*?)^  \}\n", re.M | re.S)
 
-# The arguments of the callbacks that surfaces raise.
+# The arguments of the callbacks that surfaces and the peer manager raise.
 ARGUMENTS = {
     "IntCallback": ["rotation"],
     "MouseEvent": ["button", "x", "y"],
+    "PeerListUpdateCallback": ["bluetoothOn", "peers"],
     "PointerEvent": ["type", "id", "x", "y", "isPrimary"],
     "ThreeIntCallback": ["delta", "x", "y"],
     "TwoIntCallback": ["x", "y"],

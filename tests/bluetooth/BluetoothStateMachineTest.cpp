@@ -130,6 +130,21 @@ TEST_F(BluetoothStateMachineTest, DiscoveryInquiresUntilItIsStopped) {
     EXPECT_EQ(calls(), Texts()) << "and nothing follows";
 }
 
+TEST_F(BluetoothStateMachineTest, WhatTheBackendStillTellsAtTheEndIsDropped) {
+    start({1});
+    BluetoothStateMachine machine(
+        mManager, [this] { return mRadio.make(); }, mClock);
+    machine.enterStart(true);
+    machine.enterFini();
+    (void)told();
+    mRadio.simulatePeer(5);
+    mRadio.simulateRequest(6);
+    mRadio.simulateEnd("rescan", kNetworkDown);
+    pass(1h);
+    EXPECT_EQ(machine.postAndWait([&](const auto&) { return machine.peers().size(); }), 0u);
+    EXPECT_EQ(told(), Texts());
+}
+
 TEST_F(BluetoothStateMachineTest, PairingThatTheHostBeganIsApprovedByItself) {
     start({1});
     mManager.startDiscovery();
