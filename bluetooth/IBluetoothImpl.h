@@ -11,8 +11,8 @@
 
 namespace orbelantine {
 
-/// The platform's Bluetooth stack. Completions run on the backend's own I/O thread; the signals may
-/// fire on any thread.
+/// The platform's Bluetooth stack. Completions run on the backend's own I/O thread, and none comes
+/// once stop() has returned; the signals may fire on any thread.
 class IBluetoothImpl {
   public:
     /// Address, friendly name, Class of Device.

@@ -5,25 +5,13 @@ the program does on a virtual phone what the README says."""
 import json
 import os
 import pathlib
-import re
 import subprocess
 import sys
 import tempfile
-import time
+
+from sample import require_same, wait_for
 
 ADDRESS = "00:11:22:33:44:55"
-
-
-def shown(readme):
-    return re.search(r"```csharp\n(.*?)```", readme.read_text(), re.S).group(1)
-
-
-def wait_for(path):
-    end = time.monotonic() + 10
-    while not path.exists():
-        if time.monotonic() > end:
-            sys.exit("the virtual phone was not ready within 10 seconds")
-        time.sleep(0.02)
 
 
 def played(folder, phone, command):
@@ -41,8 +29,7 @@ def played(folder, phone, command):
 
 def main():
     readme, source, phone, *command = sys.argv[1:]
-    if shown(pathlib.Path(readme)) != pathlib.Path(source).read_text():
-        sys.exit(f"{readme} shows another program than {source}")
+    require_same(readme, source)
     with tempfile.TemporaryDirectory(dir="/tmp") as folder:
         events = played(pathlib.Path(folder), phone, command)
     typed = "".join(event["typed"] for event in events if event["event"] == "keyboard")

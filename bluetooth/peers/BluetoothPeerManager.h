@@ -58,7 +58,7 @@ class BluetoothPeerManager {
     [[nodiscard]] virtual bool isBluetoothOn();
     /// Waits. The local radio's, as last read; empty before.
     [[nodiscard]] virtual std::wstring getLocalName();
-    /// Waits. The local radio's, as last read; empty before.
+    /// Waits. The local radio's, as last read.
     [[nodiscard]] virtual CMacAddress getLocalAddress();
     /// Waits. -1 when it can't be read.
     [[nodiscard]] virtual std::int32_t getHidDriverVersion();

@@ -38,11 +38,10 @@ std::wstring wideName(const BluetoothApi::Name& name) {
     return {name.begin(), std::ranges::find(name, u'\0')};
 }
 
-/// Runs the operation and completes with what it gives.
+/// Runs the operation and completes with what it gives. Dropped with the worker.
 template <class Operation>
 auto completing(Completion completion, Operation operation) {
-    return [done = OnceCompletion(std::move(completion), genericError(generic::kConnectionAborted)),
-            operation]() mutable { done(operation()); };
+    return [completion = std::move(completion), operation] { complete(completion, operation()); };
 }
 
 } // namespace

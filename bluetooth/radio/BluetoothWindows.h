@@ -17,8 +17,7 @@ namespace orbelantine {
 /// it. What takes long runs on "BluetoothWindowsIoThread": there onPeerFound fires and operations
 /// complete. Peers' requests come on a thread of the platform and fire onAuthenticationRequest
 /// there. Failures of the platform's calls are codes of the generic category by the platform's
-/// numbers. An operation that stop() takes back, or that is asked of a backend that isn't started,
-/// completes with kConnectionAborted on the thread that lets it go.
+/// numbers. What stop() finds waiting, or is asked of a backend that isn't started, isn't answered.
 class BluetoothWindows final : public IBluetoothImpl {
   public:
     explicit BluetoothWindows(BluetoothApi& api, DriverApi& driver = DriverApi::system(),

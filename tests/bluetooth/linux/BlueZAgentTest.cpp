@@ -130,6 +130,8 @@ TEST_F(BlueZAgentTest, RequestThatIsOpenAtTheStopIsRefused) {
     backend->stop();
     EXPECT_EQ(answer(), kCanceled);
     EXPECT_FALSE(stack->device(kPhone).paired);
+    EXPECT_TRUE(backend->onAuthenticationRequest.empty());
+    EXPECT_FALSE(backend->onPeerFound.empty());
 }
 
 TEST_F(BlueZAgentTest, ServicesOfAnApprovedDeviceAreAskedForOnce) {

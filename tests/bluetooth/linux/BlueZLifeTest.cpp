@@ -1,7 +1,10 @@
 #include "tests/bluetooth/linux/BlueZTest.h"
 #include "tests/support/CapturedLog.h"
 
+#include <algorithm>
+#include <atomic>
 #include <filesystem>
+#include <future>
 #include <iterator>
 #include <random>
 
@@ -45,6 +48,7 @@ class BlueZLifeTest : public BlueZTest {
                 backend->pair(phone, completion);
                 break;
             case 2:
+                ++approvals;
                 backend->authRemote(phone, completion);
                 break;
             case 3:
@@ -58,6 +62,8 @@ class BlueZLifeTest : public BlueZTest {
             }
         }
     }
+
+    std::ptrdiff_t approvals = 0;
 };
 
 } // namespace
@@ -131,7 +137,10 @@ TEST_F(BlueZLifeTest, NothingComesOnceItIsStoppedWhateverHasBegun) {
         *stopped = true;
     }
     EXPECT_EQ(afterStop, 0);
-    EXPECT_FALSE(stack->device(kPhone).paired && stack->seen().count("paired") == 0);
+    const auto consents = std::ranges::count_if(stack->seen().events, [](const auto& event) {
+        return event.what == "answered" && event.detail.empty();
+    });
+    EXPECT_LE(consents, approvals);
 }
 
 TEST_F(BlueZLifeTest, BackendMayGoInItsOwnCompletionAndInItsOwnSignal) {
@@ -160,18 +169,24 @@ TEST_F(BlueZLifeTest, BackendMayGoInItsOwnCompletionAndInItsOwnSignal) {
 }
 
 TEST_F(BlueZLifeTest, StartsAndStopsLeaveNoThreadAndNoDescriptor) {
-    startAsked();
-    backend->stop();
-    const auto threads = entriesOf("/proc/self/task");
-    const auto descriptors = entriesOf("/proc/self/fd");
-    for (int i = 0; i < 200; ++i) {
+    const auto cycle = [this] {
         startAsked();
         Outcome unfinished;
         backend->discoverOnce(unfinished.completion(), 3);
         backend->stop();
-    }
-    EXPECT_EQ(entriesOf("/proc/self/task"), threads);
-    EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+    };
+    const auto growsNot = [&cycle] {
+        cycle();
+        const auto threads = entriesOf("/proc/self/task");
+        const auto descriptors = entriesOf("/proc/self/fd");
+        for (int i = 0; i < 200; ++i)
+            cycle();
+        EXPECT_EQ(entriesOf("/proc/self/task"), threads);
+        EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+    };
+    growsNot();
+    bus.stop();
+    growsNot();
 }
 
 } // namespace orbelantine::test

@@ -9,13 +9,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <future>
+#include <memory>
 #include <mutex>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -158,7 +157,6 @@ class BlueZTest : public testing::Test {
         return {.address = kPhone, .name = "Phone", .trusted = true};
     }
 
-    template <class... Arguments>
     [[nodiscard]] int run(void (BlueZBackend::*operation)(const CMacAddress&, Completion),
                           const char* address) {
         Outcome outcome;

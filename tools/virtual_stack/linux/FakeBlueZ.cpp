@@ -96,10 +96,11 @@ class FakeBlueZ::Stack {
 
     void leave() {
         mThread.serve(nullptr);
+        // One that has crashed answers nobody.
+        mSurroundings.bus = nullptr;
         for (const auto& [name, radio] : mRadios)
             radio->withdraw();
         mSurroundings.retired.clear();
-        mSurroundings.bus = nullptr;
         mPresence.reset();
         mRecorder.change([](Seen& seen) {
             seen.agents.clear();

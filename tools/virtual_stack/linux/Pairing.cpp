@@ -71,7 +71,8 @@ void Pairing::letPhoneDecide() {
 }
 
 void Pairing::end(const std::string& error) {
-    if (const std::optional<Caller> caller = std::exchange(mCaller, std::nullopt))
+    const std::optional<Caller> caller = std::exchange(mCaller, std::nullopt);
+    if (caller && mSurroundings.bus != nullptr)
         quietly([&] {
             if (error.empty())
                 caller->result.returnResults();
