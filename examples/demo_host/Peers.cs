@@ -19,12 +19,14 @@ namespace Orbelantine.DemoHost
         private const int UnpairTries = 5;
 
         private readonly ControlPipe control;
+        private readonly StopSignal stop;
         private readonly PeerWatch watch;
         private BluetoothPeerManager manager;
 
         public Peers(ControlPipe control, Timeline timeline, StopSignal stop)
         {
             this.control = control;
+            this.stop = stop;
             watch = new PeerWatch(timeline, stop);
         }
 
@@ -34,9 +36,10 @@ namespace Orbelantine.DemoHost
             RequireRadio();
             var known = new HashSet<string>(watch.Peers.Select(peer => peer.Address));
             manager.startDiscovery();
-            watch.WaitFor(() => watch.Peers.Any(peer => !known.Contains(peer.Address)), InquiryMs);
+            bool found = watch.WaitFor(() => watch.Peers.Any(peer => !known.Contains(peer.Address)), InquiryMs);
             manager.stopDiscovery();
-            Console.WriteLine(Describe());
+            if (found || !stop.IsSet)
+                Console.WriteLine(Describe());
         }
 
         /// <summary>The computer asks; the phone's question in its turn is agreed to by the library.</summary>

@@ -7,7 +7,7 @@
 namespace orbelantine::phone {
 
 /// While it lives, SIGTERM, SIGINT and SIGHUP do not end the process but make descriptor()
-/// readable. For a process of one thread; throws std::system_error.
+/// readable. To be made before any other thread; throws std::system_error.
 class StopSignal {
   public:
     StopSignal();
