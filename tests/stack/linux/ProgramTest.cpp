@@ -1,4 +1,4 @@
-#include "tools/virtual_stack/linux/Program.h"
+#include "tools/virtual_stack/program/linux/Program.h"
 
 #include "tests/phone/linux/TestHost.h"
 #include "tools/virtual_stack/linux/PrivateBus.h"

@@ -1,4 +1,4 @@
-#include "tools/virtual_stack/linux/Options.h"
+#include "tools/virtual_stack/program/linux/Options.h"
 
 #include "tools/virtual_phone/driver/Address.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/virtual_stack/linux/Options.h"
+#include "tools/virtual_stack/program/linux/Options.h"
 
 #include <iosfwd>
 

@@ -1,6 +1,6 @@
 #include "tools/program/ProgramMain.h"
-#include "tools/virtual_stack/linux/Options.h"
-#include "tools/virtual_stack/linux/Program.h"
+#include "tools/virtual_stack/program/linux/Options.h"
+#include "tools/virtual_stack/program/linux/Program.h"
 
 int main(int argc, char** argv) {
     using namespace orbelantine;

@@ -1,10 +1,10 @@
-#include "tools/virtual_stack/linux/Program.h"
+#include "tools/virtual_stack/program/linux/Program.h"
 
 #include "tools/program/linux/ControlPipe.h"
 #include "tools/program/linux/Files.h"
 #include "tools/program/linux/StopSignal.h"
 #include "tools/virtual_phone/log/EventLog.h"
-#include "tools/virtual_stack/linux/Control.h"
+#include "tools/virtual_stack/program/linux/Control.h"
 #include "tools/virtual_stack/linux/FakeBlueZ.h"
 #include "tools/virtual_stack/linux/PrivateBus.h"
 

@@ -1,7 +1,7 @@
-#include "tools/virtual_stack/linux/Control.h"
+#include "tools/virtual_stack/program/linux/Control.h"
 
 #include "tools/virtual_stack/linux/FakeBlueZ.h"
-#include "tools/virtual_stack/linux/Options.h"
+#include "tools/virtual_stack/program/linux/Options.h"
 
 #include <optional>
 #include <utility>
