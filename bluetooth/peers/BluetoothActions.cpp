@@ -5,9 +5,11 @@
 #include "core/common/log/Log.h"
 #include "core/common/run/IDelayTimer.h"
 
+#include <boost/nowide/convert.hpp>
 #include <boost/smart_ptr/make_shared_object.hpp>
 
 #include <algorithm>
+#include <string>
 
 namespace orbelantine {
 
@@ -23,6 +25,11 @@ constexpr bool isRadioOn(error_code ec) {
 
 constexpr const char* notUnless(bool paired) {
     return paired ? "" : "not ";
+}
+
+/// For the log: its name and address. As UTF-8, since a name in another script would end the line.
+std::string describe(const BluetoothPeer& peer) {
+    return boost::nowide::narrow(peer.name() + L" (" + peer.address().getStdStringAddress() + L")");
 }
 
 } // namespace
@@ -121,16 +128,16 @@ void BluetoothStateMachine::doUpdatePeer(const CMacAddress& address, const std::
         boost::make_shared<BluetoothPeer>(address, name, deviceClass, paired, clock());
     const auto [place, isNew] = mPeers.emplace(address.getUllAddress(), seen);
     if (isNew) {
-        ORB_LOG(kLogDebug, "%s: New peer added: %ls (%ls), %spaired", name.c_str(),
-                address.getStdStringAddress().c_str(), notUnless(paired));
+        ORB_LOG(kLogDebug, "%s: New peer added: %s, %spaired", describe(*seen).c_str(),
+                notUnless(paired));
     } else {
         BluetoothPeer& known = *place->second;
         known.touch();
         if (known == *seen)
             return;
         known.update(name, deviceClass, paired);
-        ORB_LOG(kLogTrace, "%s: Existing peer updated: %ls (%ls), %spaired", name.c_str(),
-                address.getStdStringAddress().c_str(), notUnless(paired));
+        ORB_LOG(kLogTrace, "%s: Existing peer updated: %s, %spaired", describe(known).c_str(),
+                notUnless(paired));
     }
     mPeersUpdated = true;
 }

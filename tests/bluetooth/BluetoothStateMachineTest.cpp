@@ -352,7 +352,7 @@ TEST_F(BluetoothStateMachineTest, EachStateTakesItsOwnEventsAndLogsTheOthers) {
 TEST_F(BluetoothStateMachineTest, StatesAndTheirFailuresAreLogged) {
     CapturedLog log(kLogTrace, "orbelantine::");
     start({1});
-    mRadio.simulatePeer(1, L"phone");
+    mRadio.simulatePeer(1, L"Anna\u2019s phone");
     mManager.pairPeer(boost::make_shared<BluetoothPeer>(L"nobody"));
     mRadio.discoverableError = kRefused;
     (void)mManager.enableDiscoverable();
@@ -365,7 +365,8 @@ TEST_F(BluetoothStateMachineTest, StatesAndTheirFailuresAreLogged) {
              "debug Leaving function orbelantine::BluetoothStateIdle::onExit",
              "debug BluetoothStateMachine::doUpdatePeer: New peer added:  (00:00:00:00:00:01), not "
              "paired",
-             "trace BluetoothStateMachine::doUpdatePeer: Existing peer updated: phone "
+             "trace BluetoothStateMachine::doUpdatePeer: Existing peer updated: Anna\xE2\x80\x99s "
+             "phone "
              "(00:00:00:00:00:01), not paired",
              "error BluetoothStateMachine::doPair: unable to find discovered peer to pair",
              "error BluetoothStateMachine::doPairFinished: no remote peer information",

@@ -4,9 +4,9 @@
 #include "tools/program/linux/Files.h"
 #include "tools/program/linux/StopSignal.h"
 #include "tools/virtual_phone/log/EventLog.h"
-#include "tools/virtual_stack/program/linux/Control.h"
 #include "tools/virtual_stack/linux/FakeBlueZ.h"
 #include "tools/virtual_stack/linux/PrivateBus.h"
+#include "tools/virtual_stack/program/linux/Control.h"
 
 #include <poll.h>
 #include <sdbus-c++/sdbus-c++.h>
