@@ -58,7 +58,8 @@ Bus::State Bus::process(unsigned most) {
         return State::Lost;
     try {
         for (unsigned i = 0; i < most; ++i)
-            if (!mConnection->processPendingRequest())
+            // A bus that closes ends one call after the other, and says each time that it idles.
+            if (!mConnection->processPendingRequest() && dueAt() != 0)
                 return State::Idle;
         return State::More;
     } catch (const sdbus::Error&) {

@@ -50,10 +50,12 @@ void Inquiry::checkAdapter() {
 void Inquiry::abandon() {
     if (!mJobs.empty())
         mCalls.tell({mJobs.front().adapter, dbus::kAdapter, "StopDiscovery"});
-    while (!mJobs.empty()) {
-        mJobs.erase(mJobs.begin() + 1, mJobs.end());
-        finish(genericError(generic::kNetworkDown));
-    }
+    if (mTimer)
+        mTimer->cancel();
+    mTimer.reset();
+    ++mNumber;
+    for (const Job& job : std::exchange(mJobs, {}))
+        job.done(genericError(generic::kNetworkDown), {});
 }
 
 void Inquiry::start() {

@@ -152,25 +152,22 @@ TEST_F(BlueZRadioTest, TenThousandSignalsKeepNobodyWaiting) {
 TEST_F(BlueZRadioTest, SignalsOfOthersThanBlueZAreIgnored) {
     start();
     const auto client = sdbus::createSessionBusConnectionWithAddress(bus.address());
-    const auto object = sdbus::createObject(*client, "/org/bluez/hci0");
     Outcome inquiry = inquire();
     const std::string victim = stack->seen().discoverers.at(0);
-    auto off = object->createSignal("org.freedesktop.DBus.Properties", "PropertiesChanged");
-    off << "org.bluez.Adapter1"
-        << std::map<std::string, sdbus::Variant>{{"Powered", sdbus::Variant(false)}}
-        << std::vector<std::string>{};
-    off.setDestination(victim);
-    off.send();
-    auto gone = object->createSignal("org.freedesktop.DBus", "NameOwnerChanged");
-    gone << "org.bluez"
-         << ":1.0"
-         << "";
-    gone.setDestination(victim);
-    gone.send();
-    auto unreadable = object->createSignal("org.freedesktop.DBus", "NameOwnerChanged");
-    unreadable << std::int32_t{1};
-    unreadable.setDestination(victim);
-    unreadable.send();
+    const auto send = [&](const char* path, const char* interface, const char* name,
+                          const auto&... values) {
+        auto signal = sdbus::createObject(*client, path)->createSignal(interface, name);
+        (signal << ... << values);
+        signal.setDestination(victim);
+        signal.send();
+    };
+    send("/org/bluez/hci0", "org.freedesktop.DBus.Properties", "PropertiesChanged",
+         "org.bluez.Adapter1",
+         std::map<std::string, sdbus::Variant>{{"Powered", sdbus::Variant(false)}},
+         std::vector<std::string>{});
+    constexpr const char* kDaemonPath = "/org/freedesktop/DBus";
+    send(kDaemonPath, "org.freedesktop.DBus", "NameOwnerChanged", "org.bluez", ":1.0", "");
+    send(kDaemonPath, "org.freedesktop.DBus", "NameOwnerChanged", std::int32_t{1});
     // The bus has delivered them when it has answered a later call.
     static_cast<void>(sdbus::createProxy(*client, "org.bluez", "/org/bluez/hci0")
                           ->getProperty("Powered")

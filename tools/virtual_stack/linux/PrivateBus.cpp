@@ -77,7 +77,7 @@ PrivateBus::~PrivateBus() {
 void PrivateBus::stop() {
     if (!runs())
         return;
-    ::kill(mDaemon, SIGTERM);
+    ::kill(mDaemon, SIGKILL);
     ::waitpid(std::exchange(mDaemon, -1), nullptr, 0);
 }
 
