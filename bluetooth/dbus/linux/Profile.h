@@ -43,8 +43,6 @@ class Profile {
     /// Waits for BlueZ's answer. Throws sdbus::Error.
     void publish();
 
-    [[nodiscard]] bool isPublished() const { return mPublished; }
-
   private:
     void implement();
     void ownerChanged(const std::string& owner);

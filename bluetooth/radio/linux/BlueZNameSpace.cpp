@@ -96,17 +96,9 @@ class BlueZNameSpace::Worker {
     }
 
     Error add(Handle handle, const bluez::SdpRecord& record) {
-        try {
-            auto publication = std::make_unique<Publication>(mBus, mThread.ioService(), record);
-            return publish(handle, std::move(publication));
-        } catch (const std::exception& error) {
-            ORB_LOG(kLogInfo, "%s() there is no Bluetooth here: D-Bus can't be used: %s",
-                    error.what());
+        auto publication = connect(record);
+        if (!publication)
             return win32::kWsaNetworkDown;
-        }
-    }
-
-    Error publish(Handle handle, std::unique_ptr<Publication> publication) {
         try {
             publication->publish();
         } catch (const sdbus::Error& error) {
@@ -114,6 +106,16 @@ class BlueZNameSpace::Worker {
         }
         mPublications[handle] = std::move(publication);
         return win32::kErrorSuccess;
+    }
+
+    /// Null where there is no D-Bus.
+    std::unique_ptr<Publication> connect(const bluez::SdpRecord& record) {
+        try {
+            return std::make_unique<Publication>(mBus, mThread.ioService(), record);
+        } catch (const std::exception& e) {
+            ORB_LOG(kLogInfo, "%s() there is no Bluetooth here: D-Bus can't be used: %s", e.what());
+            return nullptr;
+        }
     }
 
     const std::string mBus;
