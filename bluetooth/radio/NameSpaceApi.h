@@ -24,8 +24,8 @@ static_assert(sizeof(SockaddrBth) == 30);
 
 /// The calls of Winsock's name space providers, through which Bluetooth services are looked up and
 /// published, one operation for each. An operation returns 0, or -1 with the reason in
-/// wsaGetLastError. Any thread may call. Linux has no such provider: there all of them fail with
-/// 10045, and tools/l2cap_bridge publishes a record through BlueZ.
+/// wsaGetLastError. Any thread may call. On Linux lookups fail with 10045, and records are
+/// published through BlueZ.
 class NameSpaceApi {
   public:
     using Error = std::uint32_t;

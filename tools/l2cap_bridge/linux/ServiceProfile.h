@@ -1,17 +1,13 @@
 #pragma once
 
 #include "bluetooth/dbus/linux/Bus.h"
+#include "bluetooth/dbus/linux/Profile.h"
 #include "tools/l2cap_bridge/linux/PollSource.h"
 
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
-
-namespace sdbus {
-class IObject;
-class IProxy;
-} // namespace sdbus
 
 namespace orbelantine::bridge {
 
@@ -30,25 +26,15 @@ class ServiceProfile final : public PollSource {
 
     /// Publishes the record, over the system bus if `bus` is empty. Throws RecordError.
     ServiceProfile(const std::string& bus, const std::string& recordXml, Say say);
-    ServiceProfile(const ServiceProfile&) = delete;
-    ServiceProfile& operator=(const ServiceProfile&) = delete;
-    /// Withdraws it.
-    ~ServiceProfile() override;
 
     [[nodiscard]] pollfd wanted() override;
     [[nodiscard]] int timeout() override;
     void process() override;
 
   private:
-    void implementProfile();
-    void registerProfile(const std::string& recordXml);
-    void released();
-
     Say mSay;
     std::unique_ptr<dbus::Bus> mBus;
-    std::unique_ptr<sdbus::IObject> mProfile;
-    std::unique_ptr<sdbus::IProxy> mManager;
-    bool mPublished = false;
+    std::unique_ptr<dbus::Profile> mProfile;
 };
 
 } // namespace orbelantine::bridge
