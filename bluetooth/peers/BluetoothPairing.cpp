@@ -16,7 +16,7 @@ error_code noSuchPeer() {
 
 PeerPointer BluetoothStateMachine::find(const PeerPointer& wanted, const char* function,
                                         const char* notKnown, const char* notListed) const {
-    const PeerPointer found = wanted ? getPeer(*wanted) : PeerPointer();
+    PeerPointer found = wanted ? getPeer(*wanted) : PeerPointer();
     if (!found)
         ORB_LOG_TEXT(kLogError, "%s: %s", function, wanted ? notListed : notKnown);
     return found;
