@@ -25,12 +25,15 @@ namespace Orbelantine.Swig
     {
         /// <summary>An override or a callback ended by an exception, which can't go on into native code.
         /// Native code gets nothing for its result: zero, false or no object. Raised on the thread of the
-        /// call. If nobody listens, the process ends with the exception's trace.</summary>
+        /// call. If nobody listens, the process ends with the exception's trace, unless it is ending
+        /// and the callback has met an object that was disposed for that.</summary>
         public static event EventHandler<HostExceptionEventArgs> UnhandledException;
 
         internal static void Report(NativeObject target, string operation, Exception exception)
         {
             EventHandler<HostExceptionEventArgs> listeners = UnhandledException;
+            if (listeners == null && exception is ObjectDisposedException && ProcessEnd.HasBegun)
+                return;
             if (listeners == null)
                 End(target.swigHostObject, operation, exception);
             try

@@ -10,6 +10,9 @@ namespace Orbelantine.Swig
     {
         private static readonly List<WeakReference> Watched = new List<WeakReference>();
 
+        /// <summary>What still runs then may find its objects disposed.</summary>
+        public static volatile bool HasBegun;
+
         static ProcessEnd()
         {
             AppDomain.CurrentDomain.ProcessExit += (sender, end) => DisposeAll();
@@ -26,6 +29,7 @@ namespace Orbelantine.Swig
 
         private static void DisposeAll()
         {
+            HasBegun = true;
             WeakReference[] left;
             lock (Watched)
                 left = Watched.ToArray();
