@@ -181,8 +181,8 @@ TEST_F(BlueZLifeTest, StartsAndStopsLeaveNoThreadAndNoDescriptor) {
         const auto descriptors = entriesOf("/proc/self/fd");
         for (int i = 0; i < 200; ++i)
             cycle();
-        EXPECT_EQ(entriesOf("/proc/self/task"), threads);
-        EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+        EXPECT_LE(entriesOf("/proc/self/task"), threads) << "an earlier thread may still end";
+        EXPECT_LE(entriesOf("/proc/self/fd"), descriptors);
     };
     growsNot();
     bus.stop();
