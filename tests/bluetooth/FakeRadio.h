@@ -126,9 +126,9 @@ class FakeRadio {
             return " " + std::to_string(address.getUllAddress());
         }
 
-        [[nodiscard]] error_code setDiscoverable(bool discoverable) {
-            mRadio.add(discoverable ? "enableDiscoverable" : "disableDiscoverable");
-            mRadio.discoverable = discoverable;
+        [[nodiscard]] error_code setDiscoverable(bool wanted) {
+            mRadio.add(wanted ? "enableDiscoverable" : "disableDiscoverable");
+            mRadio.discoverable = wanted;
             return mRadio.discoverableError;
         }
 
