@@ -37,6 +37,13 @@ TEST_F(BluetoothStateMachineTest, FirstRescanTellsTheListByAddressWhateverOrderI
     EXPECT_EQ(calls(), Texts({"start", "rescan"}));
 }
 
+TEST_F(BluetoothStateMachineTest, FirstRescanIsToldEvenOfNoRadioAndNoPeers) {
+    listen();
+    mManager.start(false);
+    endRescan(kNetworkDown);
+    EXPECT_EQ(told(), Texts({"started 0", "off"}));
+}
+
 TEST_F(BluetoothStateMachineTest, PeersAreRescannedFiveSecondsAfterEachRescanAndToldOfWhenChanged) {
     start({1});
     pass(5s - 1ns);
@@ -68,6 +75,18 @@ TEST_F(BluetoothStateMachineTest, PeerThatIsNotSeenLeavesBetweenThirtyAndThirtyF
     mRadio.simulatePeer(2);
     endRescan();
     EXPECT_EQ(told(), Texts({"on 2"}));
+}
+
+TEST_F(BluetoothStateMachineTest, PeerThatIsLookedUpCountsAsSeen) {
+    start({1, 2});
+    const Peer lookedUp = peer(1);
+    pass(29s);
+    mManager.unpair(lookedUp);
+    settle();
+    pass(1s);
+    endRescan();
+    endRescan();
+    EXPECT_EQ(told(), Texts({"unpaired 1 126", "on 1"}));
 }
 
 TEST_F(BluetoothStateMachineTest, PairedPeerLeavesWithTheFirstRescanThatDoesNotTellOfIt) {

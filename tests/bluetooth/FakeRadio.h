@@ -4,11 +4,13 @@
 
 #include <boost/signals2/signal.hpp>
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,10 +47,12 @@ class FakeRadio {
         return !mOpen[mImpl][operation].empty();
     }
 
-    /// Ends the oldest such operation that is open; waits for one.
+    /// Ends the oldest such operation that is open; waits for one, not for ever.
     void simulateEnd(const std::string& operation, error_code ec = {}) {
         std::unique_lock lock(mMutex);
-        mChanged.wait(lock, [&] { return !mOpen[mImpl][operation].empty(); });
+        if (!mChanged.wait_for(lock, std::chrono::seconds(20),
+                               [&] { return !mOpen[mImpl][operation].empty(); }))
+            throw std::runtime_error("no " + operation + " is open");
         auto& open = mOpen[mImpl][operation];
         const Completion completion = std::move(open.front());
         open.pop_front();
