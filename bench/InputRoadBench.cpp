@@ -1,6 +1,6 @@
 #include "bench/OneProcessor.h"
-#include "bluetooth/linux/FileDescriptor.h"
 #include "core/common/run/IoThread.h"
+#include "core/common/types/linux/FileDescriptor.h"
 #include "hid/channel/IHIDDeviceClient.h"
 #include "hid/link/BluetoothHIDClientManager.h"
 #include "tests/hid/HidChainFixture.h"

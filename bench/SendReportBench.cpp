@@ -1,7 +1,7 @@
 #include "bluetooth/DriverProtocol.h"
 #include "bluetooth/linux/DeviceFolder.h"
-#include "bluetooth/linux/FileDescriptor.h"
 #include "core/common/config/KVStore.h"
+#include "core/common/types/linux/FileDescriptor.h"
 #include "hid/channel/HIDDeviceClient.h"
 #include "hid/reports/HIDReportProvider.h"
 

@@ -2,6 +2,7 @@
 #   orbelantine_deps          Boost's headers, and those of spdlog and fmt
 #   orbelantine_deps_system   what of Boost is compiled
 #   orbelantine_deps_bluetooth   D-Bus, by which BlueZ is reached
+#   orbelantine_deps_crypto   certificates and signatures: libcrypto, on Windows the system's own
 #   GTest::gtest_main         GoogleTest from Debian's sources, with this build's own flags
 find_package(Threads REQUIRED)
 
@@ -13,6 +14,7 @@ target_compile_definitions(orbelantine_deps INTERFACE
 
 add_library(orbelantine_deps_system INTERFACE)
 add_library(orbelantine_deps_bluetooth INTERFACE)
+add_library(orbelantine_deps_crypto INTERFACE)
 
 if(WIN32)
     include(BoostFromSource)
@@ -29,12 +31,15 @@ if(WIN32)
     target_link_libraries(orbelantine_deps_system INTERFACE
         orbelantine_boost_thread orbelantine_boost_filesystem
         shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops)
+    target_link_libraries(orbelantine_deps_crypto INTERFACE crypt32)
 else()
     find_package(Boost 1.81 REQUIRED COMPONENTS thread filesystem)
     target_link_libraries(orbelantine_deps INTERFACE Boost::headers)
     target_link_libraries(orbelantine_deps_system INTERFACE Boost::thread Boost::filesystem ${CMAKE_DL_LIBS})
     find_package(sdbus-c++ REQUIRED GLOBAL)
     target_link_libraries(orbelantine_deps_bluetooth INTERFACE SDBusCpp::sdbus-c++)
+    find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+    target_link_libraries(orbelantine_deps_crypto INTERFACE OpenSSL::Crypto)
 endif()
 
 if(BUILD_TESTING)

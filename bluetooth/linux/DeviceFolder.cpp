@@ -1,7 +1,7 @@
 #include "bluetooth/linux/DeviceFolder.h"
 
-#include "bluetooth/linux/LinuxErrors.h"
 #include "core/common/errors/ErrorCode.h"
+#include "core/common/errors/linux/LinuxErrors.h"
 #include "core/common/log/Log.h"
 
 #include <sys/stat.h>

@@ -1,8 +1,8 @@
 #include "bluetooth/linux/DeviceSocket.h"
 
 #include "bluetooth/linux/DeviceFolder.h"
-#include "bluetooth/linux/LinuxErrors.h"
 #include "core/common/errors/ErrorCode.h"
+#include "core/common/errors/linux/LinuxErrors.h"
 
 #include <endian.h>
 #include <fcntl.h>

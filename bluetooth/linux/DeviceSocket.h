@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bluetooth/DriverApi.h"
-#include "bluetooth/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 
 #include <memory>
 #include <mutex>

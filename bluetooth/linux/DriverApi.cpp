@@ -2,9 +2,9 @@
 
 #include "bluetooth/linux/DeviceFolder.h"
 #include "bluetooth/linux/DeviceSocket.h"
-#include "bluetooth/linux/LinuxErrors.h"
 #include "bluetooth/linux/RemovalWatch.h"
 #include "core/common/errors/ErrorCode.h"
+#include "core/common/errors/linux/LinuxErrors.h"
 
 #include <cstdlib>
 #include <cwchar>

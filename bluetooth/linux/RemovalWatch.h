@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bluetooth/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 
 #include <functional>
 #include <thread>

@@ -18,8 +18,6 @@ namespace orbelantine::latency {
 
 namespace {
 
-using phone::FileDescriptor;
-
 constexpr const char* kVariable = "ORBELANTINE_DEVICE_DIR";
 constexpr phone::Address kAddress{{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}};
 constexpr std::size_t kCodeSize = 4;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/program/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 #include "tools/virtual_phone/driver/linux/DeviceSocket.h"
 
 #include <chrono>
@@ -27,7 +27,7 @@ class Receiver {
     Receiver& operator=(const Receiver&) = delete;
 
     /// A connection of the caller's own. Throws std::runtime_error.
-    [[nodiscard]] phone::FileDescriptor open() const;
+    [[nodiscard]] FileDescriptor open() const;
     /// When the report came that makes `count` in all. Throws std::runtime_error if it doesn't
     /// come.
     [[nodiscard]] Clock::time_point awaitReport(std::uint64_t count);
@@ -37,8 +37,8 @@ class Receiver {
     void serve(int connection);
 
     std::string mFolder;
-    phone::FileDescriptor mStopReader;
-    phone::FileDescriptor mStopWriter;
+    FileDescriptor mStopReader;
+    FileDescriptor mStopWriter;
     std::optional<phone::DeviceSocket> mSocket;
     std::mutex mMutex;
     std::condition_variable mArrived;

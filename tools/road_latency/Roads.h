@@ -43,7 +43,7 @@ class Floor {
     void pass();
     void write();
 
-    phone::FileDescriptor mSocket;
+    FileDescriptor mSocket;
     std::mutex mMutex;
     std::condition_variable mWritten;
     bool mDone = false;

@@ -4,9 +4,9 @@
 #include "bluetooth/DriverProtocol.h"
 #include "bluetooth/WindowsBluetoothHIDDevice.h"
 #include "bluetooth/linux/DeviceFolder.h"
-#include "bluetooth/linux/LinuxErrors.h"
 #include "core/common/errors/ErrorAreas.h"
 #include "core/common/errors/ErrorCode.h"
+#include "core/common/errors/linux/LinuxErrors.h"
 #include "tests/bluetooth/linux/ScriptedDevice.h"
 
 #include <pthread.h>

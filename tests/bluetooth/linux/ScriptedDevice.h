@@ -2,7 +2,7 @@
 
 #include "bluetooth/DriverApi.h"
 #include "bluetooth/linux/DeviceFolder.h"
-#include "bluetooth/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>

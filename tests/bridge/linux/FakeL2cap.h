@@ -91,13 +91,13 @@ class FakeL2cap final : public L2capApi {
 
     Error radio() override { return mRadio; }
 
-    Error socket(phone::FileDescriptor& socket) override {
+    Error socket(FileDescriptor& socket) override {
         int ends[2];
         if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0)
             return errno;
-        socket = phone::FileDescriptor(ends[0]);
+        socket = FileDescriptor(ends[0]);
         const std::lock_guard lock(mMutex);
-        mNewEnd = phone::FileDescriptor(ends[1]);
+        mNewEnd = FileDescriptor(ends[1]);
         return 0;
     }
 
@@ -133,8 +133,8 @@ class FakeL2cap final : public L2capApi {
     std::atomic<Error> mSend = 0;
     std::mutex mMutex;
     phone::Address mPeer;
-    phone::FileDescriptor mNewEnd;
-    std::map<std::uint16_t, phone::FileDescriptor> mPhone;
+    FileDescriptor mNewEnd;
+    std::map<std::uint16_t, FileDescriptor> mPhone;
     std::map<std::uint16_t, int> mBridge;
 };
 

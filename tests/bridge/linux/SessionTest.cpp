@@ -40,7 +40,7 @@ class SessionTest : public testing::Test {
     }
 
     ~SessionTest() override {
-        mStop.writer = phone::FileDescriptor();
+        mStop.writer = FileDescriptor();
         mThread.join();
         ::unsetenv("ORBELANTINE_DEVICE_DIR");
     }

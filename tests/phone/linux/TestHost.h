@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/common/types/linux/FileDescriptor.h"
 #include "tests/phone/Packets.h"
-#include "tools/program/linux/FileDescriptor.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

@@ -91,7 +91,7 @@ void Bridge::serve(const std::vector<pollfd>& polled) {
 
 void Bridge::acceptHandles() {
     for (;;) {
-        phone::FileDescriptor socket(
+        FileDescriptor socket(
             ::accept4(mSocket->descriptor(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!socket)
             return;

@@ -34,7 +34,7 @@ Channel::Error Channel::keepResult(Error error) {
              : error == EINPROGRESS ? State::Connecting
                                     : State::Closed;
     if (mState == State::Closed)
-        mSocket = phone::FileDescriptor();
+        mSocket = FileDescriptor();
     return error;
 }
 
@@ -67,7 +67,7 @@ Channel::Error Channel::read(bool hungUp, std::optional<device::Bytes>& packet) 
 void Channel::lose() {
     mState = State::Lost;
     mKept = 0;
-    mSocket = phone::FileDescriptor();
+    mSocket = FileDescriptor();
 }
 
 short Channel::events() const {

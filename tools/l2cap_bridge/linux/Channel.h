@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/common/types/linux/FileDescriptor.h"
 #include "tools/device_socket/Protocol.h"
-#include "tools/program/linux/FileDescriptor.h"
 
 #include <array>
 #include <chrono>
@@ -66,7 +66,7 @@ class Channel {
 
     L2capApi& mApi;
     State mState = State::Closed;
-    phone::FileDescriptor mSocket;
+    FileDescriptor mSocket;
     std::uint16_t mPsm = 0;
     Milliseconds mDeadline{0};
     std::array<std::uint8_t, device::kMaxPacket> mBuffer{};

@@ -49,8 +49,7 @@ const Handle::Request Handle::kRequests[] = {
      }},
 };
 
-Handle::Handle(const Parts& parts, const phone::Address& peer, phone::FileDescriptor socket,
-               unsigned id)
+Handle::Handle(const Parts& parts, const phone::Address& peer, FileDescriptor socket, unsigned id)
     : mParts(parts)
     , mPeer(peer)
     , mSocket(std::move(socket))

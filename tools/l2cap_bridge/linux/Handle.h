@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/common/types/linux/FileDescriptor.h"
 #include "tools/device_socket/Protocol.h"
 #include "tools/l2cap_bridge/linux/Channel.h"
-#include "tools/program/linux/FileDescriptor.h"
 #include "tools/virtual_phone/log/EventLog.h"
 
 #include <poll.h>
@@ -30,8 +30,7 @@ class Handle {
     /// The library's socket, then the channel's.
     using Polled = std::array<pollfd, 2>;
 
-    Handle(const Parts& parts, const phone::Address& peer, phone::FileDescriptor socket,
-           unsigned id);
+    Handle(const Parts& parts, const phone::Address& peer, FileDescriptor socket, unsigned id);
 
     /// What to wait for; while a connect goes on, or the radio is busy, the library waits.
     [[nodiscard]] Polled polled() const;
@@ -72,7 +71,7 @@ class Handle {
 
     Parts mParts;
     phone::Address mPeer;
-    phone::FileDescriptor mSocket;
+    FileDescriptor mSocket;
     unsigned mId;
     Channel mChannel;
     bool mGone = false;

@@ -16,8 +16,6 @@ namespace orbelantine::bridge {
 
 namespace {
 
-using phone::FileDescriptor;
-
 /// hci_dev_list_req with its places.
 struct DeviceList {
     static constexpr std::uint16_t kPlaces = HCI_MAX_DEV;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/program/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 #include "tools/virtual_phone/driver/Address.h"
 
 #include <cstddef>
@@ -21,7 +21,7 @@ class L2capApi {
     [[nodiscard]] virtual Error radio() = 0;
 
     /// A new socket for one channel.
-    [[nodiscard]] virtual Error socket(phone::FileDescriptor& socket) = 0;
+    [[nodiscard]] virtual Error socket(FileDescriptor& socket) = 0;
     /// EINPROGRESS: the socket polls as writable at the end, and error() tells how it came out.
     [[nodiscard]] virtual Error connect(int socket, const phone::Address& peer,
                                         std::uint16_t psm) = 0;

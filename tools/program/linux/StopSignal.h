@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/program/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 
 #include <csignal>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/program/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 
 #include <deque>
 #include <functional>
@@ -54,7 +54,7 @@ class BusThread {
     [[nodiscard]] bool runTasks();
 
     const Task mLost;
-    phone::FileDescriptor mWake;
+    FileDescriptor mWake;
     sdbus::IConnection* mConnection = nullptr;
     std::mutex mMutex;
     /// Under the mutex, these two.

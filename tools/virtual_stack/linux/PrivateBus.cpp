@@ -1,6 +1,6 @@
 #include "tools/virtual_stack/linux/PrivateBus.h"
 
-#include "tools/program/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -85,13 +85,13 @@ void PrivateBus::start() {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
         fail("pipe2");
-    const phone::FileDescriptor reader(ends[0]);
-    phone::FileDescriptor writer(ends[1]);
+    const FileDescriptor reader(ends[0]);
+    FileDescriptor writer(ends[1]);
     const std::string listen = "--address=" + address();
     const char* const arguments[] = {"dbus-daemon",       "--session",    "--nofork", "--nopidfile",
                                      "--print-address=1", listen.c_str(), nullptr};
     mDaemon = SpawnSettings(writer.get()).spawn(arguments);
-    writer = phone::FileDescriptor();
+    writer = FileDescriptor();
     // It prints its address once it listens.
     std::array<char, 512> line{};
     ssize_t size = -1;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/program/linux/FileDescriptor.h"
+#include "core/common/types/linux/FileDescriptor.h"
 #include "tools/virtual_phone/driver/Driver.h"
 #include "tools/virtual_phone/driver/linux/DeviceSocket.h"
 #include "tools/virtual_phone/log/EventLog.h"

@@ -124,7 +124,7 @@ class Session {
     }
 
     std::ostream& mErr;
-    phone::FileDescriptor mBusLost;
+    FileDescriptor mBusLost;
     StackLog mLog;
     FakeBlueZ mStack;
     Control mControl;

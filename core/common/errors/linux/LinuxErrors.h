@@ -1,10 +1,12 @@
 #pragma once
 
-#include "bluetooth/DriverApi.h"
+#include "core/common/errors/ErrorCode.h"
+
+#include <cstdint>
 
 namespace orbelantine {
 
 /// The Windows number nearest to an errno; kErrorGenFailure for one without a counterpart.
-[[nodiscard]] DriverApi::Error windowsError(int errnoValue);
+[[nodiscard]] std::uint32_t windowsError(int errnoValue);
 
 } // namespace orbelantine

@@ -1,6 +1,4 @@
-#include "bluetooth/linux/LinuxErrors.h"
-
-#include "core/common/errors/ErrorCode.h"
+#include "core/common/errors/linux/LinuxErrors.h"
 
 #include <cerrno>
 
@@ -10,7 +8,7 @@ namespace {
 
 constexpr struct {
     int errnoValue;
-    DriverApi::Error error;
+    std::uint32_t error;
 } kErrors[] = {
     {ENOENT, win32::kErrorFileNotFound},         {EMFILE, win32::kErrorTooManyOpenFiles},
     {ENFILE, win32::kErrorTooManyOpenFiles},     {EACCES, win32::kErrorAccessDenied},
@@ -23,7 +21,7 @@ constexpr struct {
 
 } // namespace
 
-DriverApi::Error windowsError(int errnoValue) {
+std::uint32_t windowsError(int errnoValue) {
     for (const auto& known : kErrors)
         if (known.errnoValue == errnoValue)
             return known.error;

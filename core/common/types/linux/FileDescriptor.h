@@ -4,7 +4,7 @@
 
 #include <utility>
 
-namespace orbelantine::phone {
+namespace orbelantine {
 
 /// Owns one descriptor; -1 when empty.
 class FileDescriptor {
@@ -35,4 +35,4 @@ class FileDescriptor {
     int mDescriptor = -1;
 };
 
-} // namespace orbelantine::phone
+} // namespace orbelantine
