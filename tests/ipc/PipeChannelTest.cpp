@@ -195,10 +195,10 @@ TEST_F(PipeChannel, ASilentClientHoldsNobodyUp) {
 
 TEST_F(PipeChannel, OfManyClientsOneIsServedAtATimeAndNoneIsForgotten) {
     std::atomic<bool> serving = true;
-    std::thread server([&] {
+    std::thread service([&] {
         while (serving) {
             error_code ec;
-            const Endpoint end = this->server->accept(ec);
+            const Endpoint end = server->accept(ec);
             char byte = 0;
             if (!end || end->readSome(&byte, 1, ec) != 1)
                 continue;
@@ -223,8 +223,8 @@ TEST_F(PipeChannel, OfManyClientsOneIsServedAtATimeAndNoneIsForgotten) {
     for (std::thread& each : clients)
         each.join();
     serving = false;
-    this->server->close();
-    server.join();
+    server->close();
+    service.join();
 }
 
 TEST_F(PipeChannel, CloseEndsAWaitingAccept) {

@@ -83,7 +83,7 @@ TEST_F(PipeEndpoint, CloseDisconnectsThePipeAndLeavesTheErrorAlone) {
     {
         WindowsPipeIPCEndpoint endpoint(KVStore{}, system());
         EXPECT_EQ(connect(endpoint), windows(0));
-        pipes.taken();
+        (void)pipes.taken();
         error_code ec = windows(77);
         endpoint.close(ec);
         EXPECT_EQ(ec, windows(77));
@@ -95,7 +95,7 @@ TEST_F(PipeEndpoint, CloseDisconnectsThePipeAndLeavesTheErrorAlone) {
 
     WindowsPipeIPCEndpoint* another = new WindowsPipeIPCEndpoint(KVStore{}, system());
     EXPECT_EQ(connect(*another), windows(0));
-    pipes.taken();
+    (void)pipes.taken();
     delete another;
     EXPECT_EQ(pipes.taken(), (Calls{"disconnect pipe", "close pipe"}));
 }
@@ -134,7 +134,7 @@ TEST_F(PipeEndpoint, ARefusedServerIsClosedAndConnectMayBeTriedAgain) {
     trust.subject = L"The ACME company";
     trust.result = trust::kUntrustedRoot;
     EXPECT_EQ(connect(endpoint), kRefused);
-    pipes.taken();
+    (void)pipes.taken();
     trust.result = 0;
     trust.paths.clear();
     EXPECT_EQ(connect(endpoint), windows(0));

@@ -217,7 +217,7 @@ TEST_F(PipeServer, AnAcceptedEndCantConnectAndClosesOnce) {
     error_code ec;
     mEndpoint->connect("talk", ec);
     EXPECT_EQ(ec, windows(win32::kWsaOperationNotSupported));
-    pipes.taken();
+    (void)pipes.taken();
     mEndpoint->close(ec);
     EXPECT_EQ(ec, windows(0));
     mEndpoint->close(ec);
