@@ -15,7 +15,7 @@ constexpr const char* kVerify = "orbelantine::VerifyProcessSignature::verify";
 
 /// A longer name is nobody's: whoever made the file chose it, and the search goes as deep into the
 /// stack as the name is long.
-constexpr std::size_t kLongestSubject = 1024;
+constexpr std::size_t kLongestSubject = 256;
 
 bool matches(const std::wstring& subject, const std::wstring& expression) {
     try {

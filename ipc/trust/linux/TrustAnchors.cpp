@@ -65,12 +65,16 @@ bool areSafeAbove(const std::filesystem::path& real, const std::vector<uid_t>& o
 
 /// The folder, once it is known that all of its path is safe.
 FileDescriptor openSafely(const AnchorFolder& folder) {
+    std::filesystem::path named = std::filesystem::path(folder.path).lexically_normal();
+    // A slash at the end would hide that it is a link.
+    if (!named.has_filename())
+        named = named.parent_path();
     std::error_code failed;
-    if (std::filesystem::is_symlink(std::filesystem::symlink_status(folder.path, failed))) {
+    if (std::filesystem::is_symlink(std::filesystem::symlink_status(named, failed))) {
         logRefusal(folder.path, "it is a link");
         return {};
     }
-    const std::filesystem::path real = std::filesystem::canonical(folder.path, failed);
+    const std::filesystem::path real = std::filesystem::canonical(named, failed);
     if (failed) {
         logRefusal(folder.path, failed.message().c_str());
         return {};
