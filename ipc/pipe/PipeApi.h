@@ -17,6 +17,7 @@ class PipeApi {
 
     static constexpr std::uint32_t kWaitObject = 0;
     static constexpr std::uint32_t kWaitTimeout = 258;
+    static constexpr std::uint32_t kWaitFailed = 0xFFFFFFFF;
 
     /// What CreateNamedPipe is called with.
     struct NamedPipe {
