@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -40,7 +41,61 @@ class PipeDuplexHandler {
     void teardown();
 
   private:
-    // to be shaped by its author
+    /// An event of the worker's; none where the handle is 0.
+    struct Event {
+        explicit Event(TransferApi& transfers)
+            : api(transfers) {}
+
+        ~Event() { close(); }
+
+        Event(const Event&) = delete;
+        Event& operator=(const Event&) = delete;
+
+        /// False where there can be none.
+        bool create();
+        void close();
+
+        TransferApi& api;
+        PipeHandle handle = 0;
+    };
+
+    /// One way through the pipe. The mutex guards all of it, and whoever transfers holds it but
+    /// for the wait. Every signal of `done` is given under the mutex, so that none comes between
+    /// the start of an operation and the wait for its end.
+    struct Way {
+        explicit Way(TransferApi& api)
+            : event(api) {}
+
+        std::mutex mutex;
+        std::condition_variable_any done;
+        std::condition_variable_any left;
+        Overlapped overlapped;
+        Event event;
+        // Where the operation goes on; kInvalidPipeHandle without one.
+        PipeHandle pipe = kInvalidPipeHandle;
+        int waiting = 0;
+    };
+
+    void run();
+    [[nodiscard]] bool isLive(PipeHandle pipe) const;
+    /// Waits once, for whatever wakes it, where operations are not over when they return.
+    void waitUntilDone(Way& way, PipeHandle pipe, std::unique_lock<std::mutex>& lock);
+    /// Leaves nothing pending behind a failure.
+    [[nodiscard]] TransferApi::Error takeResult(Way& way, PipeHandle pipe, std::uint32_t& count);
+    /// Breaks off what goes on. The system has let go of the caller's memory when it returns.
+    void settle(Way& way);
+    void release(Way& way);
+
+    const std::string mName;
+    const Pipe* const mPipe;
+    const std::unique_ptr<TransferApi> mApi;
+    const bool mInPlace;
+    Way mRead;
+    Way mWrite;
+    Event mTeardownEvent;
+    std::mutex mTeardownMutex;
+    std::atomic<bool> mTornDown{false};
+    std::thread mWorker;
 };
 
 } // namespace orbelantine
