@@ -38,6 +38,8 @@ class VerifyProcessSignature {
     [[nodiscard]] bool verifyCertificate(const std::wstring& path);
 
     const std::unique_ptr<TrustApi> mApi;
+    // Whether the API's initialize has succeeded.
+    bool mReady = false;
     std::unique_ptr<FileEvidence> mEvidence;
 };
 

@@ -2,6 +2,7 @@
 #include "tools/program/Parse.h"
 #include "tools/program/ProgramMain.h"
 #include "tools/soak/PeerStarts.h"
+#include "tools/soak/PipeTalks.h"
 #include "tools/soak/ProcessUse.h"
 #include "tools/soak/Session.h"
 
@@ -30,6 +31,7 @@ struct Options {
     std::uint64_t cycles = 1000;
     std::uint64_t vanishings = 100;
     std::uint64_t starts = 1000;
+    std::uint64_t talks = 10'000;
     /// What the allocator keeps differs a little from moment to moment.
     std::uint64_t growthKb = 1024;
 };
@@ -49,6 +51,8 @@ constexpr phone::CommandOption<Options> kOptions[] = {
     {"--starts", "N", "a number from 0 to 1000000000",
      "starts and stops of the peer manager, each during a discovery;\ndefault 1000",
      set<&Options::starts, 0>},
+    {"--talks", "N", "a number from 0 to 1000000000",
+     "connections of a client to a pipe's server; default 10000", set<&Options::talks, 0>},
     {"--growth", "KB", "a number from 0 to 1000000000",
      "memory that the process may gain after a tenth of the work;\ndefault 1024",
      set<&Options::growthKb, 0>},
@@ -61,11 +65,10 @@ phone::CommandLine<Options> commandLine() {
 std::string helpText() {
     return "Usage: soak [OPTION]...\n"
            "Runs a long session with a virtual phone: the link sleeps and wakes, the phone goes\n"
-           "and returns; then starts and stops the peer manager on a virtual stack. Counts what "
-           "is\n"
-           "sent, received and discarded, and what the process holds after a tenth of the work "
-           "and\n"
-           "at the end.\n"
+           "and returns; then starts and stops the peer manager on a virtual stack; then connects\n"
+           "to a pipe and closes. Counts what is sent, received and discarded, and what the "
+           "process\n"
+           "holds after a tenth of the work and at the end.\n"
            "\n" +
            commandLine().help() +
            "\n"
@@ -158,19 +161,23 @@ bool soakLink(const Options& options) {
            seen.text == expectedText(session) && seen.tally.interruptConnects == session.linksUp();
 }
 
-bool soakPeers(const Options& options) {
-    if (options.starts == 0)
+/// Does the work so often; whether the process holds no more after it than after a tenth.
+template <class Work>
+bool soakWork(std::uint64_t times, const char* what, const Options& options) {
+    if (times == 0)
         return true;
-    const PeerStarts use = PeerStarts::run(options.starts);
-    std::cout << '\n'
-              << options.starts << " starts of the peer manager, each stopped in its discovery\n"
-              << useTable(use.before, use.after) << std::flush;
+    const Work use = Work::run(times);
+    std::cout << '\n' << times << what << useTable(use.before, use.after) << std::flush;
     return !hasGrown(use.before, use.after, options.growthKb);
 }
 
 int run(const Options& options) {
     return phone::statusOf("soak", [&] {
-        if (!soakLink(options) || !soakPeers(options))
+        if (!soakLink(options) ||
+            !soakWork<PeerStarts>(options.starts,
+                                  " starts of the peer manager, each stopped in its discovery\n",
+                                  options) ||
+            !soakWork<PipeTalks>(options.talks, " talks over a pipe\n", options))
             throw std::runtime_error("the process has grown, or the phone saw something else");
     });
 }

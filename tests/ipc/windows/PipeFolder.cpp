@@ -1,0 +1,15 @@
+#include "tests/ipc/PipeFolder.h"
+
+#include <windows.h>
+
+namespace orbelantine::test {
+
+PipeFolder::PipeFolder() {
+    static int count = 0;
+    mName =
+        "orbelantine-test-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(count++);
+}
+
+PipeFolder::~PipeFolder() = default;
+
+} // namespace orbelantine::test
