@@ -25,7 +25,9 @@ RATIO_LIMITS = {
     "InputRoad": 1.5,
     "RelativeMove": 1.6,
     "Reverse": 1.3,
+    "PipePingPong": 1.5,
     # 0.7 of the throughput.
+    "PipeMebibyte": 1.43,
     "PostEvent": 1.43,
 }
 # Heap allocations for each call or event on these roads.
@@ -33,6 +35,7 @@ ALLOCATION_LIMITS = {
     "report/": 0,
     "velocity/": 0,
     "PostEvent": 2,
+    "Pipe": 0,
 }
 
 
