@@ -8,7 +8,8 @@
 
 namespace orbelantine {
 
-/// What the system knows of a file's signatures. One thread uses an object.
+/// What the system knows of a file's signatures. A check begins with signer 0. One thread uses an
+/// object.
 class TrustApi {
   public:
     virtual ~TrustApi() = default;

@@ -67,7 +67,7 @@ BioOwner digestsOf(BioOwner content, STACK_OF(CMS_SignerInfo) * signers) {
 }
 
 bool readToEnd(BIO& chain) {
-    std::array<char, 64 * 1024> part{};
+    std::array<char, 65536> part{};
     std::size_t size = 0;
     int count = 0;
     do {
