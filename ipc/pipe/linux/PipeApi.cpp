@@ -19,7 +19,7 @@ namespace orbelantine {
 
 namespace {
 
-/// Pipes are sockets in a folder; see docs/pipes.md.
+/// Pipes are sockets in a folder; see docs/ipc.md.
 class LinuxPipeApi final : public PipeApi {
   public:
     Error lastError() override { return lastPipeError(); }
