@@ -10,6 +10,7 @@
 #include "ipc/pipe/linux/PollUntil.h"
 #include "ipc/pipe/linux/ServerPipe.h"
 
+#include <fcntl.h>
 #include <sys/eventfd.h>
 
 #include <cerrno>
@@ -67,6 +68,9 @@ class LinuxPipeApi final : public PipeApi {
 
     Handle createEvent() override {
         FileDescriptor file(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+        // 0 is none, and free in a process without an input.
+        if (file.get() == 0)
+            file = FileDescriptor(::fcntl(0, F_DUPFD_CLOEXEC, 1));
         if (!file) {
             keptPipeError(windowsError(errno));
             return 0;
