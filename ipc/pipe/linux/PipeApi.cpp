@@ -10,6 +10,7 @@
 #include "ipc/pipe/linux/PollUntil.h"
 #include "ipc/pipe/linux/ServerPipe.h"
 
+#include <fcntl.h>
 #include <sys/eventfd.h>
 
 #include <cerrno>
@@ -19,7 +20,7 @@ namespace orbelantine {
 
 namespace {
 
-/// Pipes are sockets in a folder; see docs/pipes.md.
+/// Pipes are sockets in a folder; see docs/ipc.md.
 class LinuxPipeApi final : public PipeApi {
   public:
     Error lastError() override { return lastPipeError(); }
@@ -67,6 +68,9 @@ class LinuxPipeApi final : public PipeApi {
 
     Handle createEvent() override {
         FileDescriptor file(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+        // 0 is none, and free in a process without an input.
+        if (file.get() == 0)
+            file = FileDescriptor(::fcntl(0, F_DUPFD_CLOEXEC, 1));
         if (!file) {
             keptPipeError(windowsError(errno));
             return 0;

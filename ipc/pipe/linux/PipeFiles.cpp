@@ -1,6 +1,7 @@
 #include "ipc/pipe/linux/PipeFiles.h"
 
 #include "core/common/errors/ErrorCode.h"
+#include "ipc/pipe/PipeName.h"
 
 #include <openssl/evp.h>
 
@@ -12,7 +13,6 @@ namespace orbelantine {
 
 namespace {
 
-constexpr std::string_view kLocalPipes = R"(\\.\pipe\LOCAL\)";
 constexpr std::size_t kLongestText = 256;
 // With the folder's descriptor before and the ending behind, it fits the address of a socket.
 constexpr std::size_t kLongestFileName = 64;
@@ -57,9 +57,10 @@ bool appendDigest(std::string& text, std::string_view name) {
 std::uint32_t filesOfPipe(const std::string& text, PipeFiles& files) {
     if (text.size() > kLongestText)
         return win32::kErrorFilenameTooLong;
-    if (!text.starts_with(kLocalPipes))
+    if (!text.starts_with(kPipeNamePrefix))
         return win32::kErrorInvalidParameter;
-    const std::string_view own = std::string_view(text).substr(kLocalPipes.size());
+    const std::string_view own =
+        std::string_view(text).substr(std::string_view(kPipeNamePrefix).size());
     std::string file = escaped(own);
     if (file.size() > kLongestFileName) {
         file = "#";

@@ -99,6 +99,8 @@ std::uint32_t openPipeFolder(FileDescriptor& folder) {
     makeParents(place.base);
     const char* const base = place.base.empty() ? "." : place.base.c_str();
     FileDescriptor opened(::open(base, kFolderFlags));
+    if (!opened)
+        return notOpened(place);
     for (const std::string& name : place.below) {
         ::mkdirat(opened.get(), name.c_str(), kOwnerAlone);
         opened = FileDescriptor(::openat(opened.get(), name.c_str(), kFolderFlags | O_NOFOLLOW));
