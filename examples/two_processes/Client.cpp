@@ -3,6 +3,8 @@
 #include "ipc/IIPCEndpoint.h"
 #include "ipc/OsalPipe.h"
 
+#include <algorithm>
+
 using namespace orbelantine;
 
 // Sends the message and reads until as much has come back: what it was, or less with `ec` set.

@@ -28,5 +28,5 @@ int main(int argc, char** argv) {
         client->write(buffer.data(), count, ec);
         bytes += count;
     }
-    std::cout << "gave back " << bytes << " bytes; then: " << systemErrorText(ec.value()) << "\n";
+    std::cout << "gave back " << bytes << " bytes; then: " << reason(ec) << "\n";
 }
