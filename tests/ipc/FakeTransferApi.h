@@ -23,7 +23,17 @@ class FakePair {
   public:
     using Error = TransferApi::Error;
 
-    enum class Call { CreateEvent, SetEvent, Wait, Read, Write, Result, CancelIo, CancelIoEx };
+    enum class Call {
+        None,
+        CreateEvent,
+        SetEvent,
+        Wait,
+        Read,
+        Write,
+        Result,
+        CancelIo,
+        CancelIoEx
+    };
     enum class Way { Read, Write };
 
     FakePair() = default;
