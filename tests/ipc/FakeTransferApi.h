@@ -54,7 +54,7 @@ class FakePair {
     std::size_t capacity = 1024;
 
     /// Lets the `nth` call of a kind fail, counted from the first of all.
-    void fail(Call call, int nth, Error error) { mFaults[{call, nth}] = error; }
+    void fail(Call call, int nth, Error error);
 
     [[nodiscard]] int calls(Call call);
     [[nodiscard]] bool isPending(Side side, Way way);
