@@ -208,6 +208,7 @@ TransferApi::Error PipeDuplexHandler::takeResult(Way& way, PipeHandle pipe, std:
     return error;
 }
 
+// CancelIo, in teardown, reaches the operations of its own thread alone.
 void PipeDuplexHandler::settle(Way& way) {
     if (way.pipe == kInvalidPipeHandle)
         return;
@@ -217,10 +218,8 @@ void PipeDuplexHandler::settle(Way& way) {
     way.pipe = kInvalidPipeHandle;
 }
 
-// CancelIo reaches the operations of the calling thread alone.
 void PipeDuplexHandler::release(Way& way) {
     std::unique_lock lock(way.mutex);
-    settle(way);
     way.done.notify_all();
     way.left.wait(lock, [&way] { return way.waiting == 0; });
 }

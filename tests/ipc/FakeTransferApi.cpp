@@ -149,6 +149,11 @@ void FakePair::close(Side side) {
         advance(stream);
 }
 
+void FakePair::fail(Call call, int nth, Error error) {
+    const std::lock_guard lock(mMutex);
+    mFaults[{call, nth}] = error;
+}
+
 int FakePair::calls(Call call) {
     const std::lock_guard lock(mMutex);
     return mCalls[call];

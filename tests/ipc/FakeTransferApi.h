@@ -23,7 +23,17 @@ class FakePair {
   public:
     using Error = TransferApi::Error;
 
-    enum class Call { CreateEvent, SetEvent, Wait, Read, Write, Result, CancelIo, CancelIoEx };
+    enum class Call {
+        None,
+        CreateEvent,
+        SetEvent,
+        Wait,
+        Read,
+        Write,
+        Result,
+        CancelIo,
+        CancelIoEx
+    };
     enum class Way { Read, Write };
 
     FakePair() = default;
@@ -44,7 +54,7 @@ class FakePair {
     std::size_t capacity = 1024;
 
     /// Lets the `nth` call of a kind fail, counted from the first of all.
-    void fail(Call call, int nth, Error error) { mFaults[{call, nth}] = error; }
+    void fail(Call call, int nth, Error error);
 
     [[nodiscard]] int calls(Call call);
     [[nodiscard]] bool isPending(Side side, Way way);
