@@ -97,7 +97,10 @@ ServiceLookup::~ServiceLookup() {
 
 void ServiceLookup::start(const CMacAddress& address, const Guid& serviceClass, Callback callback) {
     mInterrupt->reset();
+    const std::lock_guard starting(mStarting);
     mThread = startWorkerThread([this, address, serviceClass, callback = std::move(callback)] {
+        // Its callback may stop it, which takes the thread.
+        { const std::lock_guard started(mStarting); }
         SockaddrBth service{};
         Record record;
         const error_code ec = lookupService(address, serviceClass, service, record);

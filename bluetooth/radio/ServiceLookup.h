@@ -9,6 +9,7 @@
 #include <boost/smart_ptr/shared_ptr.hpp>
 
 #include <cstdint>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -42,6 +43,7 @@ class ServiceLookup {
                                            SockaddrBth& service, Record& record);
 
     NameSpaceApi& mApi;
+    std::mutex mStarting;
     std::thread mThread;
     boost::shared_ptr<WindowsEvent> mInterrupt;
 };

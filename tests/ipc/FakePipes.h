@@ -119,8 +119,10 @@ class FakePipes final : public PipeApi, public UserApi {
     bool isValidSid(const void* sid) override { return sid == this && !answer("valid", ""); }
 
     Error convertSidToStringSid(const void*, wchar_t*& text) override {
-        text = copy(L"S-1-5-7");
-        return answer("sid", "");
+        const Error error = answer("sid", "");
+        if (!error)
+            text = copy(L"S-1-5-7");
+        return error;
     }
 
     Error convertStringSecurityDescriptor(const std::wstring& text, std::uint32_t revision,
