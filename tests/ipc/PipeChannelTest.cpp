@@ -1,6 +1,8 @@
 #include "core/common/OSAL.h"
 #include "ipc/IIPCEndpoint.h"
 #include "ipc/IIPCServer.h"
+#include "ipc/pipe/PipeApi.h"
+#include "ipc/pipe/PipeName.h"
 #include "tests/ipc/PipeFolder.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
@@ -40,7 +42,11 @@ class PipeChannel : public testing::Test {
         });
     }
 
+    /// Where there is no server yet, connect would pause for a second.
     [[nodiscard]] error_code connect(IIPCEndpoint& endpoint) {
+        const std::string fullName = kPipeNamePrefix + mFolder.uniqueName();
+        while (PipeApi::system().waitNamedPipe(fullName, 200) != 0)
+            std::this_thread::yield();
         error_code ec;
         endpoint.connect(mFolder.uniqueName(), ec);
         return ec;
@@ -83,8 +89,6 @@ class PipeChannel : public testing::Test {
         osalCreate<IIPCServer>(OSALFactory::instance(), "IIPCServer", KVStore{}, "");
     const Endpoint client = newClient();
     Endpoint accepted;
-
-  private:
     test::PipeFolder mFolder;
 };
 
@@ -173,8 +177,11 @@ TEST_F(PipeChannel, ASecondInstanceIsRefusedUntilTheFirstIsClosed) {
 }
 
 TEST_F(PipeChannel, AClientThatWasThereFirstFindsTheServer) {
-    std::future<error_code> connecting =
-        std::async(std::launch::async, [this] { return connect(*client); });
+    std::future<error_code> connecting = std::async(std::launch::async, [this] {
+        error_code ec;
+        client->connect(mFolder.uniqueName(), ec);
+        return ec;
+    });
     error_code ec;
     accepted = server->accept(ec);
     ASSERT_TRUE(accepted) << ec.value();
