@@ -6,10 +6,10 @@ import sys
 import time
 
 
-def require_same(document, source):
-    """The first C# program of the document is the source that was compiled."""
-    shown = [code for code in re.findall(r"```csharp\n(.*?)```", pathlib.Path(document).read_text(), re.S)
-             if "static int Main" in code]
+def require_same(document, source, language="csharp", main="static int Main"):
+    """The first program of the document in that language is the source that was compiled."""
+    shown = [code for code in re.findall(rf"```{language}\n(.*?)```", pathlib.Path(document).read_text(), re.S)
+             if main in code]
     if not shown or shown[0] != pathlib.Path(source).read_text():
         sys.exit(f"{document} shows another program than {source}")
 
