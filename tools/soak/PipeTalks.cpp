@@ -4,10 +4,9 @@
 #include "ipc/pipe/WindowsPipeIPCEndpoint.h"
 #include "ipc/pipe/WindowsPipeIPCServer.h"
 
-#include <stdlib.h>
-
 #include <array>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <future>
 #include <stdexcept>
