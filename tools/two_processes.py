@@ -79,7 +79,13 @@ def main():
     folder, runner = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2:]
     rows, wrong = [("what", "the server says", "the client says")], []
     with tempfile.TemporaryDirectory() as temporary:
-        environment = {**os.environ, "ORBELANTINE_TRUST_DIR": str(folder / "trust"), "ORBELANTINE_PIPE_DIR": f"{temporary}/pipes"}
+        # Of the user alone, wherever the build is: nobody would be trusted in a folder that others may write.
+        anchors = pathlib.Path(temporary, "trust")
+        anchors.mkdir(mode=0o700)
+        for anchor in (folder / "trust").iterdir():
+            shutil.copyfile(anchor, anchors / anchor.name)
+            (anchors / anchor.name).chmod(0o600)
+        environment = {**os.environ, "ORBELANTINE_TRUST_DIR": str(anchors), "ORBELANTINE_PIPE_DIR": f"{temporary}/pipes"}
         for number, (what, server, client, refusing) in enumerate(SCENES):
             programs = []
             for name, (signer, changes) in (("server", server), ("client", client)):
@@ -95,4 +101,7 @@ def main():
         sys.exit(f"two_processes: it went otherwise: {'; '.join(wrong)}")
 
 
-main()
+try:
+    main()
+except KeyboardInterrupt:
+    sys.exit(130)
