@@ -63,7 +63,7 @@ class HidEventsPacker : public ::testing::Test {
     boost::shared_ptr<Recorder> target = boost::make_shared<Recorder>();
 };
 
-TEST_F(HidEventsPacker, MouseReportHasSixBytesInABufferOfTwelve) {
+TEST_F(HidEventsPacker, MouseReportHasSixBytesInABufferOfTwelveAndHoldsButtonsUntilReleased) {
     EXPECT_EQ(mouse(0, 5, -6), (Bytes{0xA1, 1, 0, 5, 0xFA, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(mouse(5, 5, -1), (Bytes{0xA1, 1, 0, 0, 0, 0xFF, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(mouse(6, 5, 0x102), (Bytes{0xA1, 1, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0}));
@@ -71,9 +71,6 @@ TEST_F(HidEventsPacker, MouseReportHasSixBytesInABufferOfTwelve) {
         0x05000000, 0x06000000, std::uint8_t{0}, false, std::uint64_t{0});
     EXPECT_EQ(bytesAfter(hostOrder), (Bytes{0xA1, 1, 0, 5, 6, 0, 0, 0, 0, 0, 0, 0}))
         << "swapped whatever the order";
-}
-
-TEST_F(HidEventsPacker, ButtonsAreHeldUntilReleased) {
     const std::vector<std::pair<std::uint8_t, std::uint8_t>> buttonsAfterEvent = {
         {2, 1}, {4, 3}, {8, 7}, {1, 6}, {3, 4}, {7, 0}};
     for (const auto& [event, buttons] : buttonsAfterEvent)

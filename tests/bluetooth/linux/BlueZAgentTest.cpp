@@ -142,7 +142,7 @@ TEST_F(BlueZAgentTest, ServicesOfAnApprovedDeviceAreAskedForOnce) {
     EXPECT_EQ(answer(), "");
     stack->phoneAsks(kPhone, Asking::Service);
     EXPECT_EQ(answer(2), "");
-    EXPECT_EQ(asked(kOther, Asking::Service).name, L"Other");
+    EXPECT_EQ(std::get<1>(asked(kOther, Asking::Service)), L"Other");
     EXPECT_EQ(stack->seen().count("answered"), 2U);
     // What is unpaired is asked for anew.
     EXPECT_EQ(run(&BlueZBackend::unpair, kPhone), 0);

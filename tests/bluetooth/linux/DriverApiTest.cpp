@@ -246,12 +246,9 @@ TEST_F(DeviceFolder, SocketsArePresentAndPlainFilesOnlyInstalled) {
     EXPECT_EQ(list(true), Paths{shown});
     EXPECT_EQ(list(false), (Paths{file.wstring(), shown}));
     EXPECT_EQ(deviceFile(shown), socket);
-}
-
-TEST_F(DeviceFolder, FileInPlaceOfTheClassFolderIsAnError) {
-    std::ofstream(mFolder / classFolderName(kClass)).close();
+    std::ofstream(mFolder / classFolderName(kHidClass)).close();
     Paths paths;
-    EXPECT_EQ(listDevices(kClass, true, paths), win32::kErrorGenFailure);
+    EXPECT_EQ(listDevices(kHidClass, true, paths), win32::kErrorGenFailure) << "it is no folder";
 }
 
 } // namespace
