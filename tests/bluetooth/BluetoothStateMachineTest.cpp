@@ -52,30 +52,24 @@ TEST_F(BluetoothStateMachineTest, PeersAreRescannedFiveSecondsAfterEachRescanAnd
     EXPECT_EQ(told(), Texts({"on 1"})) << "a refresh tells in any case";
 }
 
-TEST_F(BluetoothStateMachineTest, PeerThatIsNotSeenLeavesBetweenThirtyAndThirtyFiveSeconds) {
-    start({1, 2});
+TEST_F(BluetoothStateMachineTest,
+       PeerThatIsNotSeenOrLookedUpLeavesBetweenThirtyAndThirtyFiveSeconds) {
+    start({1, 2, 3});
+    const Peer lookedUp = peer(1);
     for (int seconds = 5; seconds <= 25; seconds += 5) {
         pass(5s);
         mRadio.simulatePeer(2);
         endRescan();
     }
     EXPECT_EQ(told(), Texts());
-    pass(5s);
+    // To be looked up is to be seen.
+    pass(5s - 1ns);
+    mManager.unpair(lookedUp);
+    EXPECT_EQ(told(), Texts({"unpaired 1 126"}));
+    pass(1ns);
     mRadio.simulatePeer(2);
     endRescan();
-    EXPECT_EQ(told(), Texts({"on 2"}));
-}
-
-TEST_F(BluetoothStateMachineTest, PeerThatIsLookedUpCountsAsSeen) {
-    start({1, 2});
-    const Peer lookedUp = peer(1);
-    pass(29s);
-    mManager.unpair(lookedUp);
-    settle();
-    pass(1s);
-    endRescan();
-    endRescan();
-    EXPECT_EQ(told(), Texts({"unpaired 1 126", "on 1"}));
+    EXPECT_EQ(told(), Texts({"on 1 2"}));
 }
 
 TEST_F(BluetoothStateMachineTest, PairedPeerLeavesWithTheFirstRescanThatDoesNotTellOfIt) {

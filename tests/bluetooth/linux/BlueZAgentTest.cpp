@@ -97,7 +97,7 @@ TEST_F(BlueZAgentTest, PairingThatFailsTellsWhy) {
     EXPECT_EQ(pairing.value(), 1223);
 }
 
-TEST_F(BlueZAgentTest, RequestThatNobodyAnswersIsRefusedAfter25Seconds) {
+TEST_F(BlueZAgentTest, RequestThatNobodyAnswersIsRefusedAfter25SecondsOrAtTheStop) {
     startAsked();
     EXPECT_EQ(asked(kPhone), phone);
     clock.advance(std::chrono::seconds(25) - std::chrono::nanoseconds(1));
@@ -106,7 +106,12 @@ TEST_F(BlueZAgentTest, RequestThatNobodyAnswersIsRefusedAfter25Seconds) {
     clock.advance(std::chrono::nanoseconds(1));
     EXPECT_EQ(answer(), kRejected);
     EXPECT_EQ(run(&BlueZBackend::authRemote, kPhone), generic::kBadAddress);
+    EXPECT_EQ(asked(kPhone), phone);
+    backend->stop();
+    EXPECT_EQ(answer(2), kCanceled);
     EXPECT_FALSE(stack->device(kPhone).paired);
+    EXPECT_TRUE(backend->onAuthenticationRequest.empty());
+    EXPECT_FALSE(backend->onPeerFound.empty());
 }
 
 TEST_F(BlueZAgentTest, RequestThatThePhoneCancelsCantBeApproved) {
@@ -122,16 +127,6 @@ TEST_F(BlueZAgentTest, RequestThatThePhoneCancelsCantBeApproved) {
     clock.advance(std::chrono::seconds(24));
     EXPECT_EQ(run(&BlueZBackend::authRemote, kPhone), 0);
     EXPECT_EQ(answer(), "");
-}
-
-TEST_F(BlueZAgentTest, RequestThatIsOpenAtTheStopIsRefused) {
-    startAsked();
-    EXPECT_EQ(asked(kPhone), phone);
-    backend->stop();
-    EXPECT_EQ(answer(), kCanceled);
-    EXPECT_FALSE(stack->device(kPhone).paired);
-    EXPECT_TRUE(backend->onAuthenticationRequest.empty());
-    EXPECT_FALSE(backend->onPeerFound.empty());
 }
 
 TEST_F(BlueZAgentTest, ServicesOfAnApprovedDeviceAreAskedForOnce) {
