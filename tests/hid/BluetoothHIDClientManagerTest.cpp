@@ -117,7 +117,7 @@ TEST_F(BluetoothHidClientManager, FirstStartBuildsTheChainAndConnects) {
               (Names{"source stop", "disconnect", "sdp remove", "sdp stop"}));
 }
 
-TEST_F(BluetoothHidClientManager, OperationsOutOfTurnAreRefusedAndChangeNothing) {
+TEST_F(BluetoothHidClientManager, OperationsOutOfTurnChangeNothingAndAFailedLinkIsTriedAgain) {
     makeManager();
     CapturedLog log(kLogError, kManager);
     EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
@@ -129,10 +129,17 @@ TEST_F(BluetoothHidClientManager, OperationsOutOfTurnAreRefusedAndChangeNothing)
     EXPECT_EQ(stop(), hidCode(HidErrors::InvalidState));
     EXPECT_EQ(resume(), error_code());
     EXPECT_EQ(take(), (Names{"sdp start", kAdd}));
-    EXPECT_EQ(start(), error_code());
+    mChain.script.onConnect = [] { return kRefused; };
+    EXPECT_EQ(start(), kRefused);
+    take();
+    // What has failed is tried again at the next input.
+    EXPECT_EQ(emit(1), (Names{kConnect, "onDisconnected 111"}));
     EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
+    mChain.script.onConnect = [] { return error_code(); };
+    EXPECT_EQ(emit(2), (Names{kConnect, "onConnected", "frame 2"}));
     EXPECT_EQ(stop(), error_code());
     EXPECT_EQ(start(), error_code());
+    EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
 }
 
 TEST_F(BluetoothHidClientManager, RecordThatIsRefusedLeavesNothing) {
@@ -180,18 +187,6 @@ TEST_F(BluetoothHidClientManager,
     mManager->setIdleTimeout(1000);
     EXPECT_EQ(take(), Names{});
     EXPECT_EQ(advance(1s), (Names{"disconnect", "source refresh"}));
-}
-
-TEST_F(BluetoothHidClientManager, LinkThatFailsIsTriedAgainAtTheNextInput) {
-    makeManager();
-    mChain.script.onConnect = [] { return kRefused; };
-    EXPECT_EQ(init(), error_code());
-    EXPECT_EQ(start(), kRefused);
-    take();
-    EXPECT_EQ(emit(1), (Names{kConnect, "onDisconnected 111"}));
-    EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
-    mChain.script.onConnect = [] { return error_code(); };
-    EXPECT_EQ(emit(2), (Names{kConnect, "onConnected", "frame 2"}));
 }
 
 TEST_F(BluetoothHidClientManager, PausedLinkSleepsUntilInputOrResumption) {

@@ -90,7 +90,7 @@ class HidReport : public ::testing::Test {
     HIDReport report;
 };
 
-TEST_F(HidReport, RelativeReportHasTheLow16BitsOfAMoveOrOfTheWheelWhateverTheirOrder) {
+TEST_F(HidReport, RelativeReportHasTheLow16BitsOfAMoveOrOfTheWheelAndHoldsButtonsUntilReleased) {
     EXPECT_EQ(mouse(kRelative, 0, -2, 0x12345678),
               (Bytes{0xA1, 1, 0, 0xFE, 0xFF, 0x78, 0x56, 0, 0}));
     EXPECT_EQ(mouse(kRelative, 0, 32767, -32768), (Bytes{0xA1, 1, 0, 0xFF, 0x7F, 0, 0x80, 0, 0}));
@@ -98,9 +98,6 @@ TEST_F(HidReport, RelativeReportHasTheLow16BitsOfAMoveOrOfTheWheelWhateverTheirO
     EXPECT_EQ(mouse(kRelative, 6, 7, 0x10203), (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 3, 2}));
     EXPECT_EQ(convert(boost::make_shared<IInputMediaBufferMouse>(5, 6, std::uint8_t{0}, true)),
               (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0}));
-}
-
-TEST_F(HidReport, RelativeButtonsAreHeldUntilReleased) {
     // Unknown events change none.
     const std::vector<std::pair<std::uint8_t, std::uint8_t>> buttonsAfterEvent = {
         {2, 1}, {4, 3}, {8, 7}, {1, 6}, {7, 2}, {9, 2}, {10, 2}, {255, 2}};
@@ -121,7 +118,7 @@ TEST_F(HidReport, AbsoluteTipFollowsTheLeftButtonAndOtherEventsLiftItForOneRepor
     EXPECT_EQ(mouse(kAbsolute, 0, 8, 9), (Bytes{0xA1, 3, 0x21, 8, 0, 9, 0, 0, 0}));
 }
 
-TEST_F(HidReport, DigitizerReportsOneContactOfFixedExtentWhoseTipFollowsTheLeftButton) {
+TEST_F(HidReport, DigitizerReportsOneContactOfFixedExtentWhoseTipFollowsTheLeftButtonAndCounts) {
     EXPECT_EQ(mouse(kDigitizer, 2, 0x1234, 0x5678),
               (Bytes{0xA1, 3,    1,    0,    0x34, 0x12, 0, 0, 0x78, 0x56, 0,
                      0,    0xFF, 0x0F, 0xFF, 0x0F, 0,    0, 0, 0,    1}));
@@ -129,9 +126,6 @@ TEST_F(HidReport, DigitizerReportsOneContactOfFixedExtentWhoseTipFollowsTheLeftB
         {0, 1}, {4, 0}, {0, 1}, {1, 0}, {0, 0}};
     for (const auto& [event, tip] : tipAfterEvent)
         EXPECT_EQ(mouse(kDigitizer, event).at(2), tip);
-}
-
-TEST_F(HidReport, DigitizerCountsItsReportsAloneAndWraps) {
     for (const std::uint16_t count : {0, 255, 65535}) {
         state.scanCounter = count;
         mouse(kAbsolute, 0);
