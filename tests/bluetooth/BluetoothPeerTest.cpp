@@ -37,14 +37,11 @@ TEST(BluetoothPeer, TypeIsTheMajorDeviceClass) {
     }
 }
 
-TEST(BluetoothPeer, ConstructorsFillWhatTheyAreNotGiven) {
+TEST(BluetoothPeer, ConstructorsFillWhatTheyAreNotGivenAndAllButTheLastSightingMakesEquality) {
     const BluetoothPeer named(std::string("a\xC3\xA4"));
     EXPECT_TRUE(named == BluetoothPeer(CMacAddress(), L"a\u00C3\u00A4", 0, false));
     EXPECT_TRUE(named == BluetoothPeer(std::wstring(L"a\u00C3\u00A4")));
     EXPECT_TRUE(BluetoothPeer(kAddress) == BluetoothPeer(kAddress, L"", 0, false));
-}
-
-TEST(BluetoothPeer, EqualityIsThatOfEverythingButTheLastSighting) {
     HandClock clock;
     const BluetoothPeer peer(kAddress, L"phone", 0x200, true, clock);
     clock.advance(1min);

@@ -98,30 +98,38 @@ TEST_F(WindowsBackend, RescanAsksForKnownDevicesAndDiscoveryForTheOthers) {
 TEST_F(WindowsBackend, EachEndOfASearchGivesItsCodeAndTellsWhyAndLeavesNothingHeld) {
     const std::string noRadio = "debug getLocalRadioInfo: BluetoothFindFirstRadio failed. Error: ";
     const std::string inSearch = "error windowsFindPeers: unable to get local radio info. Error: ";
-    const std::pair<const char*, BluetoothApi::Error> failures[] = {
-        {"BluetoothFindFirstRadio", 259}, {"BluetoothFindFirstRadio", 5},
-        {"BluetoothGetRadioInfo", 1306},  {"BluetoothFindFirstDevice", 259},
-        {"BluetoothFindFirstDevice", 87},
-    };
-    const std::pair<error_code, Texts> expected[] = {
-        {genericError(116),
+
+    const struct {
+        const char* call;
+        BluetoothApi::Error error;
+        error_code expected;
+        Texts lines;
+    } cases[] = {
+        {"BluetoothFindFirstRadio",
+         259,
+         genericError(116),
          {noRadio + "259", "info windowsFindPeers() Bluetooth is not available"}},
-        {genericError(5), {noRadio + "5", inSearch + "5"}},
-        {genericError(1306),
+        {"BluetoothFindFirstRadio", 5, genericError(5), {noRadio + "5", inSearch + "5"}},
+        {"BluetoothGetRadioInfo",
+         1306,
+         genericError(1306),
          {"error getLocalRadioInfo: unable to get Bluetooth radio info. Error: 1306",
           inSearch + "1306"}},
-        {{}, {}},
-        {genericError(87), {"error windowsFindPeers: BluetoothFindFirstDevice error. Error: 87"}},
+        {"BluetoothFindFirstDevice", 259, {}, {}},
+        {"BluetoothFindFirstDevice",
+         87,
+         genericError(87),
+         {"error windowsFindPeers: BluetoothFindFirstDevice error. Error: 87"}},
     };
+
     start();
     mApi.simulateDevice(kAsker, u"Phone", 0);
-    for (std::size_t i = 0; i < std::size(failures); ++i) {
-        const auto& [call, error] = failures[i];
+    for (const auto& [call, error, expected, lines] : cases) {
         mApi.failures = {{call, {error, error}}};
         CapturedLog log(kLogDebug, kBackendName);
-        EXPECT_EQ(discover(3), expected[i].first) << i;
-        EXPECT_EQ(log.told(), expected[i].second) << i;
-        EXPECT_TRUE(mApi.held().empty()) << i;
+        EXPECT_EQ(discover(3), expected) << call << error;
+        EXPECT_EQ(log.told(), lines) << call << error;
+        EXPECT_TRUE(mApi.held().empty()) << call << error;
     }
     EXPECT_TRUE(mFound.empty());
 }
@@ -138,19 +146,6 @@ TEST_F(WindowsBackend, RadioIsOnUnlessThereIsNoneAndIsToldAsLastRead) {
     EXPECT_EQ(mBackend->getLocalAddress(), CMacAddress(L"11:22:33:44:55:66"));
 }
 
-TEST_F(WindowsBackend, DiscoverabilityFollowsThePlatformAndItsRefusalIsTold) {
-    EXPECT_EQ(mBackend->enableDiscoverable(), error_code());
-    EXPECT_TRUE(mBackend->isDiscoverable());
-    EXPECT_EQ(mBackend->disableDiscoverable(), error_code());
-    EXPECT_FALSE(mBackend->isDiscoverable());
-    mApi.failures["BluetoothEnableDiscovery"] = {87, 87};
-    CapturedLog log(kLogDebug, kBackendName);
-    EXPECT_EQ(mBackend->enableDiscoverable(), genericError(1));
-    EXPECT_EQ(mBackend->disableDiscoverable(), genericError(1));
-    EXPECT_EQ(log.told(), (Texts{"error enableDiscoverable: BluetoothEnableDiscovery error",
-                                 "error disableDiscoverable: BluetoothEnableDiscovery error"}));
-}
-
 TEST_F(WindowsBackend, OperationsOnAPeerLogWhatTheCallReturnsAndCompleteWithWhatItLeaves) {
     const struct {
         void (Backend::*operation)(const CMacAddress&, Completion);
@@ -165,6 +160,7 @@ TEST_F(WindowsBackend, OperationsOnAPeerLogWhatTheCallReturnsAndCompleteWithWhat
     };
 
     start(true);
+    EXPECT_EQ(perform(&Backend::authRemote), genericError(14)) << "nobody asked";
     ASSERT_TRUE(mApi.simulateRequest(kAsker, 5, 123456));
     (void)mApi.asked();
 
@@ -178,16 +174,10 @@ TEST_F(WindowsBackend, OperationsOnAPeerLogWhatTheCallReturnsAndCompleteWithWhat
                   (Texts{std::string("error ") + name + ": " + call + " error. Error: 1244"}));
         (void)mApi.asked();
     }
-}
-
-TEST_F(WindowsBackend, AnswerForAnotherPeerThanTheOneThatAskedLastIsNotSent) {
-    start(true);
-    EXPECT_EQ(perform(&Backend::authRemote), genericError(14)) << "nobody asked";
-    ASSERT_TRUE(mApi.simulateRequest(kAsker));
     ASSERT_TRUE(mApi.simulateRequest(kAsker + 1));
     (void)mApi.asked();
     CapturedLog log(kLogDebug, kBackendName);
-    EXPECT_EQ(perform(&Backend::authRemote), genericError(14));
+    EXPECT_EQ(perform(&Backend::authRemote), genericError(14)) << "another has asked since";
     EXPECT_EQ(log.told(), Texts{"error authRemote: MAC address mismatch"});
     EXPECT_TRUE(mApi.asked().empty());
 }
@@ -229,14 +219,23 @@ TEST_F(WindowsBackend, RequestIsToldWhereItComesAndOpensThePairingUiHalfASecondA
     EXPECT_EQ(std::ranges::count(mApi.asked(), post), 1) << "at once";
 }
 
-TEST_F(WindowsBackend, WhatIsNotThereIsTold) {
+TEST_F(WindowsBackend, WhatIsNotThereOrRefusedIsTold) {
     start(false);
     EXPECT_FALSE(mApi.simulateRequest(kAsker)) << "nobody has registered";
+    EXPECT_EQ(mBackend->enableDiscoverable(), error_code());
+    EXPECT_TRUE(mBackend->isDiscoverable());
+    EXPECT_EQ(mBackend->disableDiscoverable(), error_code());
+    EXPECT_FALSE(mBackend->isDiscoverable());
     mApi.hasTrayWindow = false;
+    mApi.failures["BluetoothEnableDiscovery"] = {87, 87};
     CapturedLog log(kLogDebug, kBackendName);
+    EXPECT_EQ(mBackend->enableDiscoverable(), genericError(1));
+    EXPECT_EQ(mBackend->disableDiscoverable(), genericError(1));
     EXPECT_EQ(mBackend->showPairingUi(), genericError(3));
     EXPECT_EQ(mBackend->unregisterIncoming(), genericError(1));
-    EXPECT_EQ(log.told(), (Texts{"error showPairingUi: unable to find BT tray window",
+    EXPECT_EQ(log.told(), (Texts{"error enableDiscoverable: BluetoothEnableDiscovery error",
+                                 "error disableDiscoverable: BluetoothEnableDiscovery error",
+                                 "error showPairingUi: unable to find BT tray window",
                                  "error unregisterIncoming: not registered"}));
 }
 

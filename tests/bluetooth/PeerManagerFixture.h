@@ -7,7 +7,9 @@
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -74,6 +76,18 @@ class PeerManagerTest : public testing::Test {
     Texts calls() {
         settle();
         return mRadio.calls();
+    }
+
+    /// What the radio was asked, and then what the signals told.
+    Texts happened() {
+        Texts all = calls();
+        std::ranges::copy(told(), std::back_inserter(all));
+        return all;
+    }
+
+    void endRescan(error_code ec = {}) {
+        mRadio.simulateEnd("rescan", ec);
+        settle();
     }
 
     void pass(IClock::Duration time) {

@@ -36,10 +36,15 @@ LookupResult lookUp(NameSpaceApi& api) {
     return result.get_future().get();
 }
 
-TEST(ServiceLookup, FirstRecordIsToldWithItsAddress) {
-    for (const auto& record : {std::optional(Bytes{0x35, 3, 9}), std::optional<Bytes>()}) {
+TEST(ServiceLookup, FirstRecordIsToldWithItsAddressAndTooSmallABufferCostsOneMoreCall) {
+    const std::pair<std::optional<Bytes>, bool> cases[] = {
+        {Bytes{0x35, 3, 9}, false}, {std::nullopt, false}, {Bytes(3000, 7), true}};
+
+    for (const auto& [record, tooLong] : cases) {
         FakeNameSpaceApi api;
         api.answers = {{0, 120, kFoundAt, record}, {0, 120, SockaddrBth{}, Bytes{1}}};
+        if (tooLong)
+            api.answers.push_front({10014, 4000, {}, {}});
         const LookupResult found = lookUp(api);
         EXPECT_EQ(found.ec, error_code());
         EXPECT_EQ(std::memcmp(&found.service, &kFoundAt, 30), 0);
@@ -47,18 +52,10 @@ TEST(ServiceLookup, FirstRecordIsToldWithItsAddress) {
         EXPECT_EQ(api.flags, 0x9FF0u);
         EXPECT_EQ(api.context, L"00:1A:7D:DA:71:13");
         EXPECT_EQ(api.serviceClass, kService);
-        EXPECT_EQ(api.sizes, std::vector<std::uint32_t>{120});
+        const std::vector<std::uint32_t> twice = {120, 4000};
+        EXPECT_EQ(api.sizes, tooLong ? twice : std::vector<std::uint32_t>{120});
         EXPECT_EQ(api.open, 0);
     }
-}
-
-TEST(ServiceLookup, BufferThatIsTooSmallCostsOneMoreCall) {
-    FakeNameSpaceApi api;
-    api.answers = {{10014, 4000, {}, {}}, {0, 4000, kFoundAt, Bytes(3000, 7)}};
-    const LookupResult found = lookUp(api);
-    EXPECT_EQ(found.ec, error_code());
-    EXPECT_EQ(found.record, Bytes(3000, 7));
-    EXPECT_EQ(api.sizes, (std::vector<std::uint32_t>{120, 4000}));
 }
 
 TEST(ServiceLookup, EachEndWithoutARecordGivesItsCodeAndTellsWhy) {

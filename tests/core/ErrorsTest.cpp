@@ -65,7 +65,7 @@ TEST(ErrorAreas, MessageNamesTheCodeAndIsEmptyOutsideTheRun) {
         EXPECT_EQ(IpcErrors::getErrorCode(value).message(), shown(category, "")) << value;
 }
 
-TEST(ApiCategory, MessageNamesTheCallAndHasTheSystemsText) {
+TEST(ApiCategory, MessageNamesTheCallAndHasTheSystemsTextAndEachCallHasOneObjectForAllThreads) {
     const error_code error(2, apiCategory("Driver:CreateFile"));
     EXPECT_STREQ(error.category().name(), "Driver:CreateFile");
     EXPECT_EQ(error.message(), shown("Driver:CreateFile", systemErrorText(2)));
@@ -73,9 +73,6 @@ TEST(ApiCategory, MessageNamesTheCallAndHasTheSystemsText) {
     const error_code unknown(999999, ErrorCategory<Win32Api>::instance());
     EXPECT_EQ(unknown.message(), shown("class Win32Api", ""));
     EXPECT_EQ(systemErrorText(-1), "");
-}
-
-TEST(ApiCategory, IsOneObjectForEachCallWhateverTheThread) {
     std::vector<const boost::system::error_category*> seen(8);
     std::vector<std::thread> threads;
     for (auto& category : seen)

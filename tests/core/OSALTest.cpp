@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace orbelantine {
 namespace {
@@ -32,7 +33,7 @@ ORB_OSAL_REGISTER(Vehicle, Bicycle, "Bicycle", int);
 ORB_OSAL_REGISTER(Vehicle, Sledge, "IVideoRenderer::Dummy", int);
 ORB_OSAL_REGISTER(Vehicle, Sledge, "SerializableVideoSocketSource", int);
 
-TEST(OSALFactory, LookupGoesFromTheHintToTheProfiles) {
+TEST(OSALFactory, LookupGoesFromTheHintToTheProfilesInTheirOrder) {
     const struct {
         const char* interfaceName;
         const char* hint;
@@ -42,6 +43,7 @@ TEST(OSALFactory, LookupGoesFromTheHintToTheProfiles) {
         {"IMouseSource", "", 0, "RelativeMouseSource"},
         {"IMouseSource", "input_pipeline:hid", 0, "RelativeMouseSource"},
         {"IFoo", "", 0, ""},
+        {"IMouseReverser", "", 0, ""},
         // A hint that names a profile puts it first; the index goes on from it to the next match.
         {"IMouseSource", "absolute_mouse", 0, "AbsoluteMouseSource"},
         {"IMouseSource", "absolute_mouse", 1, "RelativeMouseSource"},
@@ -61,15 +63,12 @@ TEST(OSALFactory, LookupGoesFromTheHintToTheProfiles) {
     for (const auto& [interfaceName, hint, index, implementation] : cases)
         EXPECT_EQ(factory.lookupFactoryName(interfaceName, hint, index), implementation)
             << interfaceName << " " << hint << " " << index;
-}
-
-TEST(OSALFactory, ProfileListIsSearchedInOrder) {
-    OSALFactory factory;
-    EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "");
-    factory.profiles().push_front("ios");
-    EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "IMouseReverser::Dummy");
-    factory.profiles().push_front("android");
-    EXPECT_EQ(factory.lookupFactoryName("IMouseReverser", "", 0), "AndroidMouseReverser");
+    OSALFactory changed;
+    for (const auto& [profile, implementation] :
+         {std::pair{"ios", "IMouseReverser::Dummy"}, {"android", "AndroidMouseReverser"}}) {
+        changed.profiles().push_front(profile);
+        EXPECT_EQ(changed.lookupFactoryName("IMouseReverser", "", 0), implementation);
+    }
 }
 
 TEST(OSALFactory, RetrievalPassesOverMatchesWithoutACreatorDownToTheDummy) {

@@ -62,7 +62,7 @@ TEST(WindowsEvent, LastCopyClosesTheHandle) {
     EXPECT_EQ(kernel_event::waitForOne(handle, 0).value, kernel_event::kWaitFailed);
 }
 
-TEST(WindowsEvent, WaitForAllTakesNoneUntilAllAreSignalledAndForAnyTheFirstAlone) {
+TEST(WindowsEvent, WaitForAllTakesNoneUntilAllAreSignalledAndForAnyTheFirstAloneAlsoInRecords) {
     const Events events{automatic(true), automatic(), manual(true)};
     EXPECT_FALSE(WindowsEvent::waitAll(events, kShort));
     WindowsEvent(events[1]).set();
@@ -72,9 +72,7 @@ TEST(WindowsEvent, WaitForAllTakesNoneUntilAllAreSignalledAndForAnyTheFirstAlone
     EXPECT_EQ(WindowsEvent::waitAny(first, 0), 1U);
     EXPECT_EQ(WindowsEvent::waitAny(first, 0), 2U);
     EXPECT_EQ(WindowsEvent::waitAny(first, kShort), 0xFFFFFFFF);
-}
 
-TEST(WindowsEvent, WaitsOnTheEventsOfRecords) {
     struct Record {
         int number;
         WindowsEvent event;
@@ -100,7 +98,7 @@ TEST(WindowsEvent, GroupWaitThatEndsWithoutAnEventIsLogged) {
                                  "error waitAll() wait failed. Error: 87"}));
 }
 
-TEST(WindowsEvent, AutomaticEventLetsWaitingThreadsThroughOneByOne) {
+TEST(WindowsEvent, AutomaticEventLetsWaitingThreadsThroughOneByOneAndItsLastOneEndsAWaitForAll) {
     WindowsEvent event = automatic();
     WindowsEvent passed = automatic();
     std::atomic<int> count = 0;
@@ -117,9 +115,6 @@ TEST(WindowsEvent, AutomaticEventLetsWaitingThreadsThroughOneByOne) {
         EXPECT_EQ(count, expected);
     }
     EXPECT_TRUE(first.get() && second.get());
-}
-
-TEST(WindowsEvent, WaitForAllOfAnotherThreadEndsWithItsLastEvent) {
     Events events{automatic(), automatic()};
     auto waiting = onThread([events] { return WindowsEvent::waitAll(events, kLong); });
     events[1].set();

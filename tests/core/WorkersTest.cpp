@@ -35,17 +35,14 @@ TEST(CallGate, LetsCallsInUntilItIsShutAndGivesUpOnOneThatStays) {
     for (int i = 0; i < 2; ++i)
         EXPECT_TRUE(gate.shut(kLongBound));
     EXPECT_FALSE(CallGate::Call(gate).inside());
-}
-
-TEST(CallGate, ShuttingEndsWithTheLastCall) {
-    CallGate gate;
-    auto call = std::make_unique<CallGate::Call>(gate);
+    CallGate awaited;
+    auto call = std::make_unique<CallGate::Call>(awaited);
     std::thread leaver([&] {
-        while (CallGate::Call(gate).inside())
+        while (CallGate::Call(awaited).inside())
             std::this_thread::yield();
         call.reset();
     });
-    EXPECT_TRUE(gate.shut(kLongBound));
+    EXPECT_TRUE(awaited.shut(kLongBound)) << "with the last call";
     leaver.join();
 }
 

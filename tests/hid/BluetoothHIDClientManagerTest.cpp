@@ -117,7 +117,7 @@ TEST_F(BluetoothHidClientManager, FirstStartBuildsTheChainAndConnects) {
               (Names{"source stop", "disconnect", "sdp remove", "sdp stop"}));
 }
 
-TEST_F(BluetoothHidClientManager, OperationsOutOfTurnAreRefusedAndChangeNothing) {
+TEST_F(BluetoothHidClientManager, OperationsOutOfTurnChangeNothingAndAFailedLinkIsTriedAgain) {
     makeManager();
     CapturedLog log(kLogError, kManager);
     EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
@@ -129,10 +129,17 @@ TEST_F(BluetoothHidClientManager, OperationsOutOfTurnAreRefusedAndChangeNothing)
     EXPECT_EQ(stop(), hidCode(HidErrors::InvalidState));
     EXPECT_EQ(resume(), error_code());
     EXPECT_EQ(take(), (Names{"sdp start", kAdd}));
-    EXPECT_EQ(start(), error_code());
+    mChain.script.onConnect = [] { return kRefused; };
+    EXPECT_EQ(start(), kRefused);
+    take();
+    // What has failed is tried again at the next input.
+    EXPECT_EQ(emit(1), (Names{kConnect, "onDisconnected 111"}));
     EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
+    mChain.script.onConnect = [] { return error_code(); };
+    EXPECT_EQ(emit(2), (Names{kConnect, "onConnected", "frame 2"}));
     EXPECT_EQ(stop(), error_code());
     EXPECT_EQ(start(), error_code());
+    EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
 }
 
 TEST_F(BluetoothHidClientManager, RecordThatIsRefusedLeavesNothing) {
@@ -154,47 +161,32 @@ TEST_F(BluetoothHidClientManager, RecordThatIsRefusedLeavesNothing) {
                "error cleanup() failed deinit sdp:4", "error cleanup() failed deinit sdp:6"}));
 }
 
-TEST_F(BluetoothHidClientManager, IdleLinkSleepsAndWakesWithinTheNextFrame) {
-    startAll();
-    mManager->setIdleTimeout(10000);
-    EXPECT_EQ(advance(9s), Names{});
-    EXPECT_EQ(emit(1), Names{"frame 1"});
-    EXPECT_EQ(advance(9s), Names{});
-    EXPECT_EQ(advance(1s), (Names{"disconnect", "source refresh"}));
-    EXPECT_EQ(advance(1h), Names{});
-    EXPECT_EQ(emit(2), (Names{kConnect, "onConnected", "frame 2"}));
-    EXPECT_EQ(advance(10s), (Names{"disconnect", "source refresh"}));
-}
-
-TEST_F(BluetoothHidClientManager, IdleTimeoutCountsFromItsSettingAndZeroEndsIt) {
+TEST_F(BluetoothHidClientManager,
+       IdleLinkSleepsUntilTheNextFrameAndItsTimeoutCountsFromItsSetting) {
     startAll();
 
     const struct {
         std::uint64_t timeout;
         IClock::Duration silence;
-    } settings[] = {{~std::uint64_t{0}, 24h}, {1000, 999ms}, {5000, 4999ms}, {0, 1h}};
+    } settings[] = {{~std::uint64_t{0}, 24h}, {1000, 999ms}, {5000, 4999ms}, {0, 1h}, {10000, 9s}};
 
     for (const auto& [timeout, silence] : settings) {
         mManager->setIdleTimeout(timeout);
         EXPECT_EQ(advance(silence), Names{}) << timeout;
     }
     EXPECT_EQ(emit(1), Names{"frame 1"});
+    EXPECT_EQ(advance(9s), Names{});
+    EXPECT_EQ(advance(1s), (Names{"disconnect", "source refresh"}));
+    EXPECT_EQ(advance(1h), Names{});
+    EXPECT_EQ(emit(2), (Names{kConnect, "onConnected", "frame 2"}));
+    EXPECT_EQ(advance(10s), (Names{"disconnect", "source refresh"}));
+    EXPECT_EQ(emit(3), (Names{kConnect, "onConnected", "frame 3"}));
+    mManager->setIdleTimeout(0);
+    EXPECT_EQ(emit(4), Names{"frame 4"});
     EXPECT_EQ(advance(1h), Names{});
     mManager->setIdleTimeout(1000);
     EXPECT_EQ(take(), Names{});
     EXPECT_EQ(advance(1s), (Names{"disconnect", "source refresh"}));
-}
-
-TEST_F(BluetoothHidClientManager, LinkThatFailsIsTriedAgainAtTheNextInput) {
-    makeManager();
-    mChain.script.onConnect = [] { return kRefused; };
-    EXPECT_EQ(init(), error_code());
-    EXPECT_EQ(start(), kRefused);
-    take();
-    EXPECT_EQ(emit(1), (Names{kConnect, "onDisconnected 111"}));
-    EXPECT_EQ(start(), hidCode(HidErrors::InvalidState));
-    mChain.script.onConnect = [] { return error_code(); };
-    EXPECT_EQ(emit(2), (Names{kConnect, "onConnected", "frame 2"}));
 }
 
 TEST_F(BluetoothHidClientManager, PausedLinkSleepsUntilInputOrResumption) {
@@ -259,23 +251,19 @@ TEST_F(BluetoothHidClientManager, LostClientTakesDownTheChainOnTheWorker) {
     EXPECT_EQ(mChain.script.journal.take(), Names{"onDisconnected 111"});
 }
 
-TEST_F(BluetoothHidClientManager, SourceMayWaitForItsOwnThreadWhileItStops) {
+TEST_F(BluetoothHidClientManager,
+       SourceMayWaitForItsOwnThreadWhileItStopsAndReachNobodyAfterwards) {
     startAll();
     CapturedLog log(kLogWarning, kManager);
     mChain.script.onSourceStop = [this] { std::thread([this] { mChain.source->emit(1); }).join(); };
     EXPECT_EQ(stop(), error_code());
     EXPECT_EQ(log.told(), Texts{kDiscarded});
     EXPECT_EQ(take(), (Names{"source stop", "disconnect"}));
-}
-
-TEST_F(BluetoothHidClientManager, NothingReachesAManagerThatIsGone) {
-    startAll();
-    const auto source = mChain.source;
-    const auto client = mChain.client;
+    EXPECT_EQ(start(), error_code());
+    take();
     mManager.reset();
-    CapturedLog log(kLogWarning, kManager);
-    source->emit(1);
-    client->onDisconnected(kRefused);
+    mChain.source->emit(1);
+    mChain.client->onDisconnected(kRefused);
     EXPECT_EQ(log.told(), Texts{kDiscarded});
     EXPECT_EQ(mChain.script.journal.take(), Names{});
 }

@@ -63,7 +63,7 @@ class HidEventsPacker : public ::testing::Test {
     boost::shared_ptr<Recorder> target = boost::make_shared<Recorder>();
 };
 
-TEST_F(HidEventsPacker, MouseReportHasSixBytesInABufferOfTwelve) {
+TEST_F(HidEventsPacker, MouseReportHasSixBytesInABufferOfTwelveAndHoldsButtonsUntilReleased) {
     EXPECT_EQ(mouse(0, 5, -6), (Bytes{0xA1, 1, 0, 5, 0xFA, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(mouse(5, 5, -1), (Bytes{0xA1, 1, 0, 0, 0, 0xFF, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(mouse(6, 5, 0x102), (Bytes{0xA1, 1, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0}));
@@ -71,9 +71,6 @@ TEST_F(HidEventsPacker, MouseReportHasSixBytesInABufferOfTwelve) {
         0x05000000, 0x06000000, std::uint8_t{0}, false, std::uint64_t{0});
     EXPECT_EQ(bytesAfter(hostOrder), (Bytes{0xA1, 1, 0, 5, 6, 0, 0, 0, 0, 0, 0, 0}))
         << "swapped whatever the order";
-}
-
-TEST_F(HidEventsPacker, ButtonsAreHeldUntilReleased) {
     const std::vector<std::pair<std::uint8_t, std::uint8_t>> buttonsAfterEvent = {
         {2, 1}, {4, 3}, {8, 7}, {1, 6}, {3, 4}, {7, 0}};
     for (const auto& [event, buttons] : buttonsAfterEvent)
@@ -100,16 +97,6 @@ TEST_F(HidEventsPacker, EveryEventIsLoggedAndAnUnknownOneDropped) {
             onFrame + "- error parsing mouse event.",
             "debug BluetoothHIDClientBase::doOnFrame - failed translating keycode: 30",
             onFrame + "- error parsing keyboard event."}));
-}
-
-TEST_F(HidEventsPacker, KeyboardReportHasEightPlaces) {
-    Bytes expected{0xA1, 2, 0, 241, 242, 250, 243, 240, 239, 238, 237, 0};
-    for (const std::uint8_t virtualKey : {166, 167, 168, 169, 172, 173, 174})
-        key(virtualKey, 0);
-    EXPECT_EQ(key(175, 0), expected);
-    EXPECT_EQ(key(176, 0), expected);
-    expected.at(4) = 0;
-    EXPECT_EQ(key(167, 1), expected);
 }
 
 TEST_F(HidEventsPacker, FrameTellsKindAndTimesAndACopyHasAReportOfItsOwn) {
@@ -142,9 +129,15 @@ TEST_F(HidEventsPacker, FrameTellsKindAndTimesAndACopyHasAReportOfItsOwn) {
     EXPECT_EQ(mouseFrame.copy(11)->getType(), 11);
 }
 
-TEST_F(HidEventsPacker, StopForgetsWhatIsHeldAndSendsToANullElement) {
+TEST_F(HidEventsPacker, KeyboardReportHasEightPlacesAndStopForgetsWhatIsHeldAndSendsToNobody) {
+    Bytes expected{0xA1, 2, 0, 241, 242, 250, 243, 240, 239, 238, 237, 0};
+    for (const std::uint8_t virtualKey : {166, 167, 168, 169, 172, 173, 174})
+        key(virtualKey, 0);
+    EXPECT_EQ(key(175, 0), expected);
+    EXPECT_EQ(key(176, 0), expected);
+    expected.at(4) = 0;
+    EXPECT_EQ(key(167, 1), expected);
     mouse(2);
-    key(kBrowserBack, 0);
     packer.stop();
     EXPECT_EQ(target.use_count(), 1);
     CapturedLog log(kLogDebug);

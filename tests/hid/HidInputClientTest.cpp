@@ -24,7 +24,10 @@ const std::string kClient = "orbelantine::HidInputClient::";
 
 class HidInput : public testing::Test {
   protected:
-    HidInput() {
+    HidInput() { makeClient(); }
+
+    void makeClient() {
+        mClient = boost::make_shared<HidInputClient>(KVStore(), mClock);
         mClient->onConnected.connect([this] { note("onConnected"); });
         mClient->onDisconnected.connect(
             [this](error_code ec) { note("onDisconnected " + std::to_string(ec.value())); });
@@ -52,8 +55,7 @@ class HidInput : public testing::Test {
     const BluetoothPeer mPeer{CMacAddress(std::uint64_t{0x0123456789AB})};
     FakeChain mChain;
     HandClock mClock;
-    boost::shared_ptr<HidInputClient> mClient =
-        boost::make_shared<HidInputClient>(KVStore(), mClock);
+    boost::shared_ptr<HidInputClient> mClient;
 };
 
 TEST_F(HidInput, ConnectsAndDisconnectsAsOneSequence) {
@@ -93,29 +95,28 @@ TEST_F(HidInput, LinkThatFailsIsTheResultAndRaisesOnTheWorker) {
                                  "error onManagerDisconnected() onDisconnected - " + refused}));
 }
 
-TEST_F(HidInput, RecordRefreshRunsOnceAndGivesThePhoneThreeSeconds) {
-    mClient->setHidRemoteSdpRefresh(true);
-    mChain.script.unplugResult = kPhoneRefused;
-    EXPECT_EQ(connect(), error_code());
-    EXPECT_EQ(mClock.pauses(), Pauses{3s});
-    EXPECT_EQ(disconnect(), error_code());
-    EXPECT_EQ(take(),
-              (Names{"client", kPhoneConnect, "unplug", "disconnect", kPhoneConnect, "disconnect",
-                     "refreshed 111", "client", "source 3 2 1 2", "source start", kPhoneConnect,
-                     "onConnected", "source stop", "disconnect"}));
-    EXPECT_EQ(connect(), error_code());
-    EXPECT_EQ(mClock.pauses(), Pauses{3s});
-}
+TEST_F(HidInput, RecordRefreshRunsOnceAndGivesThePhoneThreeSecondsEvenOutOfReach) {
+    const std::pair<error_code, Names> cases[] = {
+        {{},
+         {"client", kPhoneConnect, "unplug", "disconnect", kPhoneConnect, "disconnect",
+          "refreshed 111", "client", "source 3 2 1 2", "source start", kPhoneConnect, "onConnected",
+          "source stop", "disconnect"}},
+        {kPhoneRefused,
+         {"client", kPhoneConnect, "refreshed 111", "client", "source 3 2 1 2", "source start",
+          kPhoneConnect, "onDisconnected 111", "source stop", "disconnect"}}};
 
-TEST_F(HidInput, RefreshThatCannotReachThePeerStillStartsAndSucceeds) {
-    mClient->setHidRemoteSdpRefresh(true);
-    mChain.script.onConnect = [] { return kPhoneRefused; };
-    EXPECT_EQ(connect(), error_code());
-    EXPECT_EQ(mClock.pauses(), Pauses{3s});
-    EXPECT_EQ(disconnect(), error_code());
-    EXPECT_EQ(take(), (Names{"client", kPhoneConnect, "refreshed 111", "client", "source 3 2 1 2",
-                             "source start", kPhoneConnect, "onDisconnected 111", "source stop",
-                             "disconnect"}));
+    mChain.script.unplugResult = kPhoneRefused;
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        makeClient();
+        mClient->setHidRemoteSdpRefresh(true);
+        mChain.script.onConnect = [result = cases[i].first] { return result; };
+        EXPECT_EQ(connect(), error_code());
+        EXPECT_EQ(disconnect(), error_code());
+        EXPECT_EQ(take(), cases[i].second);
+        EXPECT_EQ(mClock.pauses(), Pauses(i + 1, 3s));
+    }
+    EXPECT_EQ(connect(), kPhoneRefused);
+    EXPECT_EQ(mClock.pauses(), Pauses(2, 3s));
 }
 
 TEST_F(HidInput, PauseResumeAndIdleTimeoutReachTheLink) {
@@ -135,21 +136,32 @@ TEST_F(HidInput, PauseResumeAndIdleTimeoutReachTheLink) {
     mChain.script.journal.await("source refresh");
 }
 
-TEST_F(HidInput, ForcedDisconnectBreaksAConnectThatHangs) {
+TEST_F(HidInput, ForcedDisconnectOrDeletionBreaksAConnectThatHangsAndCompletesWhatWaits) {
     int completions = 0;
-    mClient->forceDisconnect([&](error_code ec) { completions += !ec; });
+    const auto count = [&](error_code ec) { completions += !ec; };
+    mClient->forceDisconnect(count);
     mClient->forceDisconnect({});
     EXPECT_EQ(completions, 1);
     mChain.script.onConnect = [this] {
         mChain.script.journal.await("force");
         return kPhoneRefused;
     };
-    std::promise<error_code> connected;
-    mClient->connect(mPeer, [&](error_code ec) { connected.set_value(ec); });
-    mChain.script.journal.await(kPhoneConnect);
-    mClient->forceDisconnect([&](error_code ec) { completions += !ec; });
+    for (const bool deletes : {false, true}) {
+        makeClient();
+        std::promise<error_code> connected;
+        std::promise<error_code> disconnected;
+        mClient->connect(mPeer, [&](error_code ec) { connected.set_value(ec); });
+        mClient->disconnect([&](error_code ec) { disconnected.set_value(ec); });
+        mChain.script.journal.await(kPhoneConnect);
+        if (deletes)
+            mClient.reset();
+        else
+            mClient->forceDisconnect(count);
+        EXPECT_EQ(connected.get_future().get(), kPhoneRefused);
+        EXPECT_EQ(disconnected.get_future().get(), deletes ? kTakenBack : error_code());
+        take();
+    }
     EXPECT_EQ(completions, 2);
-    EXPECT_EQ(connected.get_future().get(), kPhoneRefused);
 }
 
 TEST_F(HidInput, MayBeDeletedOnItsWorkerInACompletionOrASignal) {
@@ -172,7 +184,7 @@ TEST_F(HidInput, MayBeDeletedOnItsWorkerInACompletionOrASignal) {
     };
 
     for (const auto& place : places) {
-        mClient = boost::make_shared<HidInputClient>(KVStore(), mClock);
+        makeClient();
         std::promise<void> ended;
         std::promise<error_code> dropped;
         place([&] {
@@ -183,21 +195,6 @@ TEST_F(HidInput, MayBeDeletedOnItsWorkerInACompletionOrASignal) {
         ended.get_future().wait();
         EXPECT_EQ(dropped.get_future().get(), kTakenBack);
     }
-}
-
-TEST_F(HidInput, DeletionBreaksAConnectThatHangsAndCompletesWhatWaits) {
-    mChain.script.onConnect = [this] {
-        mChain.script.journal.await("force");
-        return kPhoneRefused;
-    };
-    std::promise<error_code> connected;
-    std::promise<error_code> disconnected;
-    mClient->connect(mPeer, [&](error_code ec) { connected.set_value(ec); });
-    mClient->disconnect([&](error_code ec) { disconnected.set_value(ec); });
-    mChain.script.journal.await(kPhoneConnect);
-    mClient.reset();
-    EXPECT_EQ(connected.get_future().get(), kPhoneRefused);
-    EXPECT_EQ(disconnected.get_future().get(), kTakenBack);
 }
 
 TEST_F(HidInput, ExceptionOnAWorkerFailsAllThatIsAskedAndIsToldInTheLog) {

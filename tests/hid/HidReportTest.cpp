@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -29,32 +30,25 @@ KVStore configuration(bool apple) {
 }
 
 /// One key that the test chooses the codes of.
-class OneKey : public IHIDKeyTranslator {
-  public:
-    OneKey(std::uint32_t consumer, std::uint32_t system, std::uint32_t key)
-        : mConsumer(consumer)
-        , mSystem(system)
-        , mKey(key) {}
-
+struct OneKey : IHIDKeyTranslator {
     HIDTypes::eUSBHIDKeyCodes translateScanCode(std::int32_t) override {
-        return HIDTypes::eUSBHIDKeyCodes(mKey);
+        return HIDTypes::eUSBHIDKeyCodes(key);
     }
 
     HIDTypes::eUSBHIDKeyCodes translateVirtualKey(std::int32_t) override { return {}; }
 
     BluetoothHIDClientTypes::eUSBHIDConsumerKeyCodes translateConsumerKey(std::int32_t) override {
-        return BluetoothHIDClientTypes::eUSBHIDConsumerKeyCodes(mConsumer);
+        return BluetoothHIDClientTypes::eUSBHIDConsumerKeyCodes(consumer);
     }
 
     BluetoothHIDClientTypes::eUSBHIDSystemControlKeyCodes
     translateSystemControlKey(std::int32_t) override {
-        return BluetoothHIDClientTypes::eUSBHIDSystemControlKeyCodes(mSystem);
+        return BluetoothHIDClientTypes::eUSBHIDSystemControlKeyCodes(system);
     }
 
-  private:
-    std::uint32_t mConsumer;
-    std::uint32_t mSystem;
-    std::uint32_t mKey;
+    std::uint32_t consumer = 0;
+    std::uint32_t system = 0;
+    std::uint32_t key = 0;
 };
 
 /// A converter with a device's state; each call gives the bytes of one event's report, or none.
@@ -84,8 +78,9 @@ class HidReport : public ::testing::Test {
     }
 
     void useKey(std::uint32_t consumer, std::uint32_t system, std::uint32_t key) {
-        converter = boost::make_shared<HIDMediaReportConverter>(
-            boost::make_shared<OneKey>(consumer, system, key));
+        const auto keys = boost::make_shared<OneKey>();
+        std::tie(keys->consumer, keys->system, keys->key) = std::tie(consumer, system, key);
+        converter = boost::make_shared<HIDMediaReportConverter>(keys);
         state = {};
     }
 
@@ -95,7 +90,7 @@ class HidReport : public ::testing::Test {
     HIDReport report;
 };
 
-TEST_F(HidReport, RelativeReportHasTheLow16BitsOfAMoveOrOfTheWheelWhateverTheirOrder) {
+TEST_F(HidReport, RelativeReportHasTheLow16BitsOfAMoveOrOfTheWheelAndHoldsButtonsUntilReleased) {
     EXPECT_EQ(mouse(kRelative, 0, -2, 0x12345678),
               (Bytes{0xA1, 1, 0, 0xFE, 0xFF, 0x78, 0x56, 0, 0}));
     EXPECT_EQ(mouse(kRelative, 0, 32767, -32768), (Bytes{0xA1, 1, 0, 0xFF, 0x7F, 0, 0x80, 0, 0}));
@@ -103,9 +98,6 @@ TEST_F(HidReport, RelativeReportHasTheLow16BitsOfAMoveOrOfTheWheelWhateverTheirO
     EXPECT_EQ(mouse(kRelative, 6, 7, 0x10203), (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 3, 2}));
     EXPECT_EQ(convert(boost::make_shared<IInputMediaBufferMouse>(5, 6, std::uint8_t{0}, true)),
               (Bytes{0xA1, 1, 0, 0, 0, 0, 0, 0, 0}));
-}
-
-TEST_F(HidReport, RelativeButtonsAreHeldUntilReleased) {
     // Unknown events change none.
     const std::vector<std::pair<std::uint8_t, std::uint8_t>> buttonsAfterEvent = {
         {2, 1}, {4, 3}, {8, 7}, {1, 6}, {7, 2}, {9, 2}, {10, 2}, {255, 2}};
@@ -126,7 +118,7 @@ TEST_F(HidReport, AbsoluteTipFollowsTheLeftButtonAndOtherEventsLiftItForOneRepor
     EXPECT_EQ(mouse(kAbsolute, 0, 8, 9), (Bytes{0xA1, 3, 0x21, 8, 0, 9, 0, 0, 0}));
 }
 
-TEST_F(HidReport, DigitizerReportsOneContactOfFixedExtentWhoseTipFollowsTheLeftButton) {
+TEST_F(HidReport, DigitizerReportsOneContactOfFixedExtentWhoseTipFollowsTheLeftButtonAndCounts) {
     EXPECT_EQ(mouse(kDigitizer, 2, 0x1234, 0x5678),
               (Bytes{0xA1, 3,    1,    0,    0x34, 0x12, 0, 0, 0x78, 0x56, 0,
                      0,    0xFF, 0x0F, 0xFF, 0x0F, 0,    0, 0, 0,    1}));
@@ -134,19 +126,14 @@ TEST_F(HidReport, DigitizerReportsOneContactOfFixedExtentWhoseTipFollowsTheLeftB
         {0, 1}, {4, 0}, {0, 1}, {1, 0}, {0, 0}};
     for (const auto& [event, tip] : tipAfterEvent)
         EXPECT_EQ(mouse(kDigitizer, event).at(2), tip);
-}
-
-TEST_F(HidReport, DigitizerCountsItsReportsAndWraps) {
-    const auto counter = [this] {
-        const Bytes bytes = mouse(kDigitizer, 0);
-        return bytes.at(18) | bytes.at(19) << 8;
-    };
-    EXPECT_EQ(counter(), 0);
-    mouse(kAbsolute, 0);
-    EXPECT_EQ(counter(), 1);
-    state.scanCounter = 65535;
-    EXPECT_EQ(counter(), 65535);
-    EXPECT_EQ(counter(), 0);
+    for (const std::uint16_t count : {0, 255, 65535}) {
+        state.scanCounter = count;
+        mouse(kAbsolute, 0);
+        for (const std::uint8_t step : {0, 1}) {
+            const Bytes bytes = mouse(kDigitizer, 0);
+            EXPECT_EQ(bytes.at(18) | bytes.at(19) << 8, (count + step) % 65536);
+        }
+    }
 }
 
 TEST_F(HidReport, OtherModesGiveNoReportAndAClearedRecordAndKeepTheState) {
@@ -165,14 +152,12 @@ boost::shared_ptr<IMediaBuffer> hostBuffer(std::uint8_t type, Bytes& payload) {
                                               std::uint64_t{0}, payload.data(), false);
 }
 
-TEST_F(HidReport, HostBuffersAreReadByTheRawLayout) {
+TEST_F(HidReport, HostBuffersAreReadByTheRawLayoutIfTypeAndPayloadAreWhole) {
     Bytes move{5, 0, 0, 0, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     Bytes keyDown{30, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(convert(hostBuffer(10, move)), (Bytes{0xA1, 1, 0, 5, 0, 6, 0, 0, 0}));
     EXPECT_EQ(convert(hostBuffer(9, keyDown)), (Bytes{0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0}));
-}
 
-TEST_F(HidReport, BuffersOfOtherTypesOrWithoutAWholePayloadGiveNone) {
     const std::pair<std::uint8_t, std::size_t> buffers[] = {
         {9, 0}, {9, 7}, {10, 0}, {10, 7}, {10, 19}, {0, 20}, {8, 20}, {11, 20}, {28, 20}};
     for (const auto& [type, size] : buffers) {
@@ -185,11 +170,16 @@ TEST_F(HidReport, BuffersOfOtherTypesOrWithoutAWholePayloadGiveNone) {
     EXPECT_EQ(convert(nullptr), Bytes());
 }
 
-TEST_F(HidReport, KeyTakesAPlaceUntilReleased) {
+TEST_F(HidReport, EachPressTakesAPlaceThatTheNextReleaseFreesAndAModifierABitToo) {
     EXPECT_EQ(keyDown(30), (Bytes{0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0}));
     EXPECT_EQ(keyDown(31), (Bytes{0xA1, 2, 0, 0, 4, 22, 0, 0, 0, 0}));
     EXPECT_EQ(keyUp(30), (Bytes{0xA1, 2, 0, 0, 0, 22, 0, 0, 0, 0}));
-    EXPECT_EQ(keyDown(32), (Bytes{0xA1, 2, 0, 0, 7, 22, 0, 0, 0, 0}));
+    EXPECT_EQ(keyDown(31), (Bytes{0xA1, 2, 0, 0, 22, 22, 0, 0, 0, 0}));
+    EXPECT_EQ(keyUp(31), (Bytes{0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(keyUp(31), (Bytes{0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0})) << "not held, and reported";
+    EXPECT_EQ(keyDown(42), (Bytes{0xA1, 2, 2, 0, 225, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(keyDown(157), (Bytes{0xA1, 2, 0x12, 0, 225, 228, 0, 0, 0, 0}));
+    EXPECT_EQ(keyUp(42), (Bytes{0xA1, 2, 0x10, 0, 0, 228, 0, 0, 0, 0}));
 }
 
 TEST_F(HidReport, SeventhKeyHeldAtOnceIsDroppedAndStillChangesModifiers) {
@@ -199,19 +189,6 @@ TEST_F(HidReport, SeventhKeyHeldAtOnceIsDroppedAndStillChangesModifiers) {
     EXPECT_EQ(keyDown(8), six);
     EXPECT_EQ(keyUp(8), six);
     EXPECT_EQ(keyDown(42), (Bytes{0xA1, 2, 2, 0, 30, 31, 32, 33, 34, 35}));
-}
-
-TEST_F(HidReport, KeyPressedTwiceTakesTwoPlacesThatOneReleaseFrees) {
-    keyDown(30);
-    EXPECT_EQ(keyDown(30), (Bytes{0xA1, 2, 0, 0, 4, 4, 0, 0, 0, 0}));
-    EXPECT_EQ(keyUp(30), (Bytes{0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(keyUp(30), (Bytes{0xA1, 2, 0, 0, 0, 0, 0, 0, 0, 0})) << "not held, and reported";
-}
-
-TEST_F(HidReport, ModifierStandsInBothFields) {
-    EXPECT_EQ(keyDown(42), (Bytes{0xA1, 2, 2, 0, 225, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(keyDown(157), (Bytes{0xA1, 2, 0x12, 0, 225, 228, 0, 0, 0, 0}));
-    EXPECT_EQ(keyUp(42), (Bytes{0xA1, 2, 0x10, 0, 0, 228, 0, 0, 0, 0}));
 }
 
 TEST_F(HidReport, EveryModifierHasABitAndItsNeighboursHaveNone) {
@@ -295,12 +272,6 @@ TEST_F(HidReport, EachKeyLogsItsTranslationAndReportOrWhyItFails) {
 
 using Pairs = std::vector<std::pair<std::int32_t, std::uint32_t>>;
 
-class HidKeyTranslator : public ::testing::Test {
-  protected:
-    WindowsHIDKeyTranslator plain{configuration(false)};
-    WindowsHIDKeyTranslator apple{configuration(true)};
-};
-
 /// The codes of a table that are there, in the order of their indices.
 template <class Translate>
 Pairs pairsOf(WindowsHIDKeyTranslator& keys, Translate translate) {
@@ -310,6 +281,12 @@ Pairs pairsOf(WindowsHIDKeyTranslator& keys, Translate translate) {
             result.emplace_back(index, code);
     return result;
 }
+
+class HidKeyTranslator : public ::testing::Test {
+  protected:
+    WindowsHIDKeyTranslator plain{configuration(false)};
+    WindowsHIDKeyTranslator apple{configuration(true)};
+};
 
 TEST_F(HidKeyTranslator, KeysOfEachRowHaveTheirUsagesAndNoOthersHaveOne) {
     const Pairs expected = {{0, 0},     {1, 41},    {2, 30},    {11, 39},   {12, 45},   {14, 42},

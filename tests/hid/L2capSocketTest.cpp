@@ -66,7 +66,7 @@ class L2capSocket : public testing::Test {
     std::unique_ptr<l2cap_protocol::socket> mSocket;
 };
 
-TEST_F(L2capSocket, IsOpenUntilCloseAndChecksTheVersionBeforeItOpensTheChannel) {
+TEST_F(L2capSocket, ConnectsOneDeviceOfTheRightVersionAtATimeAndIsOpenUntilCloseAndLogsBoth) {
     EXPECT_TRUE(mSocket->is_open());
     EXPECT_EQ(connect(17), error_code());
     const std::vector<FakeDriverApi::Request> expected = {
@@ -75,24 +75,28 @@ TEST_F(L2capSocket, IsOpenUntilCloseAndChecksTheVersionBeforeItOpensTheChannel) 
     };
     EXPECT_EQ(mApi.requests, expected);
     EXPECT_EQ(mApi.openings.at(0).flags, 0xA0000000u);
+    EXPECT_EQ(connect(19), error_code());
+    EXPECT_EQ(mApi.openFiles(), 1u) << "the former device is given up";
+    mApi.refusedPsm = 19;
+    EXPECT_EQ(connect(19), asioCode(-1));
+    EXPECT_EQ(mApi.held(), 0u);
+    EXPECT_EQ(probe(), asioCode(-1));
     for (const std::int16_t version : {3, 5}) {
         mApi.version = version;
         EXPECT_EQ(connect(17), asioCode(136)) << version;
         EXPECT_EQ(mApi.held(), 0u) << version;
     }
+    CapturedLog log(kLogDebug);
+    (void)result([&](error_code& ec) { mSocket->open({}, ec); });
+    (void)send(boost::asio::buffer("x", 1));
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(close(), error_code());
     EXPECT_FALSE(mSocket->is_open());
-}
-
-TEST_F(L2capSocket, ConnectingAgainGivesUpTheFormerDevice) {
-    ASSERT_FALSE(connect(17));
-    ASSERT_FALSE(connect(19));
-    EXPECT_EQ(mApi.openFiles(), 1u);
-    mApi.refusedPsm = 19;
-    EXPECT_EQ(connect(19), asioCode(-1));
-    EXPECT_EQ(mApi.held(), 0u);
-    EXPECT_EQ(probe(), asioCode(-1));
+    EXPECT_EQ(log.missing({"() Opening new socket, impl:", "() Sending data on socket",
+                           "() Unable to get HID device",
+                           "() Sending data on socket ret:-1, bytes written:0, impl_socket:-1.",
+                           "() Closing socket, impl:"}),
+              test::Texts());
 }
 
 TEST_F(L2capSocket, EachBufferGoesDownInAWriteOfItsOwn) {
@@ -107,7 +111,7 @@ TEST_F(L2capSocket, EachBufferGoesDownInAWriteOfItsOwn) {
     EXPECT_EQ(send(buffers), Sent(asioCode(-1), 0));
 }
 
-TEST_F(L2capSocket, ReceiveIsAProbeAndReceivesNothing) {
+TEST_F(L2capSocket, ReceiveIsAProbeThatTellsAClosedChannelFromARemovedDevice) {
     char byte = 0;
     EXPECT_EQ(receive(boost::asio::buffer(&byte, 1)), asioCode(40));
     EXPECT_EQ(probe(), asioCode(-1));
@@ -117,28 +121,12 @@ TEST_F(L2capSocket, ReceiveIsAProbeAndReceivesNothing) {
     EXPECT_EQ(probe(), asioCode(-2));
     mApi.failures["DeviceIoControl"] = 31;
     EXPECT_EQ(probe(), asioCode(-3));
-}
-
-TEST_F(L2capSocket, RemovalClosesTheHandleAndLeavesTheSocketOpen) {
-    ASSERT_FALSE(connect());
     mApi.simulateRemoval();
     while (mApi.openFiles() > 0)
         std::this_thread::yield();
-    EXPECT_EQ(send(boost::asio::buffer("x", 1)), Sent(asioCode(-1), 0));
     EXPECT_EQ(probe(), asioCode(-3));
+    EXPECT_EQ(send(boost::asio::buffer("x", 1)), Sent(asioCode(-1), 0));
     EXPECT_TRUE(mSocket->is_open());
-}
-
-TEST_F(L2capSocket, LogsItsOperations) {
-    CapturedLog log(kLogDebug);
-    (void)result([&](error_code& ec) { mSocket->open({}, ec); });
-    (void)send(boost::asio::buffer("x", 1));
-    (void)close();
-    EXPECT_EQ(log.missing({"() Opening new socket, impl:", "() Sending data on socket",
-                           "() Unable to get HID device",
-                           "() Sending data on socket ret:-1, bytes written:0, impl_socket:-1.",
-                           "() Closing socket, impl:"}),
-              test::Texts());
 }
 
 } // namespace

@@ -15,12 +15,9 @@ const std::wstring kKey =
     LR"(SYSTEM\CurrentControlSet\Enum\USB\VID_8087&PID_0A2B\5&1\Device Parameters)";
 const std::string kLogName = "orbelantine::WindowsBluetoothHIDDeviceClient::";
 
-class ClientOfType : public WindowsBluetoothHIDDeviceClient {
-  public:
-    ClientOfType(std::uint32_t type, DriverApi& driverApi, LocalRadioApi& radioApi)
-        : WindowsBluetoothHIDDeviceClient(driverApi, radioApi) {
-        mHidType = type;
-    }
+struct TypedClient : WindowsBluetoothHIDDeviceClient {
+    using WindowsBluetoothHIDDeviceClient::mHidType;
+    using WindowsBluetoothHIDDeviceClient::WindowsBluetoothHIDDeviceClient;
 };
 
 class LocalName : public testing::Test {
@@ -86,11 +83,11 @@ TEST_F(LocalName, IsRestoredToTheComputersOwnOnlyForTypeZero) {
     WindowsBluetoothHIDDeviceClient(mDriver, mRadio).restoreLocalDeviceName();
     EXPECT_TRUE(mRadio.values.empty());
     CapturedLog log(kLogInfo, kLogName);
-    ClientOfType client(0, mDriver, mRadio);
+    TypedClient client(mDriver, mRadio);
+    client.mHidType = 0;
     (void)log.told();
     client.restoreLocalDeviceName();
-    ASSERT_EQ(mRadio.values.size(), 1u);
-    EXPECT_EQ(mRadio.values[0].bytes, "HOME-PC");
+    EXPECT_EQ(mRadio.values.at(0).bytes, "HOME-PC");
     EXPECT_EQ(log.told(),
               (Texts{"info restoreLocalDeviceName: Reset device name back to HOME-PC"}));
     mRadio.instanceIds = {};

@@ -17,10 +17,10 @@ namespace orbelantine::test {
 
 /// Time that passes only when told to, or by a pause. Its timers that are due are in the queues of
 /// their io_services, in order of expiry, when advance or sleepFor returns. Any thread may call.
-class HandClock final : public IClock {
+class HandClock : public IClock {
   public:
     HandClock();
-    ~HandClock();
+    ~HandClock() override;
 
     [[nodiscard]] TimePoint now() const override;
     void sleepFor(Duration pause) override;

@@ -45,11 +45,6 @@ class BlueZNameSpaceTest : public testing::Test {
         return mStack->seen().last("UnregisterProfile").value_or(stack::Event{}).client;
     }
 
-    [[nodiscard]] bool waitForEvents(const char* what, std::size_t count) const {
-        return mStack->waitUntil(
-            [&](const stack::Seen& seen) { return seen.count(what) == count; });
-    }
-
     stack::PrivateBus mBus;
     std::optional<stack::FakeBlueZ> mStack;
     BlueZNameSpace mApi{mBus.address()};
@@ -73,15 +68,24 @@ TEST_F(BlueZNameSpaceTest, RecordIsInBlueZUntilItsHandleIsWithdrawn) {
     EXPECT_EQ(lastWithdrawer(), profile.sender);
 }
 
-TEST_F(BlueZNameSpaceTest, RecordIsPublishedAgainOnceBlueZIsBack) {
+TEST_F(BlueZNameSpaceTest, RecordIsPublishedAgainOnceBlueZIsBackAndGoesWithTheBus) {
     const NameSpaceApi::Handle handle = publishBluetoothService(kSerialPort, mApi);
     CapturedLog log(kLogDebug);
     mStack->restart();
-    EXPECT_TRUE(waitForEvents("RegisterProfile", 2));
+    EXPECT_TRUE(mStack->waitUntil(
+        [](const stack::Seen& seen) { return seen.count("RegisterProfile") == 2; }));
     EXPECT_EQ(log.missing({"BlueZ has gone: a service record is withdrawn until it is back"}),
               Texts());
+    {
+        BlueZNameSpace ending(mBus.address());
+        EXPECT_NE(publishBluetoothService(kSerialPort, ending), 0);
+    }
+    EXPECT_EQ(mStack->seen().count("UnregisterProfile"), 1) << "an end withdraws";
     EXPECT_EQ(withdrawBluetoothService(handle, mApi), 0);
-    EXPECT_EQ(mStack->seen().count("UnregisterProfile"), 1);
+    EXPECT_EQ(mStack->seen().count("UnregisterProfile"), 2);
+    const NameSpaceApi::Handle left = publishBluetoothService(kSerialPort, mApi);
+    mBus.stop();
+    EXPECT_EQ(withdrawBluetoothService(left, mApi), 0);
 }
 
 TEST_F(BlueZNameSpaceTest, FailureHasItsNumberAndLeavesNothingPublished) {
@@ -97,20 +101,6 @@ TEST_F(BlueZNameSpaceTest, FailureHasItsNumberAndLeavesNothingPublished) {
     mStack.reset();
     mBus.stop();
     EXPECT_EQ(refusal(kSerialPort), 10050) << "without D-Bus";
-}
-
-TEST_F(BlueZNameSpaceTest, WithdrawalSucceedsWhereTheBusHasGoneWithTheRecord) {
-    const NameSpaceApi::Handle handle = publishBluetoothService(kSerialPort, mApi);
-    mBus.stop();
-    EXPECT_EQ(withdrawBluetoothService(handle, mApi), 0);
-}
-
-TEST_F(BlueZNameSpaceTest, EndWithdrawsWhatIsPublished) {
-    {
-        BlueZNameSpace api(mBus.address());
-        EXPECT_NE(publishBluetoothService(kSerialPort, api), 0);
-    }
-    EXPECT_EQ(mStack->seen().count("UnregisterProfile"), 1);
 }
 
 TEST(BlueZNameSpace, LookupSaysThatTheSystemLacksIt) {

@@ -14,9 +14,9 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -62,25 +62,16 @@ class Arrivals {
 };
 
 /// A hand clock that tells how long the timers are that were made.
-class TimedClock final : public IClock {
+class TimedClock final : public HandClock {
   public:
-    [[nodiscard]] TimePoint now() const override { return mClock.now(); }
-
-    void sleepFor(Duration pause) override { mClock.sleepFor(pause); }
-
     [[nodiscard]] boost::shared_ptr<IDelayTimer> makeTimer(boost::asio::io_context& ioService,
                                                            TimePoint expiry) override {
-        auto timer = mClock.makeTimer(ioService, expiry);
+        auto timer = HandClock::makeTimer(ioService, expiry);
         timers.add(expiry - now());
         return timer;
     }
 
-    void advance(Duration time) { mClock.advance(time); }
-
     Arrivals<Duration> timers;
-
-  private:
-    HandClock mClock;
 };
 
 /// The value of one operation's code, once it completes.
@@ -103,19 +94,8 @@ class Outcome {
     std::shared_ptr<Arrivals<int>> mValues = std::make_shared<Arrivals<int>>();
 };
 
-struct Peer {
-    std::wstring address;
-    std::wstring name;
-    unsigned long deviceClass;
-
-    bool operator==(const Peer&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Peer& peer) {
-    return out << std::string(peer.name.begin(), peer.name.end()) << " at "
-               << std::string(peer.address.begin(), peer.address.end()) << ", class "
-               << peer.deviceClass;
-}
+/// Address, name and class.
+using Peer = std::tuple<std::wstring, std::wstring, unsigned long>;
 
 /// A backend on a bus of its own, with BlueZ on it and an adapter that is on.
 class BlueZTest : public testing::Test {

@@ -38,7 +38,7 @@ class WindowsDriverApi : public testing::Test {
     boost::filesystem::path mPath;
 };
 
-TEST_F(WindowsDriverApi, ClassWithoutDevicesEndsAtOnce) {
+TEST_F(WindowsDriverApi, ClassWithoutDevicesEndsAtOnceAndIsADriverThatIsNotInstalled) {
     DriverApi::Handle list = DriverApi::kInvalidHandle;
     const Guid& guid = driver::kHidInterfaces[0];
     ASSERT_EQ(mApi.setupDiGetClassDevs(
@@ -48,46 +48,24 @@ TEST_F(WindowsDriverApi, ClassWithoutDevicesEndsAtOnce) {
     EXPECT_EQ(mApi.setupDiEnumDeviceInterfaces(list, guid, 0, data),
               static_cast<Error>(win32::kErrorNoMoreItems));
     mApi.setupDiDestroyDeviceInfoList(list);
-}
-
-TEST_F(WindowsDriverApi, MachineWithoutTheDriverSaysSo) {
-    BluetoothDriver driver(false);
-    EXPECT_EQ(driver.open(driver::kHidInterfaces[0], driver::kUnbuffered),
+    void* memory = nullptr;
+    ASSERT_EQ(mApi.localAlloc(100, memory), 0u);
+    static_cast<char*>(memory)[99] = 1;
+    mApi.localFree(memory);
+    EXPECT_EQ(BluetoothDriver(false).open(guid, driver::kUnbuffered),
               DriverErrors::getErrorCode(DriverErrors::DriverNotInstalled));
 }
 
-TEST_F(WindowsDriverApi, MissingFileIsNotFoundAndLeavesTheHandleAlone) {
+TEST_F(WindowsDriverApi, FileTakesWritesAndIsNoDevice) {
     DriverApi::Handle file = 77;
     EXPECT_EQ(open(DriverApi::kOpenExisting, file), static_cast<Error>(win32::kErrorFileNotFound));
     EXPECT_EQ(file, 77);
-}
-
-TEST_F(WindowsDriverApi, WritesGoToTheFileAndRequestsToItAreRefused) {
-    DriverApi::Handle file = DriverApi::kInvalidHandle;
     ASSERT_EQ(open(kCreateAlways, file), 0u);
     std::uint32_t count = 0;
     EXPECT_EQ(mApi.writeFile(file, "report", 6, count), 0u);
     EXPECT_EQ(count, 6u);
     std::uint32_t answer = 0;
     EXPECT_NE(mApi.deviceIoControl(file, driver::kGetVersion, nullptr, 0, &answer, 2, count), 0u);
-    mApi.closeHandle(file);
-    EXPECT_EQ(mApi.writeFile(file, "late", 4, count),
-              static_cast<Error>(win32::kErrorInvalidHandle));
-    std::string text;
-    std::ifstream(mPath.string()) >> text;
-    EXPECT_EQ(text, "report");
-}
-
-TEST_F(WindowsDriverApi, LocalMemoryCanBeWrittenAndGivenBack) {
-    void* memory = nullptr;
-    ASSERT_EQ(mApi.localAlloc(100, memory), 0u);
-    static_cast<char*>(memory)[99] = 1;
-    mApi.localFree(memory);
-}
-
-TEST_F(WindowsDriverApi, NotificationForAHandleOfNoDeviceIsRefused) {
-    DriverApi::Handle file = DriverApi::kInvalidHandle;
-    ASSERT_EQ(open(kCreateAlways, file), 0u);
     DriverApi::NotifyFilter filter{};
     filter.size = sizeof(filter);
     filter.type = DriverApi::kNotifyFilterDeviceHandle;
@@ -98,6 +76,11 @@ TEST_F(WindowsDriverApi, NotificationForAHandleOfNoDeviceIsRefused) {
               0u);
     EXPECT_EQ(notification, 77);
     mApi.closeHandle(file);
+    EXPECT_EQ(mApi.writeFile(file, "late", 4, count),
+              static_cast<Error>(win32::kErrorInvalidHandle));
+    std::string text;
+    std::ifstream(mPath.string()) >> text;
+    EXPECT_EQ(text, "report");
 }
 
 } // namespace

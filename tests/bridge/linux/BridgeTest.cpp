@@ -51,30 +51,25 @@ TEST_F(BridgeTest, RequestsThatNeedNoChannelAreAnswered) {
     EXPECT_TRUE(logged("a write on a handle without a channel"));
 }
 
-TEST_F(BridgeTest, ConnectIsRefusedWithoutThePhoneIfItCannotBeMeant) {
+TEST_F(BridgeTest, ConnectThatIsNotMeantOrFailsGivesItsNumberAndMayBeTriedAgain) {
+    constexpr std::pair<int, std::uint16_t> kErrors[] = {
+        {ECONNREFUSED, 1225}, {EHOSTDOWN, 1168}, {ETIMEDOUT, 1460}, {EACCES, 5},
+        {EINVAL, 87},         {ENODEV, 1167},    {ENOSYS, 31}};
     const TestHost host = open();
     EXPECT_EQ(exchange(host, packet::changed(packet::kConnectControl, 4, 0x56)),
               packet::failure(1168));
     EXPECT_EQ(exchange(host, packet::changed(packet::kConnectControl, 10, 18)),
               packet::failure(1225));
     EXPECT_EQ(exchange(host, packet::changed(packet::kConnectControl, 12, 2)), packet::failure(87));
-    EXPECT_EQ(exchange(host, packet::kConnectControl), packet::kSuccess);
-    EXPECT_EQ(mL2cap.peer(), mOptions.address);
-    EXPECT_EQ(exchange(host, packet::kConnectControl), packet::failure(170));
-    EXPECT_EQ(exchange(host, packet::kIsConnected), packet::kStands);
-}
-
-TEST_F(BridgeTest, FailedConnectGivesItsWindowsNumberAndMayBeTriedAgain) {
-    constexpr std::pair<int, std::uint16_t> kErrors[] = {
-        {ECONNREFUSED, 1225}, {EHOSTDOWN, 1168}, {ETIMEDOUT, 1460}, {EACCES, 5},
-        {EINVAL, 87},         {ENODEV, 1167},    {ENOSYS, 31}};
-    const TestHost host = open();
     for (const auto& [error, number] : kErrors) {
         mL2cap.simulateConnect(error);
         EXPECT_EQ(exchange(host, packet::kConnectControl), packet::failure(number)) << error;
     }
     mL2cap.simulateConnect(0);
     EXPECT_EQ(exchange(host, packet::kConnectControl), packet::kSuccess);
+    EXPECT_EQ(mL2cap.peer(), mOptions.address);
+    EXPECT_EQ(exchange(host, packet::kConnectControl), packet::failure(170));
+    EXPECT_EQ(exchange(host, packet::kIsConnected), packet::kStands);
 }
 
 TEST_F(BridgeTest, SlowConnectKeepsNoOtherWaitingAndEndsRefusedOrTooLateOrWithItsHandle) {
@@ -108,7 +103,7 @@ TEST_F(BridgeTest, SlowConnectKeepsNoOtherWaitingAndEndsRefusedOrTooLateOrWithIt
     EXPECT_EQ(mL2cap.received(19), std::nullopt);
 }
 
-TEST_F(BridgeTest, WritesGoOutOneByOneAlsoThoseBeforeTheHandleCloses) {
+TEST_F(BridgeTest, WritesGoOutOneByOneAlsoThoseBeforeTheHandleClosesOrTheBridgeStops) {
     {
         const TestHost host = openInterrupt();
         host.send(packet::kTypeA);
@@ -118,6 +113,11 @@ TEST_F(BridgeTest, WritesGoOutOneByOneAlsoThoseBeforeTheHandleCloses) {
     EXPECT_EQ(mL2cap.received(19), (Bytes{0xA1, 2, 0, 0, 4, 0, 0, 0, 0, 0}));
     EXPECT_EQ(mL2cap.received(19), (Bytes{0x15}));
     EXPECT_EQ(mL2cap.received(19), std::nullopt);
+    const TestHost host = openInterrupt();
+    host.send(packet::kTypeA);
+    stop();
+    EXPECT_EQ(run(), Bridge::Outcome::Stopped);
+    EXPECT_EQ(mL2cap.received(19)->size(), 10u);
 }
 
 TEST_F(BridgeTest, NoWriteIsLostWhileTheRadioIsBusy) {
@@ -157,14 +157,6 @@ TEST_F(BridgeTest, LostRadioRemovesTheDevice) {
     EXPECT_EQ(control.received(), packet::kHangUp);
     EXPECT_EQ(interrupt.received(), packet::kHangUp);
     EXPECT_EQ(mBridge->path(), "");
-}
-
-TEST_F(BridgeTest, StopComesBehindWhatWasSent) {
-    const TestHost host = openInterrupt();
-    host.send(packet::kTypeA);
-    stop();
-    EXPECT_EQ(run(), Bridge::Outcome::Stopped);
-    EXPECT_EQ(mL2cap.received(19)->size(), 10u);
 }
 
 } // namespace orbelantine::bridge

@@ -60,7 +60,7 @@ TEST_F(BridgeProgramTest, SignalEndsItAndLeavesNoSocketBehind) {
     EXPECT_NE(text.find(R"("event":"start","address":"00:11:22:33:44:55")"), std::string::npos);
 }
 
-TEST_F(BridgeProgramTest, WithoutBluetoothOneLineSaysWhatToDo) {
+TEST_F(BridgeProgramTest, WithoutBluetoothOneLineSaysWhatToDoAndWithoutItsLogItFails) {
     for (const auto& [error, remedy] : {std::pair{EAFNOSUPPORT, "modprobe bluetooth"},
                                         {EACCES, "run this as root"},
                                         {ENODEV, "bluetoothctl power on"}}) {
@@ -69,6 +69,9 @@ TEST_F(BridgeProgramTest, WithoutBluetoothOneLineSaysWhatToDo) {
         EXPECT_NE(mErr.str().find(remedy), std::string::npos) << mErr.str();
     }
     EXPECT_FALSE(std::filesystem::exists(mOptions.devices));
+    mL2cap.simulateRadio(0);
+    mOptions.log = mFolder / "missing/log";
+    EXPECT_EQ(run(), kExitFailure);
 }
 
 TEST_F(BridgeProgramTest, RecordThatCannotBePublishedEndsItUnlessItIsNotWanted) {
@@ -95,11 +98,6 @@ TEST_F(BridgeProgramTest, NameGoesIntoThePublishedRecordAsXmlText) {
             .find(R"(id="0x0100"><text value="&lt;Ann &amp; &quot;Bob&quot;&gt;"/></attribute>)"),
         std::string::npos);
     EXPECT_EQ(bluez.seen().profile.path, "");
-}
-
-TEST_F(BridgeProgramTest, LogThatCannotBeWrittenEndsIt) {
-    mOptions.log = mFolder / "missing/log";
-    EXPECT_EQ(run(), kExitFailure);
 }
 
 TEST(BridgeOptions, AddressHasToBeGiven) {

@@ -23,12 +23,9 @@ TEST_F(WindowsLogPaths, VariablesAreExpandedAndOthersStay) {
               L"C:\\va lue\\%ORB_TEST_UNSET%");
 }
 
-TEST_F(WindowsLogPaths, FoldersExist) {
+TEST_F(WindowsLogPaths, FoldersExistAndOneIsMadeWithThoseAboveIt) {
     EXPECT_TRUE(std::filesystem::is_directory(mApi.localDataFolder()));
     EXPECT_TRUE(std::filesystem::is_directory(mApi.temporaryFolder()));
-}
-
-TEST_F(WindowsLogPaths, FolderIsMadeWithThoseAboveIt) {
     const std::filesystem::path top = std::filesystem::path(mApi.temporaryFolder()) /
                                       (L"orb_paths_" + std::to_wstring(::GetCurrentProcessId()));
     mApi.createFolder((top / L"\u00e4" / L"b").wstring());

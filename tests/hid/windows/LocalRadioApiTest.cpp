@@ -17,11 +17,8 @@ using Handle = LocalRadioApi::Handle;
 constexpr const wchar_t* kKey = L"Software\\OrbelantineTest";
 constexpr std::uint32_t kQueryAndSet = KEY_QUERY_VALUE | LocalRadioApi::kKeySetValue;
 
-TEST(WindowsLocalRadioApi, LocalMachineIsTheSystemsOwnRoot) {
+TEST(WindowsLocalRadioApi, RegistryValueComesBackAsItWasSetAndAMissingKeyIsNotFound) {
     EXPECT_EQ(reinterpret_cast<HKEY>(LocalRadioApi::kLocalMachine), HKEY_LOCAL_MACHINE);
-}
-
-TEST(WindowsLocalRadioApi, RegistryValueComesBackAsItWasSet) {
     HKEY made = nullptr;
     ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, kKey, &made), ERROR_SUCCESS);
     RegCloseKey(made);
@@ -41,18 +38,13 @@ TEST(WindowsLocalRadioApi, RegistryValueComesBackAsItWasSet) {
     EXPECT_EQ(std::string(bytes.data(), size), "Desk");
     api.regCloseKey(key);
     RegDeleteKeyW(HKEY_CURRENT_USER, kKey);
-}
-
-TEST(WindowsLocalRadioApi, MissingKeyIsNotFoundAndLeavesTheHandleAlone) {
-    Handle key = 77;
-    EXPECT_EQ(LocalRadioApi::system().regOpenKeyEx(reinterpret_cast<Handle>(HKEY_CURRENT_USER),
-                                                   L"Software\\Orbelantine no such key",
-                                                   LocalRadioApi::kKeySetValue, key),
+    Handle missing = 77;
+    EXPECT_EQ(api.regOpenKeyEx(root, kKey, LocalRadioApi::kKeySetValue, missing),
               static_cast<Error>(win32::kErrorFileNotFound));
-    EXPECT_EQ(key, 77);
+    EXPECT_EQ(missing, 77);
 }
 
-TEST(WindowsLocalRadioApi, ComputerNameIsTheSystems) {
+TEST(WindowsLocalRadioApi, ComputerNameIsTheSystemsAndAnUnknownDeviceHasNoId) {
     std::array<wchar_t, 1024> name{};
     std::uint32_t size = 1024;
     ASSERT_EQ(LocalRadioApi::system().getComputerName(name.data(), size), 0u);
@@ -60,11 +52,7 @@ TEST(WindowsLocalRadioApi, ComputerNameIsTheSystems) {
     EXPECT_EQ(std::wstring(name.data()).size(), size);
     std::uint32_t tooSmall = 0;
     EXPECT_NE(LocalRadioApi::system().getComputerName(name.data(), tooSmall), 0u);
-}
-
-TEST(WindowsLocalRadioApi, UnknownDeviceInstanceHasNoId) {
-    std::array<wchar_t, 200> id{};
-    EXPECT_NE(LocalRadioApi::system().cmGetDeviceId(0xFFFFFFF0, id.data(), 200), 0u);
+    EXPECT_NE(LocalRadioApi::system().cmGetDeviceId(0xFFFFFFF0, name.data(), 200), 0u);
 }
 
 } // namespace
