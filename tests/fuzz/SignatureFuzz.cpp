@@ -3,11 +3,10 @@
 #include "ipc/trust/linux/CmsSignature.h"
 #include "tests/fuzz/Input.h"
 
-#include <openssl/evp.h>
-
 #include <algorithm>
-#include <memory>
-#include <string_view>
+#include <fstream>
+#include <iterator>
+#include <string>
 #include <vector>
 
 namespace orbelantine::fuzz {
@@ -15,46 +14,17 @@ namespace orbelantine::fuzz {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using Key = std::unique_ptr<EVP_PKEY, OpenSslDelete<EVP_PKEY_free>>;
 
-constexpr std::string_view kContent = "a program";
-
-BioOwner content() {
-    return BioOwner(BIO_new_mem_buf(kContent.data(), static_cast<int>(kContent.size())));
+Bytes fileOf(const char* name) {
+    std::ifstream file(std::string(ORBELANTINE_SIGNED) + '/' + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// A certificate of its own, with its key.
-struct Signer {
-    Key key{EVP_PKEY_Q_keygen(nullptr, nullptr, "RSA", std::size_t{2048})};
-    CertificateOwner certificate{X509_new()};
+BioOwner contentOf(const Bytes& bytes) {
+    return BioOwner(BIO_new_mem_buf(bytes.data(), static_cast<int>(bytes.size())));
+}
 
-    explicit Signer(const char* name) {
-        X509* made = certificate.get();
-        X509_set_version(made, X509_VERSION_3);
-        ASN1_INTEGER_set(X509_get_serialNumber(made), 1);
-        X509_gmtime_adj(X509_getm_notBefore(made), -3600);
-        X509_gmtime_adj(X509_getm_notAfter(made), 1L << 30);
-        X509_NAME_add_entry_by_txt(X509_get_subject_name(made), "CN", MBSTRING_UTF8,
-                                   reinterpret_cast<const unsigned char*>(name), -1, -1, 0);
-        X509_set_issuer_name(made, X509_get_subject_name(made));
-        X509_set_pubkey(made, key.get());
-        X509_sign(made, key.get(), EVP_sha256());
-    }
-
-    [[nodiscard]] Bytes sign() const {
-        const BioOwner text = content();
-        const CmsOwner cms(
-            CMS_sign(certificate.get(), key.get(), nullptr, text.get(), CMS_DETACHED | CMS_BINARY));
-        unsigned char* der = nullptr;
-        const int size = i2d_CMS_ContentInfo(cms.get(), &der);
-        ORB_FUZZ_EXPECT(size > 0);
-        Bytes bytes(der, der + size);
-        OPENSSL_free(der);
-        return bytes;
-    }
-};
-
-std::uint32_t verify(const Bytes& bytes, X509_STORE& anchors) {
+std::uint32_t verify(const Bytes& bytes, const Bytes& content, X509_STORE& anchors) {
     const auto signature = CmsSignature::parse(bytes);
     if (!signature)
         return 1;
@@ -64,20 +34,22 @@ std::uint32_t verify(const Bytes& bytes, X509_STORE& anchors) {
         ORB_FUZZ_EXPECT(!names ||
                         std::ranges::none_of(names->subject, [](wchar_t c) { return c < L' '; }));
     }
-    return signature->verify(content(), anchors);
+    return signature->verify(contentOf(content), anchors);
 }
 
 struct Machine {
-    Signer known{"Known"};
-    Signer stranger{"Known"};
-    Bytes trusted = known.sign();
-    Bytes untrusted = stranger.sign();
+    Bytes content = fileOf("stranger");
+    Bytes untrusted = fileOf("stranger.p7s");
     CertificateStore anchors{X509_STORE_new()};
 
     Machine() {
-        X509_STORE_add_cert(anchors.get(), known.certificate.get());
-        ORB_FUZZ_EXPECT(verify(trusted, *anchors) == 0);
-        ORB_FUZZ_EXPECT(verify(untrusted, *anchors) != 0);
+        X509_STORE_load_file(anchors.get(), ORBELANTINE_SIGNED "/anchors/authority.pem");
+        ORB_FUZZ_EXPECT(verify(fileOf("maker.p7s"), fileOf("maker"), *anchors) == 0);
+        ORB_FUZZ_EXPECT(refuses(untrusted));
+    }
+
+    [[nodiscard]] bool refuses(const Bytes& signature) const {
+        return verify(signature, content, *anchors) != 0;
     }
 };
 
@@ -109,8 +81,8 @@ Bytes changed(Bytes bytes, Input& input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace orbelantine::fuzz;
     static const Machine machine;
-    ORB_FUZZ_EXPECT(verify({data, data + size}, *machine.anchors) != 0);
+    ORB_FUZZ_EXPECT(machine.refuses({data, data + size}));
     Input input(data, size);
-    ORB_FUZZ_EXPECT(verify(changed(machine.untrusted, input), *machine.anchors) != 0);
+    ORB_FUZZ_EXPECT(machine.refuses(changed(machine.untrusted, input)));
     return 0;
 }

@@ -14,6 +14,7 @@ struct TrustScript {
     std::vector<std::wstring> subjects;
     std::uint32_t trustResult = 0;
     std::vector<std::string> asked;
+    std::wstring path;
 };
 
 class FakeTrustApi final : public TrustApi {
@@ -28,7 +29,9 @@ class FakeTrustApi final : public TrustApi {
 
     void uninitialize() override { mScript.asked.emplace_back("uninitialize"); }
 
-    bool readSigner(const std::wstring&, std::uint32_t index, FileEvidence& evidence) override {
+    bool readSigner(const std::wstring& path, std::uint32_t index,
+                    FileEvidence& evidence) override {
+        mScript.path = path;
         mScript.asked.push_back("signer " + std::to_string(index));
         if (index >= mScript.subjects.size())
             return false;

@@ -137,34 +137,35 @@ TEST_F(OverlappedTransferTest, FailedStartGivesTheErrorOfTheSystem) {
     mPair.fail(Call::Read, 1, win32::kErrorGenFailure);
     mPair.fail(Call::Write, 2, win32::kErrorGenFailure);
     mPair.writeLimit = 3;
+    CapturedLog log(kLogWarning, kHandlerPrefix);
     EXPECT_EQ(read(), systemError(win32::kErrorGenFailure));
     EXPECT_EQ(writeAll(*mServer, "text"), systemError(win32::kErrorGenFailure));
+    EXPECT_EQ(log.missing({"warning writeSome() write file error."}), Texts{});
     EXPECT_EQ(mPair.calls(Call::Write), 2);
 }
 
-TEST_F(OverlappedTransferTest, FailedStartInATeardownIsAborted) {
-    mPair.fail(Call::Read, 1, win32::kErrorGenFailure);
-    mTearDownAt = Call::Read;
-    EXPECT_EQ(read(), kAborted);
-    mTeardown.get();
-}
+TEST_F(OverlappedTransferTest, WhoFoundTheEndAliveJustBeforeTeardownIsReleased) {
+    const struct {
+        Call call;
+        std::uint32_t error;
+    } cases[] = {{Call::Read, 0}, {Call::Read, win32::kErrorGenFailure}, {Call::Write, 0}};
 
-TEST_F(OverlappedTransferTest, ReaderThatFoundTheEndAliveJustBeforeTeardownIsReleased) {
-    mTearDownAt = Call::Read;
-    EXPECT_EQ(read(), kAborted);
-    mTeardown.get();
-    EXPECT_EQ(read(), kAborted);
-    EXPECT_EQ(mPair.calls(Call::Read), 1);
-}
-
-TEST_F(OverlappedTransferTest, WriterThatFoundTheEndAliveJustBeforeTeardownIsReleased) {
     mPair.capacity = 0;
-    mTearDownAt = Call::Write;
-    EXPECT_EQ(write(), kAborted);
-    mTeardown.get();
+    for (const auto& begun : cases) {
+        mServer = makeEnd(mPair, kServer);
+        mIsFlagged = false;
+        mPair.fail(begun.call, mPair.calls(begun.call) + 1, begun.error);
+        mTearDownAt = begun.call;
+        EXPECT_EQ(begun.call == Call::Read ? read() : write(), kAborted);
+        mTeardown.get();
+        EXPECT_EQ(read(), kAborted);
+    }
+    EXPECT_EQ(mPair.calls(Call::Read), 2);
 }
 
 TEST_F(OverlappedTransferTest, TeardownLeavesNothingPendingOfThoseWhoWait) {
+    CapturedLog log(kLogDebug, kHandlerPrefix);
+    EXPECT_FALSE(writeAll(*mServer, "text"));
     mPair.capacity = 0;
     auto reader = startCall([this] { return read(); });
     auto writer = startCall([this] { return write(); });
@@ -176,9 +177,18 @@ TEST_F(OverlappedTransferTest, TeardownLeavesNothingPendingOfThoseWhoWait) {
     EXPECT_EQ(reader.get(), kAborted);
     EXPECT_EQ(writer.get(), kAborted);
     EXPECT_EQ(mPair.calls(Call::CancelIo), 1);
+    EXPECT_EQ(log.missing({"debug writeSome() waiting for write to finish.",
+                           "debug run() write event signaled.",
+                           "debug readSome() waiting for read to finish.", "debug run() tore down.",
+                           "warning readSome() tore down."}),
+              Texts{});
 }
 
-TEST_F(OverlappedTransferTest, EarlyWakeUpIsAFailureThatLeavesNothingPending) {
+TEST_F(OverlappedTransferTest, FailureOnTheWayIsToldAndLeavesNothingPending) {
+    CapturedLog log(kLogWarning, kHandlerPrefix);
+    mPair.fail(Call::Result, 2, win32::kErrorGenFailure);
+    EXPECT_FALSE(writeAll(*mServer, "text"));
+    EXPECT_EQ(write(), systemError(win32::kErrorFileNotFound));
     mPair.capacity = 0;
     auto reader = startCall([this] { return read(); });
     waitForPending(PipeWay::Read);
@@ -188,40 +198,12 @@ TEST_F(OverlappedTransferTest, EarlyWakeUpIsAFailureThatLeavesNothingPending) {
     waitForPending(PipeWay::Write);
     mPair.wake(kServer, PipeWay::Write);
     EXPECT_EQ(writer.get(), systemError(win32::kErrorFileNotFound));
-}
-
-TEST_F(OverlappedTransferTest, LogTellsHowTransfersEnded) {
-    CapturedLog log(kLogWarning, kHandlerPrefix);
-    mPair.fail(Call::Write, 2, win32::kErrorGenFailure);
-    mPair.fail(Call::Result, 2, win32::kErrorGenFailure);
-    EXPECT_FALSE(writeAll(*mServer, "text"));
-    static_cast<void>(write());
-    EXPECT_EQ(write(), systemError(win32::kErrorFileNotFound));
-    auto reader = startCall([this] { return read(); });
-    waitForPending(PipeWay::Read);
-    mPair.wake(kServer, PipeWay::Read);
-    static_cast<void>(reader.get());
     EXPECT_EQ(log.told(),
               (Texts{"warning writeSome() written successfully, amount:4, wanted:4.",
-                     "warning writeSome() write file error.",
                      "warning writeSome() overlapped result failure, getLastError:31, ret:0.",
                      "warning readSome() overlapped result failure, getLastError:996, ret:0, "
-                     "buffersize:10."}));
-    mServer->teardown();
-}
-
-TEST_F(OverlappedTransferTest, LogTellsOfTheWorkerAndOfThoseReleased) {
-    CapturedLog log(kLogDebug, kHandlerPrefix);
-    EXPECT_FALSE(writeAll(*mServer, "text"));
-    auto reader = startCall([this] { return read(); });
-    waitForPending(PipeWay::Read);
-    mServer->teardown();
-    static_cast<void>(reader.get());
-    EXPECT_EQ(log.missing({"debug writeSome() waiting for write to finish.",
-                           "debug run() write event signaled.",
-                           "debug readSome() waiting for read to finish.", "debug run() tore down.",
-                           "warning readSome() tore down."}),
-              Texts{});
+                     "buffersize:10.",
+                     "warning writeSome() overlapped result failure, getLastError:996, ret:0."}));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ipc/pipe/PipeName.h"
+
 #include <string>
 
 namespace orbelantine::test {
@@ -15,8 +17,10 @@ class PipeFolder {
     /// A name for one pipe, that no other process has.
     [[nodiscard]] const std::string& uniqueName() const { return mName; }
 
+    [[nodiscard]] std::string fullName() const { return kPipeNamePrefix + mName; }
+
   private:
-    std::string mFolder;
+    std::string mHome;
     std::string mName;
 };
 

@@ -1,6 +1,10 @@
 #pragma once
 
 #include "ipc/pipe/PipeDuplexHandler.h"
+#include "tests/ipc/PipeFolder.h"
+#include "tests/ipc/TestPipe.h"
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <memory>
@@ -13,7 +17,14 @@ enum Side { kServer, kClient };
 /// the server's side at least.
 class PipePair {
   public:
-    PipePair();
+    PipePair() {
+        const PipeFolder folder;
+        Served server(folder.fullName());
+        auto client = joining(folder.fullName());
+        EXPECT_EQ(server.accept(), 0U);
+        mEnds[kServer] = server.take();
+        mEnds[kClient] = client.get().pipe;
+    }
 
     ~PipePair() {
         close(kServer);
@@ -27,7 +38,11 @@ class PipePair {
 
     [[nodiscard]] PipeDuplexHandler::Pipe& end(Side side) { return mEnds.at(side); }
 
-    void close(Side side);
+    void close(Side side) {
+        const PipeHandle end = this->end(side).exchange(kInvalidPipeHandle);
+        if (end != kInvalidPipeHandle)
+            PipeApi::system().closeHandle(end);
+    }
 
   private:
     std::array<PipeDuplexHandler::Pipe, 2> mEnds{kInvalidPipeHandle, kInvalidPipeHandle};

@@ -129,16 +129,15 @@ TEST_F(PipeEndpoint, ARefusedServerIsClosedAndConnectMayBeTriedAgain) {
             Texts{});
     }
     pipes.answers = {};
-    trust.subject = L"Another";
+    trust.subjects = {L"Another"};
     EXPECT_EQ(connect(endpoint), kRefused);
-    trust.subject = L"The ACME company";
-    trust.result = trust::kUntrustedRoot;
+    trust.subjects = {L"The ACME company"};
+    trust.trustResult = trust::kUntrustedRoot;
     EXPECT_EQ(connect(endpoint), kRefused);
     (void)pipes.taken();
-    trust.result = 0;
-    trust.paths.clear();
+    trust.trustResult = 0;
     EXPECT_EQ(connect(endpoint), windows(0));
-    EXPECT_EQ(trust.paths, std::vector<std::wstring>{L"peer.exe"});
+    EXPECT_EQ(trust.path, L"peer.exe");
     EXPECT_EQ(pipes.taken().back(), "close process");
 }
 
@@ -148,7 +147,8 @@ TEST_F(PipeEndpoint, WithoutANameEveryServerIsRefused) {
 }
 
 TEST_F(PipeEndpoint, ANameIsWidenedByteByByte) {
-    trust.subject = std::wstring(L"Caf") + static_cast<wchar_t>(static_cast<signed char>('\xe9'));
+    trust.subjects = {std::wstring(L"Caf") +
+                      static_cast<wchar_t>(static_cast<signed char>('\xe9'))};
     WindowsPipeIPCEndpoint endpoint(signedBy("caf\xe9"), system());
     EXPECT_EQ(connect(endpoint), windows(0));
 }

@@ -198,13 +198,13 @@ TEST_F(PipeServer, ARefusedClientIsClosedWithTheEventLeftOpen) {
               (Calls{kCreate, "event", "connect pipe event", "client id pipe", "process 42 0x410",
                      "module process", "close process", "close pipe"}));
     pipes.answers = {};
-    trust.subject = L"Another";
+    trust.subjects = {L"Another"};
     EXPECT_EQ(accept(server), refused);
     EXPECT_EQ(pipeCalls().back(), "close pipe");
     EXPECT_EQ(log.missing({"accept() Failed getting client path, rejecting client.",
                            "accept() Client signature verification failed."}),
               Texts{});
-    trust.subject = L"Acme";
+    trust.subjects = {L"Acme"};
     EXPECT_EQ(accept(server), windows(0));
     EXPECT_TRUE(mEndpoint);
 }

@@ -1,5 +1,5 @@
 #include "ipc/pipe/linux/PipeSocket.h"
-#include "tests/ipc/linux/PipeApiTest.h"
+#include "tests/ipc/linux/LinuxPipeTest.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// A server whose client is a process that runs a program of its own.
-class PeerProcessTest : public PipeApiTest {
+class PeerProcessTest : public LinuxPipeTest {
   protected:
     PeerProcessTest() {
         program = home / "program";
@@ -97,7 +97,7 @@ TEST_F(PeerProcessTest, OnlyThePeerCanBeOpened) {
     EXPECT_EQ(api.openProcess(server->pipe, 0, 1, process), win32::kErrorInvalidParameter);
     EXPECT_EQ(api.lastError(), win32::kErrorInvalidParameter);
     std::uint32_t id = 0;
-    const Served unconnected(kPipePrefix + "other");
+    const Served unconnected(kPipeNamePrefix + std::string("other"));
     EXPECT_EQ(api.getNamedPipeClientProcessId(unconnected.pipe, id), win32::kErrorNotFound);
     EXPECT_EQ(api.getNamedPipeClientProcessId(12345, id), win32::kErrorInvalidHandle);
 }

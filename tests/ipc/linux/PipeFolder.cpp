@@ -8,15 +8,16 @@
 namespace orbelantine::test {
 
 PipeFolder::PipeFolder()
-    : mFolder("/tmp/orb-pipes.XXXXXX")
-    , mName("talk") {
-    EXPECT_NE(::mkdtemp(mFolder.data()), nullptr);
-    ::setenv("ORBELANTINE_PIPE_DIR", mFolder.c_str(), 1);
+    : mHome("/tmp/orbelantine-pipes-XXXXXX")
+    , mName("test") {
+    EXPECT_NE(::mkdtemp(mHome.data()), nullptr);
+    // Made by the first server.
+    ::setenv("ORBELANTINE_PIPE_DIR", (mHome + "/pipes").c_str(), 1);
 }
 
 PipeFolder::~PipeFolder() {
     ::unsetenv("ORBELANTINE_PIPE_DIR");
-    std::filesystem::remove_all(mFolder);
+    std::filesystem::remove_all(mHome);
 }
 
 } // namespace orbelantine::test

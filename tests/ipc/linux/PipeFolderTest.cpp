@@ -2,7 +2,7 @@
 
 #include "ipc/pipe/linux/PipeFiles.h"
 #include "ipc/pipe/linux/PipeSocket.h"
-#include "tests/ipc/linux/PipeApiTest.h"
+#include "tests/ipc/linux/LinuxPipeTest.h"
 #include "tests/support/CapturedLog.h"
 
 #include <fcntl.h>
@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr uid_t kNobody = 65534;
 
-class PipeFolderTest : public PipeApiTest {
+class PipeFolderTest : public LinuxPipeTest {
   protected:
     /// What server and client are told, and that the reason is in the log.
     std::uint32_t outcome(const std::string& reason) {

@@ -2,10 +2,12 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 namespace orbelantine::test {
 
 PipeFolder::PipeFolder() {
-    static int count = 0;
+    static std::atomic<int> count = 0;
     mName =
         "orbelantine-test-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(count++);
 }

@@ -1,7 +1,7 @@
 #include "ipc/pipe/UserApi.h"
 
-#include "core/common/errors/ErrorCode.h"
-#include "tests/ipc/windows/TestPipe.h"
+#include "tests/ipc/PipeFolder.h"
+#include "tests/ipc/TestPipe.h"
 
 #include <aclapi.h>
 #include <gtest/gtest.h>
@@ -74,25 +74,22 @@ TEST_F(WindowsUserApi, PipeOfTheDescriptorIsTheUsersAlone) {
     ASSERT_EQ(
         mApi.convertStringSecurityDescriptor(L"D:PAI(A;; FA;;;" + sidText() + L")", 1, descriptor),
         0u);
-    PipeHandle pipe = kInvalidPipeHandle;
-    ASSERT_EQ(PipeApi::system().createNamedPipe(testPipeName(), kTestPipe, descriptor, pipe), 0u);
+    const Served server(PipeFolder().fullName(), descriptor);
     mApi.localFree(descriptor);
-    {
-        const PipeSecurity security(pipe);
-        ASSERT_NE(security.list, nullptr);
-        ASSERT_EQ(security.list->AceCount, 1);
-        void* entry = nullptr;
-        ASSERT_TRUE(GetAce(security.list, 0, &entry));
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
-        EXPECT_EQ(allowed->Mask, static_cast<ACCESS_MASK>(FILE_ALL_ACCESS));
-        EXPECT_TRUE(EqualSid(&allowed->SidStart, sid()));
-        SECURITY_DESCRIPTOR_CONTROL control = 0;
-        DWORD revision = 0;
-        ASSERT_TRUE(GetSecurityDescriptorControl(security.descriptor, &control, &revision));
-        EXPECT_TRUE(control & SE_DACL_PROTECTED);
-    }
-    PipeApi::system().closeHandle(pipe);
+    ASSERT_EQ(server.error, 0u);
+    const PipeSecurity security(server.pipe);
+    ASSERT_NE(security.list, nullptr);
+    ASSERT_EQ(security.list->AceCount, 1);
+    void* entry = nullptr;
+    ASSERT_TRUE(GetAce(security.list, 0, &entry));
+    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+    EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
+    EXPECT_EQ(allowed->Mask, static_cast<ACCESS_MASK>(FILE_ALL_ACCESS));
+    EXPECT_TRUE(EqualSid(&allowed->SidStart, sid()));
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    DWORD revision = 0;
+    ASSERT_TRUE(GetSecurityDescriptorControl(security.descriptor, &control, &revision));
+    EXPECT_TRUE(control & SE_DACL_PROTECTED);
 }
 
 TEST_F(WindowsUserApi, TextThatIsNoDescriptorIsRefused) {
