@@ -225,12 +225,5 @@ TEST_F(PipeServer, AnAcceptedEndCantConnectAndClosesOnce) {
     EXPECT_EQ(pipes.taken(), Calls{"close pipe"});
 }
 
-TEST(PipeFactory, KnowsBothEndsByName) {
-    const OSALFactory& factory = OSALFactory::instance();
-    EXPECT_EQ(factory.lookupFactoryName("IIPCServer", "", 0), "WindowsPipeIPCServer");
-    EXPECT_NE(factory.retrieveFactory("IIPCServer", "WindowsPipeIPCServer"), nullptr);
-    EXPECT_NE(factory.retrieveFactory("IIPCEndpoint", "WindowsPipeIPCEndpoint"), nullptr);
-}
-
 } // namespace
 } // namespace orbelantine

@@ -34,6 +34,8 @@ class PipeFolder {
         std::filesystem::remove_all(mPath, ignored);
     }
 
+    [[nodiscard]] bool isEmpty() const { return std::filesystem::is_empty(mPath); }
+
     PipeFolder(const PipeFolder&) = delete;
     PipeFolder& operator=(const PipeFolder&) = delete;
 
@@ -116,6 +118,8 @@ PipeTalks PipeTalks::run(std::uint64_t talks) {
             use.before = ProcessUse::now();
     }
     use.after = ProcessUse::now();
+    if (!folder.isEmpty())
+        throw std::runtime_error("the pipes have left files behind");
     return use;
 }
 
