@@ -56,6 +56,7 @@ class FakeRadio {
         auto& open = mOpen[mImpl][operation];
         const Completion completion = std::move(open.front());
         open.pop_front();
+        const std::lock_guard telling(mTelling);
         lock.unlock();
         complete(completion, ec);
     }
@@ -144,11 +145,14 @@ class FakeRadio {
         mCalls.push_back(call);
     }
 
-    /// What is open goes with its backend.
+    /// What is open goes with its backend, which waits for a completion that is on its way.
     void end(const Impl& impl) {
-        const std::lock_guard lock(mMutex);
-        mCalls.push_back("destroyed");
-        mOpen.erase(&impl);
+        {
+            const std::lock_guard lock(mMutex);
+            mCalls.push_back("destroyed");
+            mOpen.erase(&impl);
+        }
+        const std::lock_guard told(mTelling);
     }
 
     void open(const Impl& impl, const std::string& operation, const std::string& detail,
@@ -160,6 +164,8 @@ class FakeRadio {
     }
 
     std::mutex mMutex;
+    // Held while a completion runs; it may end the backend itself.
+    std::recursive_mutex mTelling;
     std::condition_variable mChanged;
     Impl* mImpl = nullptr;
     std::vector<std::string> mCalls;
