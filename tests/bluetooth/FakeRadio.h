@@ -149,10 +149,11 @@ class FakeRadio {
     void end(const Impl& impl) {
         {
             const std::lock_guard lock(mMutex);
-            mCalls.push_back("destroyed");
             mOpen.erase(&impl);
         }
-        const std::lock_guard told(mTelling);
+        // The last thing that is done: the radio may go when it has been told of.
+        { const std::lock_guard told(mTelling); }
+        add("destroyed");
     }
 
     void open(const Impl& impl, const std::string& operation, const std::string& detail,
