@@ -49,6 +49,7 @@ static class QuickStart
                     Console.Error.WriteLine("no phone: " + failure);
                     return 1;
                 }
+                Finish(client.flush);                                        // the sources listen now
                 window.onRotationChanged.call(1);                            // upright
                 window.onLogicalDimensionsChanged.call(1080, 2340, 1, 0);    // its screen
                 window.onKeyDown.call(0x41, 30, 1);                          // an "a"
