@@ -20,6 +20,7 @@ OPERATION = re.compile(r"^  public virtual (\S+) (\w+)\(([^\n]*)\) \{\n(.*?)^  \
 
 # The arguments of the callbacks that surfaces and the peer manager raise.
 ARGUMENTS = {
+    "AudioStateCallback": ["state"],
     "IntCallback": ["rotation"],
     "MouseEvent": ["button", "x", "y"],
     "PeerListUpdateCallback": ["bluetoothOn", "peers"],
@@ -49,7 +50,7 @@ class Proxy:
             self.text = re.sub(r"(  public override \S+ \w+\(.*\) \{\n)", r"\1    swigContexts.RequireMain(swigCPtr);" "\n", self.text)
         if self.name == "KVStoreMap":
             self.mend_store_map()
-        if self.name in ("BluetoothPeerManager", "HidInputClient"):
+        if self.name in ("AudioDevicesState", "BluetoothPeerManager", "HidInputClient"):
             self.replace("    swigHandle = cPtr;\n", "    swigHandle = cPtr;\n    global::Orbelantine.Swig.ProcessEnd.Watch(this);\n")
         if self.is_callback():
             self.mend_callback()

@@ -2,10 +2,6 @@
 
 %feature("director") orbelantine::IBluetoothService;
 
-// A completion may be left out.
-%typemap(in) boost::function< void (boost::system::error_code) > completion
-%{ $1 = orbelantine::binding::completionOf((const boost::function< void (boost::system::error_code) > *)$input); %}
-
 // A host may keep the peer that it is given for as long as its connect takes.
 %typemap(directorin) orbelantine::BluetoothPeer const &
 %{ $input = new boost::shared_ptr< orbelantine::BluetoothPeer const >(boost::make_shared< orbelantine::BluetoothPeer >($1)); %}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bluetooth/Completion.h"
+#include "core/common/run/Completion.h"
 #include "core/common/errors/ErrorCode.h"
 
 #include <boost/signals2/signal.hpp>

@@ -3,6 +3,7 @@
 #   orbelantine_deps_system   what of Boost is compiled
 #   orbelantine_deps_bluetooth   D-Bus, by which BlueZ is reached
 #   orbelantine_deps_crypto   certificates and signatures: libcrypto, on Windows the system's own
+#   orbelantine_deps_audio    PulseAudio's headers; its library is loaded where the machine has it
 #   GTest::gtest_main         GoogleTest from Debian's sources, with this build's own flags
 find_package(Threads REQUIRED)
 
@@ -15,6 +16,7 @@ target_compile_definitions(orbelantine_deps INTERFACE
 add_library(orbelantine_deps_system INTERFACE)
 add_library(orbelantine_deps_bluetooth INTERFACE)
 add_library(orbelantine_deps_crypto INTERFACE)
+add_library(orbelantine_deps_audio INTERFACE)
 
 if(WIN32)
     include(BoostFromSource)
@@ -32,6 +34,7 @@ if(WIN32)
         orbelantine_boost_thread orbelantine_boost_filesystem
         shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops)
     target_link_libraries(orbelantine_deps_crypto INTERFACE crypt32)
+    target_link_libraries(orbelantine_deps_audio INTERFACE ole32)
 else()
     find_package(Boost 1.81 REQUIRED COMPONENTS thread filesystem)
     target_link_libraries(orbelantine_deps INTERFACE Boost::headers)
@@ -40,6 +43,8 @@ else()
     target_link_libraries(orbelantine_deps_bluetooth INTERFACE SDBusCpp::sdbus-c++)
     find_package(OpenSSL REQUIRED COMPONENTS Crypto)
     target_link_libraries(orbelantine_deps_crypto INTERFACE OpenSSL::Crypto)
+    find_path(pulse_headers pulse/pulseaudio.h REQUIRED)
+    target_link_libraries(orbelantine_deps_audio INTERFACE ${CMAKE_DL_LIBS})
 endif()
 
 if(BUILD_TESTING)

@@ -109,3 +109,7 @@ public:
 %template(NAME) boost::function< RESULT TYPES >;
 %template(Signal ## NAME) boost::signals2::signal< RESULT TYPES >;
 %enddef
+
+// A completion may be left out.
+%typemap(in) boost::function< void (boost::system::error_code) > completion, boost::function< void (boost::system::error_code) > callback
+%{ $1 = orbelantine::binding::completionOf((const boost::function< void (boost::system::error_code) > *)$input); %}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bluetooth/Completion.h"
+#include "core/common/run/Completion.h"
 #include "bluetooth/peers/BluetoothState.h"
 #include "bluetooth/radio/makeBluetooth.h"
 #include "core/common/run/FireSafely.h"

@@ -37,7 +37,7 @@ auto RelativeMouseSource::slot(void (RelativeMouseSource::*event)(Parameters...)
     };
 }
 
-RelativeMouseSource::RelativeMouseSource(const KVStore& store, MouseSettingsApi& settings,
+RelativeMouseSource::RelativeMouseSource(const KVStore& store, SettingsApi& settings,
                                          IClock& clock)
     : StateMachine(clock)
     , mStore(store)

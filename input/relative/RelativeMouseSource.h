@@ -5,7 +5,7 @@
 #include "core/common/run/CallGate.h"
 #include "core/common/run/StateMachine.h"
 #include "input/context/IInputContext.h"
-#include "input/relative/MouseSettingsApi.h"
+#include "core/common/config/SettingsApi.h"
 #include "input/relative/RelativeCursor.h"
 #include "input/relative/RelativeMouseState.h"
 
@@ -31,7 +31,7 @@ class RelativeMouseSource final : public StateMachine<RelativeMouseSource, Relat
     /// Reads "hint" (the phone's profile) and "apple" from its copy of `store` at each start. The
     /// model begins with the logical dimensions that any source has last been told of.
     explicit RelativeMouseSource(const KVStore& store,
-                                 MouseSettingsApi& settings = MouseSettingsApi::system(),
+                                 SettingsApi& settings = SettingsApi::system(),
                                  IClock& clock = IClock::system());
     ~RelativeMouseSource() override;
 
@@ -152,7 +152,7 @@ class RelativeMouseSource final : public StateMachine<RelativeMouseSource, Relat
     CursorPoint mHiddenPosition;
     bool mScaledViewport = false;
 
-    MouseSettingsApi& mSettings;
+    SettingsApi& mSettings;
     /// Any thread: guards against the slots that outlive this object.
     const boost::shared_ptr<CallGate> mGate;
 };

@@ -4,7 +4,7 @@
 #include "avstack/IInputSource.h"
 #include "avstack/InputContextKey.h"
 #include "avstack/InputFormat.h"
-#include "bluetooth/Completion.h"
+#include "core/common/run/Completion.h"
 #include "hid/channel/IHIDDeviceClient.h"
 #include "hid/link/IBluetoothHIDClient.h"
 #include "hid/link/IBluetoothSDPController.h"

@@ -70,7 +70,7 @@ class FakeProvider final : public IRemoteMouseInfoProvider {
     }
 };
 
-class FakeMouseSettings final : public MouseSettingsApi {
+class FakeMouseSettings final : public SettingsApi {
   public:
     Error error = 2;
     std::uint32_t dragSpeed = 0;

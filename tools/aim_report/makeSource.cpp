@@ -1,6 +1,6 @@
 #include "tools/aim_report/makeSource.h"
 
-#include "input/relative/MouseSettingsApi.h"
+#include "core/common/config/SettingsApi.h"
 #include "input/relative/RelativeMouseSource.h"
 
 #include <boost/smart_ptr/make_shared_object.hpp>
@@ -8,7 +8,7 @@
 namespace orbelantine::aim {
 
 boost::shared_ptr<IMouseSource> makeSource(const KVStore& configuration, IClock& clock) {
-    return boost::make_shared<RelativeMouseSource>(configuration, MouseSettingsApi::system(),
+    return boost::make_shared<RelativeMouseSource>(configuration, SettingsApi::system(),
                                                    clock);
 }
 

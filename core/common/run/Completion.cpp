@@ -1,4 +1,4 @@
-#include "bluetooth/Completion.h"
+#include "core/common/run/Completion.h"
 
 #include "core/common/log/Log.h"
 

@@ -1,4 +1,4 @@
-#include "input/relative/MouseSettingsApi.h"
+#include "core/common/config/SettingsApi.h"
 
 #include "core/common/errors/ErrorCode.h"
 
@@ -23,7 +23,7 @@ std::filesystem::path configFolder() {
     return std::filesystem::path(home != nullptr ? home : "/") / ".config";
 }
 
-MouseSettingsApi::Error parse(const std::string& text, std::uint32_t& value) {
+SettingsApi::Error parse(const std::string& text, std::uint32_t& value) {
     std::uint32_t parsed = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, failure] = std::from_chars(text.data(), end, parsed);
@@ -34,7 +34,7 @@ MouseSettingsApi::Error parse(const std::string& text, std::uint32_t& value) {
 }
 
 /// Lines of the form "Name = 123"; others are passed over.
-class SettingsFile final : public MouseSettingsApi {
+class SettingsFile final : public SettingsApi {
   public:
     Error getInteger(const char* name, std::uint32_t& value) override {
         std::ifstream file(configFolder() / "orbelantine" / "settings");
@@ -50,7 +50,7 @@ class SettingsFile final : public MouseSettingsApi {
 
 } // namespace
 
-MouseSettingsApi& MouseSettingsApi::system() {
+SettingsApi& SettingsApi::system() {
     static SettingsFile api;
     return api;
 }

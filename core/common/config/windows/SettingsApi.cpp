@@ -1,4 +1,4 @@
-#include "input/relative/MouseSettingsApi.h"
+#include "core/common/config/SettingsApi.h"
 
 #include <windows.h>
 
@@ -6,7 +6,7 @@ namespace orbelantine {
 
 namespace {
 
-class RegistrySettings final : public MouseSettingsApi {
+class RegistrySettings final : public SettingsApi {
   public:
     Error getInteger(const char* name, std::uint32_t& value) override {
         DWORD stored = 0;
@@ -21,7 +21,7 @@ class RegistrySettings final : public MouseSettingsApi {
 
 } // namespace
 
-MouseSettingsApi& MouseSettingsApi::system() {
+SettingsApi& SettingsApi::system() {
     static RegistrySettings api;
     return api;
 }

@@ -1,4 +1,4 @@
-#include "input/relative/MouseSettingsApi.h"
+#include "core/common/config/SettingsApi.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -13,20 +13,20 @@ namespace orbelantine {
 namespace {
 
 /// A user's configuration folder with a settings file of one content.
-class RelativeMouseSettings : public testing::Test {
+class Settings : public testing::Test {
   protected:
-    RelativeMouseSettings() { setenv("XDG_CONFIG_HOME", mFolder.c_str(), 1); }
+    Settings() { setenv("XDG_CONFIG_HOME", mFolder.c_str(), 1); }
 
-    ~RelativeMouseSettings() override {
+    ~Settings() override {
         unsetenv("XDG_CONFIG_HOME");
         std::filesystem::remove_all(mFolder);
     }
 
     /// The error; 0 with the value in mValue.
-    MouseSettingsApi::Error read(const std::string& content) {
+    SettingsApi::Error read(const std::string& content) {
         std::filesystem::create_directories(mFolder / "orbelantine");
         std::ofstream(mFolder / "orbelantine" / "settings") << content;
-        return MouseSettingsApi::system().getInteger("DragSpeed", mValue);
+        return SettingsApi::system().getInteger("DragSpeed", mValue);
     }
 
     std::filesystem::path mFolder = std::filesystem::temp_directory_path() /
@@ -34,8 +34,8 @@ class RelativeMouseSettings : public testing::Test {
     std::uint32_t mValue = 7;
 };
 
-TEST_F(RelativeMouseSettings, AnIntegerIsReadAmongOtherLinesAndNothingElseIs) {
-    EXPECT_EQ(MouseSettingsApi::system().getInteger("DragSpeed", mValue), 2U);
+TEST_F(Settings, AnIntegerIsReadAmongOtherLinesAndNothingElseIs) {
+    EXPECT_EQ(SettingsApi::system().getInteger("DragSpeed", mValue), 2U);
     EXPECT_EQ(read("DragSpeed 10000\n"), 2U);
     for (const char* content : {"DragSpeed =", "DragSpeed = fast", "DragSpeed = 1.5",
                                 "DragSpeed = -1", "DragSpeed = 4294967296"})
