@@ -144,9 +144,10 @@ def scenes(sound):
     yield "a microphone is plugged in", lambda: sound.plug_microphone("voice"), (all_there, "False"), "microphone"
     yield "the speakers are muted", set_sink("mute", "1"), None, "speakers"
     yield "their volume is changed while they are", set_sink("volume", "40%"), None, "speakers"
-    yield "they are to be heard again", set_sink("mute", "0"), None, None
+    # The last word of a mute comes with its end.
+    yield "they are no longer muted", set_sink("mute", "0"), None, "speakers"
     yield "the microphone is muted", set_source("mute", "1"), None, "microphone"
-    yield "the microphone is on again", set_source("mute", "0"), None, None
+    yield "it is no longer muted", set_source("mute", "0"), None, "microphone"
     yield "the speakers' volume is 0", set_sink("volume", "0%"), None, "speakers"
     yield "the speakers' volume is 60 %", set_sink("volume", "60%"), None, None
     yield "other speakers are plugged in", lambda: sound.plug_speakers("kitchen"), (all_there, "False"), None
@@ -154,7 +155,7 @@ def scenes(sound):
     yield "a Bluetooth headset plays", lambda: sound.plug_speakers("ears", "bluetooth"), (all_there, "True"), None
     yield "it records, too", lambda: sound.plug_microphone("mouth", "bluetooth"), (all_there, "True"), None
     yield "it records alone", lambda: sound.unplug("ears"), (all_there, "True"), None
-    yield "it is gone", lambda: sound.unplug("mouth"), (all_there, "False"), None
+    yield "the headset is gone", lambda: sound.unplug("mouth"), (all_there, "False"), None
     yield "the sound system dies", sound.die, (none, "False"), None
     yield "it is back, with its devices", sound.come_back, (all_there, "False"), None
 
