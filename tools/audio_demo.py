@@ -41,8 +41,8 @@ class SoundSystem:
         # It ends by itself should this program be killed.
         with open(self.said, "w", encoding="utf-8") as said:
             self.process = subprocess.Popen(
-                ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=60", "--use-pid-file=no", "--disable-shm=yes",
-                 "-L", f"module-native-protocol-unix socket={self.socket} auth-anonymous=1"],
+                ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=60", "--use-pid-file=no",
+                 "--disable-shm=yes", "-L", f"module-native-protocol-unix socket={self.socket} auth-anonymous=1"],
                 env=self.environment, start_new_session=True, stdout=said, stderr=said)
         end = time.monotonic() + PATIENCE
         while self.ask("info").returncode != 0:
