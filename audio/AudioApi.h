@@ -20,6 +20,10 @@ inline constexpr AudioResult kFail = static_cast<AudioResult>(0x80004005);
 inline constexpr AudioResult kInvalidArgument = static_cast<AudioResult>(0x80070057);
 inline constexpr AudioResult kNotFound = static_cast<AudioResult>(0x80070490);
 inline constexpr AudioResult kDeviceInvalidated = static_cast<AudioResult>(0x88890004);
+
+[[nodiscard]] constexpr bool isFailure(AudioResult result) {
+    return result < 0;
+}
 } // namespace hresult
 
 /// Whether a direction plays or records; Core Audio's `EDataFlow`.

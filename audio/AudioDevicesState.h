@@ -8,10 +8,6 @@
 #include <boost/signals2/signal.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 
-#include <atomic>
-#include <cstdint>
-#include <memory>
-
 namespace orbelantine {
 
 class AudioMixer;
@@ -55,7 +51,13 @@ class AudioDevicesState {
     [[nodiscard]] bool isBtHeadsetPluggedIn() const;
 
   private:
-    std::shared_ptr<AudioMixer> mMixer;
+    [[nodiscard]] bool isInSlot() const;
+    void disconnectMixer();
+    static void audioDeviceChanged(Facts& facts, const error_code& ec, bool out, bool btHeadset);
+    static void updateState(Facts& facts, const error_code& ec);
+    static void muteDeFactoChanged(Facts& facts, bool out, int volume, bool mute);
+
+    boost::shared_ptr<AudioMixer> mMixer;
 };
 
 } // namespace orbelantine

@@ -102,14 +102,20 @@ class AudioMixer {
         boost::shared_ptr<AudioVolumeCallback> callback;
     };
 
-    using DevicePredicate = bool (AudioMixer::*)(AudioDevice& device);
+    // The values of "BtHeadsetCfg".
+    static constexpr std::uint32_t kHeadsetIsReported = 0;
+    static constexpr std::uint32_t kHeadsetIsAvoided = 1;
+    static constexpr std::uint32_t kHeadsetIsNotLookedFor = 2;
 
-    Direction& of(bool out) { return out ? mOut : mIn; }
+    static constexpr const wchar_t* kNoDevice = L"No device";
 
-    template <class Task>
-    auto onWorker(Task task);
+    using DevicePredicate = bool (*)(AudioDevice& device);
 
-    void doStart(unsigned maxVolume, const Completion& completion);
+    [[nodiscard]] static const char* directionName(bool out) { return out ? "out" : "in"; }
+
+    [[nodiscard]] Direction& of(bool out) { return out ? mOut : mIn; }
+
+    [[nodiscard]] error_code doStart(unsigned maxVolume);
     void doStop();
     [[nodiscard]] error_code doStartAudioDeviceMonitoring();
     void doStopAudioDeviceMonitoring();
@@ -125,18 +131,19 @@ class AudioMixer {
     [[nodiscard]] bool doFindNonBtDevice(bool out);
     [[nodiscard]] bool doFindDeviceOfType(bool out, AudioDeviceCollection& devices,
                                           DevicePredicate predicate);
-    [[nodiscard]] std::unique_ptr<AudioDeviceCollection> enumerate(bool out,
+    [[nodiscard]] std::unique_ptr<AudioDeviceCollection> enumerate(const char* caller, bool out,
                                                                    std::uint32_t stateMask);
     void reportDevice(bool out, AudioDeviceInfoType type);
-    void reportNoDevice(bool out, AudioDeviceInfoType type);
-    [[nodiscard]] bool isBtDevice(AudioDevice& device);
-    [[nodiscard]] bool isNonBtDevice(AudioDevice& device);
-    [[nodiscard]] bool isUsbDevice(AudioDevice& device);
-    [[nodiscard]] std::wstring getDeviceName(AudioDevice& device);
-    [[nodiscard]] std::wstring getDeviceDetails(AudioDevice& device);
-    [[nodiscard]] std::wstring getDeviceEnumeratorName(AudioDevice& device);
+    [[nodiscard]] static bool isBtDevice(AudioDevice& device);
+    [[nodiscard]] static bool isNonBtDevice(AudioDevice& device);
+    [[nodiscard]] static bool isUsbDevice(AudioDevice& device);
+    [[nodiscard]] static std::wstring getDeviceName(AudioDevice& device);
+    [[nodiscard]] static std::wstring getDeviceDetails(AudioDevice& device);
+    [[nodiscard]] static std::wstring getDeviceEnumeratorName(AudioDevice& device);
 
     // Volume and mute.
+    static void onVolumeNotification(AudioLevels& levels, bool out,
+                                     const AudioVolumeNotification& notification);
     [[nodiscard]] bool doOpenVolumeDevice(bool out);
     void doCloseVolumeDevice(bool out);
     void doSetVolume(bool out, int volume);
