@@ -89,7 +89,8 @@ class Registrations {
 
     AudioResult add(const boost::shared_ptr<Callback>& callback) {
         ComPtr<Object> object;
-        object.Attach(new Object(callback));
+        // Not Attach, which counts once more in mingw-w64.
+        *object.GetAddressOf() = new Object(callback);
         const HRESULT result = (mSource.Get()->*mAdd)(object.Get());
         if (SUCCEEDED(result))
             mObjects.push_back(object);

@@ -54,7 +54,7 @@ TYPED_TEST(CallbackObjects, HaveTwoInterfacesAndLiveByTheirCount) {
 TEST(CoreAudio, VolumeNotificationReachesTheCallback) {
     const auto callback = boost::make_shared<AudioVolumeCallback>();
     ComPtr<IAudioEndpointVolumeCallback> object;
-    object.Attach(new VolumeCallbackObject(callback));
+    *object.GetAddressOf() = new VolumeCallbackObject(callback);
     std::vector<float> told;
     callback->onNotified.connect([&](const AudioVolumeNotification* data) {
         told.push_back(data->muted ? -data->masterVolume : data->masterVolume);
@@ -71,7 +71,7 @@ TEST(CoreAudio, VolumeNotificationReachesTheCallback) {
 TEST(CoreAudio, DeviceNotificationsReachTheCallback) {
     const auto callback = boost::make_shared<AudioDeviceCallback>(AudioRole::Console);
     ComPtr<IMMNotificationClient> object;
-    object.Attach(new DeviceCallbackObject(callback));
+    *object.GetAddressOf() = new DeviceCallbackObject(callback);
     std::string told;
     callback->onInDevice.connect([&] { told += 'i'; });
     callback->onOutDevice.connect([&] { told += 'o'; });
