@@ -15,18 +15,12 @@
 namespace orbelantine::test {
 namespace {
 
-const FakeSide kNone{{}, {}};
-const FakeSide kSome{{{L"Card"}}, FakeEndpoint{L"Card"}};
-const FakeSide kBluetooth{{{L"Headset", L"BTHENUM"}}, FakeEndpoint{L"Headset", L"BTHENUM"}};
-
 /// The state on a machine with sound, and what it tells.
 struct Devices {
-    Devices() {
-        for (const bool out : {false, true})
-            audio.set(out, kSome);
-    }
+    Devices() { audio.sides.fill({{kCard}, {kCard}}); }
 
-    void start() {
+    /// Until `told` has come so often, twice at the end of a start that finds a device for out.
+    Names start(const std::string& told = "state 0", int times = 2) {
         state->onMute.connect([this](bool out, bool mute) {
             journal.note((out ? "out mute " : "in mute ") + std::to_string(mute));
         });
@@ -35,58 +29,53 @@ struct Devices {
         state->onStateChanged.connect(
             [this](AudioState now) { journal.note("state " + std::to_string(now)); });
         state->start([this](const error_code&) { journal.note("completed"); });
+        return await(told, times);
+    }
+
+    Names await(const std::string& told, int times) {
+        journal.await(told, times);
+        return journal.take();
     }
 
     FakeAudio audio;
-    FakeHeadsetSetting settings;
     Journal journal;
-    std::unique_ptr<AudioDevicesState> state = std::make_unique<AudioDevicesState>(audio, settings);
+    std::unique_ptr<AudioDevicesState> state = std::make_unique<AudioDevicesState>(audio, audio);
 };
 
 TEST(AudioDevicesState, StartTellsOfEachDirectionAndOnceMoreAtItsEnd) {
     Devices d;
     EXPECT_EQ(d.state->getAudioState(), AudioAvailable);
-    d.start();
-    d.journal.await("state 0", 2);
-    EXPECT_EQ(d.journal.take(), (Names{"in mute 1", "headset 0", "state 1", "out mute 1",
-                                       "headset 0", "state 0", "state 0"}));
-    d.audio.set(false, kNone);
+    EXPECT_EQ(d.start(), (Names{"in mute 1", "headset 0", "state 1", "out mute 1", "headset 0",
+                                "state 0", "state 0"}));
+    d.audio.sides[false] = {};
     d.audio.simulateDevices([](auto& listener) { listener.onDeviceRemoved(L"Card"); });
-    d.journal.await("state 2");
-    EXPECT_EQ(d.journal.take(), (Names{"headset 0", "state 0", "headset 0", "state 2"}));
+    EXPECT_EQ(d.await("state 2", 1), (Names{"headset 0", "state 0", "headset 0", "state 2"}));
     EXPECT_EQ(d.state->getAudioState(), NoAudioIn);
-
-    d.audio.set(true, kNone);
+    d.audio.sides[true] = {};
     d.state->stop();
-    EXPECT_EQ(d.audio.awaitAllGivenBack(), Texts());
+    EXPECT_EQ(d.audio.awaitAllGivenBack(), Names());
     d.state->start({});
-    d.journal.await("state 3", 3);
-    EXPECT_EQ(d.journal.take(), (Names{"headset 0", "state 3", "headset 0", "state 3", "state 3"}));
+    EXPECT_EQ(d.await("state 3", 3),
+              (Names{"headset 0", "state 3", "headset 0", "state 3", "state 3"}));
 }
 
 TEST(AudioDevicesState, FailedStartIsLoggedAndLeavesTheState) {
     CapturedLog log(kLogError);
     Devices d;
-    d.audio.set(false, kNone);
-    d.audio.fail("RegisterEndpointNotificationCallback");
-    d.start();
-    d.journal.await("state 2", 2);
-    EXPECT_EQ(d.journal.take(),
+    d.audio.sides[false] = {};
+    d.audio.failing = "RegisterEndpointNotificationCallback";
+    EXPECT_EQ(d.start("state 2"),
               (Names{"headset 0", "state 3", "out mute 1", "headset 0", "state 2", "state 2"}));
     d.state->stop();
-    d.audio.fail("CoInitialize");
+    d.audio.failing = "CoInitialize";
     d.state->start({});
-    d.journal.await("state 2");
-    EXPECT_EQ(log.missing({"AudioDevicesState::start() Mixer start error 20245",
-                           "Mixer start error 20243"}),
-              Texts());
+    EXPECT_EQ(d.await("state 2", 1), Names{"state 2"});
+    EXPECT_EQ(log.missing({"start() Mixer start error 20245", "Mixer start error 20243"}), Names());
 }
 
 TEST(AudioDevicesState, SilenceIsToldAtEachChangeAndSoundIsNot) {
     Devices d;
     d.start();
-    d.journal.await("state 0", 2);
-    d.journal.take();
     const auto toldOf = [&](float level, bool mute) {
         d.audio.simulateVolume(true, level, mute);
         return d.journal.take();
@@ -103,22 +92,16 @@ TEST(AudioDevicesState, SilenceIsToldAtEachChangeAndSoundIsNot) {
 
 TEST(AudioDevicesState, HeadsetIsThereWhileADirectionHasOne) {
     Devices d;
-    d.audio.set(false, kBluetooth);
-    d.start();
-    d.journal.await("state 0", 2);
+    d.audio.sides[false] = {{kHeadset}, {kHeadset}};
+    EXPECT_EQ(d.start()[1], "headset 1");
     EXPECT_TRUE(d.state->isBtHeadsetPluggedIn());
-    const auto toldOf = [&](const FakeSide& out, const FakeSide& in) {
-        d.journal.take();
-        d.audio.set(true, out);
-        d.audio.set(false, in);
-        d.audio.simulateDevices([](auto& listener) { listener.onDeviceStateChanged(L"id", 1); });
-        d.journal.await("state 0", 2);
-        Names told = d.journal.take();
-        std::erase_if(told, [](const auto& note) { return !note.starts_with("headset"); });
-        return told;
+    const auto toldOnChange = [&](const FakeEndpoint& out) {
+        d.audio.sides = {FakeSide{{kCard}, {kCard}}, FakeSide{{out}, {out}}};
+        d.audio.simulateDevices([](auto& listener) { listener.onDeviceStateChanged(L"", 1); });
+        return d.await("state 0", 2);
     };
-    EXPECT_EQ(toldOf(kBluetooth, kSome), (Names{"headset 1", "headset 1"}));
-    EXPECT_EQ(toldOf(kSome, kSome), (Names{"headset 0", "headset 0"}));
+    EXPECT_EQ(toldOnChange(kHeadset), (Names{"headset 1", "state 0", "headset 1", "state 0"}));
+    EXPECT_EQ(toldOnChange(kCard), (Names{"headset 0", "state 0", "headset 0", "state 0"}));
     EXPECT_FALSE(d.state->isBtHeadsetPluggedIn());
 }
 
@@ -132,16 +115,16 @@ TEST(AudioDevicesState, CannotBeStoppedInASlotButMayEndThere) {
             d.state.reset();
             d.journal.note("ended");
         };
-        if (!inNotification)
-            d.state->onStateChanged.connect([&](AudioState) { endInSlot(); });
-        d.start();
         if (inNotification) {
-            d.journal.await("state 0", 2);
+            d.start();
             d.state->onMute.connect([&](bool, bool) { endInSlot(); });
             d.audio.simulateVolume(true, 0, false);
+        } else {
+            d.state->onStateChanged.connect([&](AudioState) { endInSlot(); });
+            d.state->start({});
         }
         d.journal.await("ended");
-        EXPECT_EQ(d.audio.awaitAllGivenBack(), Texts());
+        EXPECT_EQ(d.audio.awaitAllGivenBack(), Names());
     }
 }
 
@@ -160,17 +143,15 @@ TEST(AudioDevicesState, StandsNotificationsThroughStopAndEnd) {
     const auto devices = repeat(
         [&] { d.audio.simulateDevices([](auto& listener) { listener.onDeviceAdded(L"id"); }); });
     for (int round = 0; round < 20; ++round) {
-        d.start();
-        d.journal.await("out mute 1", 2);
+        d.start("out mute 1");
         if (round % 2 == 0)
             d.state->stop();
-        d.state = std::make_unique<AudioDevicesState>(d.audio, d.settings);
-        d.journal.take();
+        d.state = std::make_unique<AudioDevicesState>(d.audio, d.audio);
     }
     over = true;
     volumes.wait();
     devices.wait();
-    EXPECT_EQ(d.audio.awaitAllGivenBack(), Texts());
+    EXPECT_EQ(d.audio.awaitAllGivenBack(), Names());
 }
 
 } // namespace

@@ -25,29 +25,34 @@ struct FakeEndpoint {
     std::uint32_t state = kAudioDeviceActive;
 };
 
-/// The devices of a direction, the default one, and what their controls read.
+inline const FakeEndpoint kCard{L"Card"};
+inline const FakeEndpoint kHeadset{L"Headset", L"bthenum"};
+
+using FakeEndpoints = std::vector<FakeEndpoint>;
+
+/// The devices of a direction, the default one if there is one, and what their controls read.
 struct FakeSide {
-    std::vector<FakeEndpoint> endpoints;
-    std::optional<FakeEndpoint> preferred;
+    FakeEndpoints endpoints;
+    FakeEndpoints preferred;
     float level = 0.5F;
     bool mute = false;
 };
 
-/// A sound system as a script tells it. Any thread may call.
-class FakeAudio final : public AudioApi {
+/// A sound system as a script tells it, with the setting for headsets. Any thread may call; the
+/// public fields are for when none does.
+class FakeAudio final : public AudioApi, public SettingsApi {
   public:
     using VolumeListener = boost::shared_ptr<AudioVolumeCallback>;
     using DeviceListener = boost::shared_ptr<AudioDeviceCallback>;
     using Texts = std::vector<std::string>;
 
-    void set(bool out, FakeSide side) {
-        locked([&] { mSides[out] = std::move(side); });
-    }
-
-    /// Calls of that name fail from now on, with kDeviceInvalidated.
-    void fail(const std::string& call) {
-        locked([&] { mFailing = call; });
-    }
+    /// Of in and out.
+    std::array<FakeSide, 2> sides;
+    /// The name of the calls that fail, with kDeviceInvalidated.
+    std::string failing;
+    std::optional<std::uint32_t> headsetConfiguration;
+    /// What was set.
+    Texts sets;
 
     /// Tells whoever is registered of a change, on the calling thread.
     void simulateVolume(bool out, float level, bool mute) {
@@ -62,11 +67,6 @@ class FakeAudio final : public AudioApi {
             event(*listener);
     }
 
-    /// What was set since the last time.
-    Texts sets() {
-        return locked([this] { return std::exchange(mSets, {}); });
-    }
-
     /// The calls that came on another thread than the one that initialised, once every handle,
     /// registration and initialisation has been given back.
     Texts awaitAllGivenBack() {
@@ -77,7 +77,7 @@ class FakeAudio final : public AudioApi {
     }
 
     AudioResult coInitialize() override {
-        locked([this] { mOwner = std::this_thread::get_id(); });
+        mOwner = std::this_thread::get_id();
         return call("CoInitialize", [this] { ++mHeld; });
     }
 
@@ -87,6 +87,11 @@ class FakeAudio final : public AudioApi {
         return call("CoCreateInstance", [&] { enumerator = std::make_unique<Handle>(*this); });
     }
 
+    Error getInteger(const char* name, std::uint32_t& value) override {
+        value = headsetConfiguration.value_or(99);
+        return headsetConfiguration && std::string(name) == "BtHeadsetCfg" ? 0 : 2;
+    }
+
   private:
     /// Whatever there is to be made and given back.
     struct Handle final : AudioControl,
@@ -94,7 +99,7 @@ class FakeAudio final : public AudioApi {
                           AudioDevice,
                           AudioDeviceCollection,
                           AudioDeviceEnumerator {
-        explicit Handle(FakeAudio& fake, bool isOut = false, std::vector<FakeEndpoint> e = {})
+        explicit Handle(FakeAudio& fake, bool isOut = false, FakeEndpoints e = {})
             : audio(fake)
             , out(isOut)
             , endpoints(std::move(e)) {
@@ -104,7 +109,7 @@ class FakeAudio final : public AudioApi {
         ~Handle() override { audio.giveBack(); }
 
         template <class Made>
-        AudioResult make(const char* name, std::unique_ptr<Made>& made) {
+        AudioResult make(const char* name, std::unique_ptr<Made>& made) const {
             return audio.call(name,
                               [&] { made = std::make_unique<Handle>(audio, out, endpoints); });
         }
@@ -118,19 +123,20 @@ class FakeAudio final : public AudioApi {
         }
 
         AudioResult getMasterVolumeLevelScalar(float& v) override {
-            return audio.call("GetMasterVolumeLevelScalar", [&] { v = audio.mSides[out].level; });
+            return audio.call("GetMasterVolumeLevelScalar", [&] { v = audio.sides[out].level; });
         }
 
         AudioResult setMasterVolumeLevelScalar(float level) override {
-            return audio.tell("SetMasterVolumeLevelScalar", std::to_string(level));
+            return audio.call("SetMasterVolumeLevelScalar",
+                              [&] { audio.sets.push_back(std::to_string(level)); });
         }
 
         AudioResult getMute(bool& mute) override {
-            return audio.call("GetMute", [&] { mute = audio.mSides[out].mute; });
+            return audio.call("GetMute", [&] { mute = audio.sides[out].mute; });
         }
 
         AudioResult setMute(bool mute) override {
-            return audio.tell("SetMute", mute ? "mute" : "sound");
+            return audio.call("SetMute", [&] { audio.sets.push_back(mute ? "mute" : "sound"); });
         }
 
         AudioResult getValue(AudioProperty property, std::wstring& value) override {
@@ -165,19 +171,19 @@ class FakeAudio final : public AudioApi {
 
         AudioResult enumAudioEndpoints(AudioFlow flow, std::uint32_t mask,
                                        std::unique_ptr<AudioDeviceCollection>& devices) override {
-            auto found = audio.side(flow).endpoints;
-            std::erase_if(found, [&](const auto& e) { return (e.state & mask) == 0; });
-            return Handle(audio, flow == AudioFlow::Render, found)
-                .make("EnumAudioEndpoints", devices);
+            const bool isOut = flow == AudioFlow::Render;
+            FakeEndpoints found = audio.sides[isOut].endpoints;
+            std::erase_if(found, [mask](const auto& e) { return (e.state & mask) == 0; });
+            return Handle(audio, isOut, found).make("EnumAudioEndpoints", devices);
         }
 
         AudioResult getDefaultAudioEndpoint(AudioFlow flow, AudioRole role,
                                             std::unique_ptr<AudioDevice>& device) override {
-            const auto preferred = audio.side(flow).preferred;
-            if (!preferred || role != AudioRole::Console)
+            const bool isOut = flow == AudioFlow::Render;
+            const Handle found(audio, isOut, audio.sides[isOut].preferred);
+            if (found.endpoints.empty() || role != AudioRole::Console)
                 return hresult::kNotFound;
-            return Handle(audio, flow == AudioFlow::Render, {*preferred})
-                .make("GetDefaultAudioEndpoint", device);
+            return found.make("GetDefaultAudioEndpoint", device);
         }
 
         AudioResult registerEndpointNotificationCallback(const DeviceListener& listener) override {
@@ -192,7 +198,7 @@ class FakeAudio final : public AudioApi {
 
         FakeAudio& audio;
         const bool out;
-        const std::vector<FakeEndpoint> endpoints;
+        const FakeEndpoints endpoints;
     };
 
     template <class Body>
@@ -201,23 +207,15 @@ class FakeAudio final : public AudioApi {
         return body();
     }
 
-    FakeSide side(AudioFlow flow) {
-        return locked([&] { return mSides[flow == AudioFlow::Render]; });
-    }
-
     template <class Body>
     AudioResult call(const std::string& name, Body body) {
         const std::lock_guard lock(mMutex);
         if (mOwner != std::this_thread::get_id())
             mStrays.push_back(name);
-        if (name == mFailing)
+        if (name == failing)
             return hresult::kDeviceInvalidated;
         body();
         return hresult::kOk;
-    }
-
-    AudioResult tell(const char* name, const std::string& what) {
-        return call(name, [&] { mSets.push_back(what); });
     }
 
     template <class Listener>
@@ -239,23 +237,10 @@ class FakeAudio final : public AudioApi {
     std::mutex mMutex;
     std::condition_variable mChanged;
     std::atomic<int> mHeld = 0;
-    std::array<FakeSide, 2> mSides;
-    std::string mFailing;
     std::array<std::vector<VolumeListener>, 2> mVolumeListeners;
     std::vector<DeviceListener> mDeviceListeners;
     Texts mStrays;
-    Texts mSets;
     std::thread::id mOwner;
-};
-
-/// "BtHeadsetCfg", if it is set.
-struct FakeHeadsetSetting final : SettingsApi {
-    std::optional<std::uint32_t> configuration;
-
-    Error getInteger(const char* name, std::uint32_t& value) override {
-        value = configuration.value_or(99);
-        return configuration && std::string(name) == "BtHeadsetCfg" ? 0 : 2;
-    }
 };
 
 } // namespace orbelantine::test
