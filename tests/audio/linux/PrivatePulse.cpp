@@ -42,7 +42,8 @@ void PrivatePulse::start() {
     ::getsockopt(mCommands.rdbuf()->socket().native_handle(), SOL_SOCKET, SO_PEERCRED, &peer,
                  &size);
     mDaemon = peer.pid;
-    readAnswer();
+    // From here on every answer ends with a prompt.
+    tell("hello");
 }
 
 void PrivatePulse::stop() {

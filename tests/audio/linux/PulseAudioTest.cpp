@@ -38,6 +38,7 @@ class PulseAudio : public testing::Test {
         loadBox();
         ASSERT_EQ(AudioApi::system().createEnumerator(mEnumerator), hresult::kOk);
         mDevices->onOutDevice.connect([this] { hear(); });
+        mDevices->onInDevice.connect([this] { hear(); });
         ASSERT_EQ(mEnumerator->registerEndpointNotificationCallback(mDevices), hresult::kOk);
     }
 
@@ -141,7 +142,7 @@ TEST_F(PulseAudio, DevicesAreListedAndToldOfAsTheyComeChangeAndGo) {
     EXPECT_TRUE(becomes([&] { return listed(kIn).size() == 1 && defaultId(kIn) == L"mic"; }));
     mServer.tell("set-default-sink second");
     EXPECT_TRUE(becomes([&] { return defaultId(kOut) == L"second"; }));
-    EXPECT_EQ(listed(kOut).back(), L"second|second Audio/Sink sink|second|ROOT");
+    EXPECT_EQ(listed(kOut).back(), L"second|Null Output|second|ROOT");
     mServer.tell("update-sink-proplist second device.bus=bluetooth device.description=Head");
     EXPECT_TRUE(becomes([&] { return listed(kOut).back() == L"second|Head|second|BTHENUM"; }));
     mServer.tell("unload-module module-remap-source");
@@ -282,7 +283,8 @@ TEST_F(PulseAudio, EverythingMayEndInACallback) {
 TEST_F(PulseAudio, MixerTakesTheDeviceThatCountsAndSetsIt) {
     mServer.tell(
         "load-module module-null-sink sink_name=head sink_properties=device.bus=bluetooth");
-    ASSERT_TRUE(becomes([&] { return listed(kOut).size() == 2; }));
+    mServer.tell("set-default-sink box");
+    ASSERT_TRUE(becomes([&] { return listed(kOut).size() == 2 && defaultId(kOut) == L"box"; }));
     for (const bool btSearch : {false, true}) {
         AudioMixer mixer(AudioRole::Console, btSearch);
         std::promise<int> started;
