@@ -41,8 +41,8 @@ class SoundSystem:
         # It ends by itself should this program be killed.
         with open(self.said, "w", encoding="utf-8") as said:
             self.process = subprocess.Popen(
-                ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=60", "--use-pid-file=no", "--disable-shm=yes",
-                 "-L", f"module-native-protocol-unix socket={self.socket} auth-anonymous=1"],
+                ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=60", "--use-pid-file=no",
+                 "--disable-shm=yes", "-L", f"module-native-protocol-unix socket={self.socket} auth-anonymous=1"],
                 env=self.environment, start_new_session=True, stdout=said, stderr=said)
         end = time.monotonic() + PATIENCE
         while self.ask("info").returncode != 0:
@@ -107,7 +107,7 @@ class Host:
             try:
                 line = self.lines.get(timeout=QUIET)
             except queue.Empty:
-                if is_enough(lines):
+                if is_enough(lines) or self.process.poll() is not None:
                     break
                 continue
             kind, _, value = line.partition(": ")
@@ -116,8 +116,8 @@ class Host:
                 self.facts[kind] = value
         return lines
 
-    def interrupt(self):
-        self.process.send_signal(signal.SIGINT)
+    def close(self):
+        self.process.stdin.close()
         return self.process.wait(PATIENCE)
 
     def end(self):
@@ -130,7 +130,8 @@ class Host:
 
 
 def scenes(sound):
-    """What is done, and what the host knows afterwards: devices, a headset. After a mute alone nothing is looked up."""
+    """What is done; what the host must be told of devices and headset in the end, if they are looked up anew; and
+    what it must be told to be mute, if anything."""
     def set_sink(what, value):
         return lambda: sound.tell(f"set-sink-{what}", "desk", value)
 
@@ -160,8 +161,8 @@ def scenes(sound):
     yield "it is back, with its devices", sound.come_back, (all_there, "False"), None
 
 
-def is_as_it_was(host, lines, facts, mute):
-    """Whether a scene's lines are all that it must bring: look-ups where there are facts, no other mute."""
+def is_as_told(host, lines, facts, mute):
+    """Whether a scene's lines are what it must bring."""
     mutes = {value for kind, value in lines if kind == "mute"}
     looked_up = any(kind == "devices" for kind, _ in lines)
     known = (host.facts.get("devices"), host.facts.get("headset"))
@@ -195,14 +196,16 @@ def play(sound, command):
         for what, action, facts, mute in scenes(sound):
             when = f"{time.monotonic() - started:.1f} s"
             action()
-            lines = host.told(lambda lines: is_as_it_was(host, lines, facts, mute))
+            lines = host.told(lambda lines: is_as_told(host, lines, facts, mute))
             show(when, what, in_words(lines))
-            if not is_as_it_was(host, lines, facts, mute):
-                return f"'{what}' was to tell {facts or 'no change'} and {'silence of the ' + mute if mute else 'no silence'}"
             if host.process.poll() is not None:
                 return f"the host ended with {host.process.returncode}"
-        status = host.interrupt()
-        return None if status == 0 else f"the host ended with {status} at Ctrl-C"
+            if not is_as_told(host, lines, facts, mute):
+                expected = [f"devices: {facts[0]}", f"headset: {facts[1]}"] if facts else []
+                expected += [f"mute: {mute}"] if mute else []
+                return f"after '{what}' the host was to be told in the end: " + ("; ".join(expected) or "nothing")
+        status = host.close()
+        return None if status == 0 else f"the host ended with {status}"
     finally:
         host.end()
 
@@ -226,7 +229,7 @@ def main():
     if wrong:
         print(f"audio_demo: {wrong}", file=sys.stderr)
         return 1
-    print("The host was told of every change, and ended at Ctrl-C.")
+    print("The host was told of every change, and of no other.")
     return 0
 
 
