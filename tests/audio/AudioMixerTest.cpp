@@ -170,6 +170,7 @@ TEST(AudioMixer, FollowsTheSystemFromStartToStop) {
     EXPECT_EQ(m.told(),
               (Names{"out " + kCardInfo, "out volume 8", "out mute 0", "out 20240 no headset",
                      "in " + kCardInfo, "in volume 2", "in mute 1", "in 0 no headset"}));
+    EXPECT_TRUE(m.mixer.levels()->in.mute);
     m.audio.sides[false] = {};
     m.audio.simulateDevices([](auto& listener) {
         listener.onDefaultDeviceChanged(AudioFlow::Render, AudioRole::Multimedia, L"Card");

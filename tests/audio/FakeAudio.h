@@ -71,7 +71,7 @@ class FakeAudio final : public AudioApi, public SettingsApi {
     /// registration and initialisation has been given back.
     Texts awaitAllGivenBack() {
         std::unique_lock lock(mMutex);
-        if (!mChanged.wait_for(lock, std::chrono::seconds(30), [this] { return mHeld == 0; }))
+        if (!mChanged.wait_for(lock, std::chrono::seconds(10), [this] { return mHeld == 0; }))
             mStrays.push_back("not all is given back");
         return mStrays;
     }
