@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/run/Completion.h"
 #include "core/common/errors/ErrorCode.h"
+#include "core/common/run/Completion.h"
 
 #include <boost/signals2/signal.hpp>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/common/run/Completion.h"
 #include "bluetooth/peers/BluetoothState.h"
 #include "bluetooth/radio/makeBluetooth.h"
+#include "core/common/run/Completion.h"
 #include "core/common/run/FireSafely.h"
 #include "core/common/run/StateMachine.h"
 

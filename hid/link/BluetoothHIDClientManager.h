@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/common/run/Completion.h"
 #include "core/common/errors/ErrorCode.h"
 #include "core/common/run/Clock.h"
+#include "core/common/run/Completion.h"
 #include "core/common/run/IoThread.h"
 #include "hid/link/HIDServiceRecord.h"
 #include "hid/link/IdleTimer.h"

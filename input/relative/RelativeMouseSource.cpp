@@ -37,8 +37,7 @@ auto RelativeMouseSource::slot(void (RelativeMouseSource::*event)(Parameters...)
     };
 }
 
-RelativeMouseSource::RelativeMouseSource(const KVStore& store, SettingsApi& settings,
-                                         IClock& clock)
+RelativeMouseSource::RelativeMouseSource(const KVStore& store, SettingsApi& settings, IClock& clock)
     : StateMachine(clock)
     , mStore(store)
     , mLastSendNs(nowNs())

@@ -2,10 +2,10 @@
 
 #include "avstack/IInputFlow.h"
 #include "core/common/config/KVStore.h"
+#include "core/common/config/SettingsApi.h"
 #include "core/common/run/CallGate.h"
 #include "core/common/run/StateMachine.h"
 #include "input/context/IInputContext.h"
-#include "core/common/config/SettingsApi.h"
 #include "input/relative/RelativeCursor.h"
 #include "input/relative/RelativeMouseState.h"
 

@@ -8,8 +8,7 @@
 namespace orbelantine::aim {
 
 boost::shared_ptr<IMouseSource> makeSource(const KVStore& configuration, IClock& clock) {
-    return boost::make_shared<RelativeMouseSource>(configuration, SettingsApi::system(),
-                                                   clock);
+    return boost::make_shared<RelativeMouseSource>(configuration, SettingsApi::system(), clock);
 }
 
 } // namespace orbelantine::aim
