@@ -8,7 +8,6 @@
 #include <boost/signals2/signal.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
