@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <cstdlib>
 #include <functional>
@@ -17,6 +18,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orbelantine::test {
@@ -147,7 +149,7 @@ TEST_F(PulseAudio, DevicesAreListedAndToldOfAsTheyComeChangeAndGo) {
     EXPECT_TRUE(becomes([&] { return listed(kOut).back() == L"second|Head|second|BTHENUM"; }));
     mServer.tell("unload-module module-remap-source");
     EXPECT_TRUE(becomes([&] { return listed(kIn).empty(); }));
-    EXPECT_EQ(mEnumerator->unregisterEndpointNotificationCallback(mDevices), hresult::kOk);
+    mEnumerator.reset();
     EXPECT_EQ(log.missing({"Device mic added", "Default playback device is now second",
                            "Default recording device is now mic", "Device second removed",
                            "Device mic removed"}),
@@ -172,7 +174,7 @@ TEST_F(PulseAudio, VolumeAndMuteAreSetForAllChannelsAndFollowOthers) {
 
 TEST_F(PulseAudio, ServerMayDieAndComeBack) {
     CapturedLog log(kLogWarning);
-    const auto control = openBox();
+    auto control = openBox();
     const auto callback = listener(*control);
     mServer.stop();
     ASSERT_TRUE(becomes([&] { return defaultId(kOut) == L"none"; }));
@@ -182,6 +184,8 @@ TEST_F(PulseAudio, ServerMayDieAndComeBack) {
     ASSERT_TRUE(becomes([&] { return defaultId(kOut) == L"box"; }));
     EXPECT_EQ(control->setMute(true), hresult::kOk);
     EXPECT_TRUE(becomes(*control, 1, true));
+    control.reset();
+    mEnumerator.reset();
     EXPECT_EQ(log.told().size(), 1U) << "a loss is told once";
 }
 
