@@ -53,6 +53,9 @@ AudioDevicesState::AudioDevicesState(AudioApi& audio, SettingsApi& settings)
 
 AudioDevicesState::~AudioDevicesState() {
     disconnectMixer();
+    onMute.disconnect_all_slots();
+    onBtHeadsetPluggedIn.disconnect_all_slots();
+    onStateChanged.disconnect_all_slots();
     if (isInSlot())
         endElsewhere(std::move(mMixer));
 }

@@ -9,54 +9,19 @@
 #include "hid/link/IBluetoothHIDClient.h"
 #include "hid/link/IBluetoothSDPController.h"
 #include "tests/support/FactoryOverride.h"
+#include "tests/support/Journal.h"
 
 #include <boost/algorithm/hex.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
 
-#include <algorithm>
-#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <future>
 #include <iterator>
-#include <mutex>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace orbelantine::test {
-
-using Names = std::vector<std::string>;
-
-/// What happened, in order, on any threads.
-class Journal {
-  public:
-    void note(const std::string& what) {
-        {
-            const std::lock_guard lock(mMutex);
-            mNotes.push_back(what);
-        }
-        mChanged.notify_all();
-    }
-
-    /// The notes since the last call.
-    Names take() {
-        const std::lock_guard lock(mMutex);
-        return std::exchange(mNotes, {});
-    }
-
-    /// Until the note stands there.
-    void await(const std::string& what) {
-        std::unique_lock lock(mMutex);
-        mChanged.wait(
-            lock, [&] { return std::find(mNotes.begin(), mNotes.end(), what) != mNotes.end(); });
-    }
-
-  private:
-    std::mutex mMutex;
-    std::condition_variable mChanged;
-    Names mNotes;
-};
 
 /// What the fakes of a chain are told, and tell.
 struct ChainScript {

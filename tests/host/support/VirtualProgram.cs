@@ -61,7 +61,7 @@ namespace Orbelantine.HostTests
         }
 
         /// <summary>Environment.SetEnvironmentVariable is not seen by native code on every runtime.</summary>
-        protected static void SetForNativeCode(string variable, string value)
+        public static void SetForNativeCode(string variable, string value)
         {
             setenv(variable, value, 1);
         }
