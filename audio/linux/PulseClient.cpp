@@ -67,10 +67,13 @@ void PulseClient::wake() {
 }
 
 bool PulseClient::iterate() {
-    const bool goesOn = mLibrary.mainloop_prepare(mLoop.get(), timeout()) >= 0 &&
-                        mLibrary.mainloop_poll(mLoop.get()) >= 0 &&
-                        mLibrary.mainloop_dispatch(mLoop.get()) >= 0;
-    // Before what it was woken for is looked at.
+    pa_mainloop* const loop = mLoop.get();
+    if (mLibrary.mainloop_prepare(loop, timeout()) < 0)
+        return false;
+    // The preparation has forgotten what the loop was woken for before.
+    if (mWoken)
+        mLibrary.mainloop_wakeup(loop);
+    const bool goesOn = mLibrary.mainloop_poll(loop) >= 0 && mLibrary.mainloop_dispatch(loop) >= 0;
     mWoken = false;
     return goesOn;
 }
