@@ -6,6 +6,7 @@
 
 #include <boost/smart_ptr/make_shared_object.hpp>
 
+#include <cmath>
 #include <utility>
 
 namespace orbelantine {
@@ -19,7 +20,7 @@ const char* notUnless(bool mute) {
 } // namespace
 
 std::int32_t AudioLevels::scaled(float level) const {
-    return static_cast<std::int32_t>(static_cast<float>(maxVolume) * level + 0.5);
+    return static_cast<std::int32_t>(std::lround(static_cast<float>(maxVolume) * level));
 }
 
 boost::shared_ptr<AudioVolumeCallback> AudioMixer::makeVolumeCallback(bool out) {

@@ -5,6 +5,7 @@
 #include "core/common/run/ThreadName.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -230,7 +231,7 @@ void PulseClient::send(const PulseEndpoint& endpoint, const PulseWish& wish) {
         // Scaled, the channels keep their balance.
         pa_cvolume channels = endpoint.channels;
         mLibrary.cvolume_scale(&channels,
-                               static_cast<pa_volume_t>(*wish.level * PA_VOLUME_NORM + 0.5F));
+                               static_cast<pa_volume_t>(std::lround(*wish.level * PA_VOLUME_NORM)));
         awaitSet(set(mContext.get(), name, &channels, &PulseClient::onSet, this));
     }
     if (wish.mute) {
