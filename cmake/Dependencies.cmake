@@ -4,6 +4,7 @@
 #   orbelantine_deps_bluetooth   D-Bus, by which BlueZ is reached
 #   orbelantine_deps_crypto   certificates and signatures: libcrypto, on Windows the system's own
 #   orbelantine_deps_audio    PulseAudio's headers; its library is loaded where the machine has it
+#   orbelantine_deps_window   XCB's headers and xkbcommon's; their libraries are loaded where there are any
 #   GTest::gtest_main         GoogleTest from Debian's sources, with this build's own flags
 find_package(Threads REQUIRED)
 
@@ -17,6 +18,7 @@ add_library(orbelantine_deps_system INTERFACE)
 add_library(orbelantine_deps_bluetooth INTERFACE)
 add_library(orbelantine_deps_crypto INTERFACE)
 add_library(orbelantine_deps_audio INTERFACE)
+add_library(orbelantine_deps_window INTERFACE)
 
 if(WIN32)
     include(BoostFromSource)
@@ -35,6 +37,7 @@ if(WIN32)
         shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops)
     target_link_libraries(orbelantine_deps_crypto INTERFACE crypt32)
     target_link_libraries(orbelantine_deps_audio INTERFACE ole32)
+    target_link_libraries(orbelantine_deps_window INTERFACE user32)
 else()
     find_package(Boost 1.81 REQUIRED COMPONENTS thread filesystem)
     target_link_libraries(orbelantine_deps INTERFACE Boost::headers)
@@ -45,6 +48,11 @@ else()
     target_link_libraries(orbelantine_deps_crypto INTERFACE OpenSSL::Crypto)
     find_path(pulse_headers pulse/pulseaudio.h REQUIRED)
     target_link_libraries(orbelantine_deps_audio INTERFACE ${CMAKE_DL_LIBS})
+    foreach(header xcb/xinput.h xcb/xkb.h xcb/xtest.h xkbcommon/xkbcommon-x11.h)
+        string(MAKE_C_IDENTIFIER "${header}" variable)
+        find_path(${variable} ${header} REQUIRED)
+    endforeach()
+    target_link_libraries(orbelantine_deps_window INTERFACE ${CMAKE_DL_LIBS})
 endif()
 
 if(BUILD_TESTING)
