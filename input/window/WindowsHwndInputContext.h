@@ -67,6 +67,7 @@ class WindowsHwndInputContext final
 
   private:
     friend WindowApi::Result handleWindowMessage(WindowApi& api, const WindowMessage& message);
+    friend struct WindowMessageTable;
     using Result = WindowMessage::Result;
 
     /// A key message that waits for the end of a pause.
@@ -75,25 +76,24 @@ class WindowsHwndInputContext final
         std::int32_t pauseId;
     };
 
-    /// The two directions of a key, each with its own signals.
-    struct KeyDown;
-    struct KeyUp;
+    void initWinProc();
+    void registerInput();
+    void unregisterInput();
+    void restoreProcedure();
+    void disconnectAll();
 
     Result handle(const WindowMessage& message);
     Result passOn(const WindowMessage& message);
-    Result passOnWithoutLParam(WindowMessage message);
-    Result passOnSystemKey(const WindowMessage& message, std::uint32_t vk, std::uint32_t as);
-    Result onDestroy();
-    Result onSetFocus(const WindowMessage& message);
+    Result passOnWithoutLParam(const WindowMessage& message);
+    /// Of the keys that the system itself has a use for; 0 for the others.
+    Result passOnSystemKey(const WindowMessage& message, std::uint32_t vk);
+
+    Result onWndDestroy(const WindowMessage& message);
     Result onKillFocus(const WindowMessage& message);
     Result onSetCursor(const WindowMessage& message);
     Result onRawInput(const WindowMessage& message);
-    template <class Direction>
-    Result onKey(const WindowMessage& message);
-    template <class Direction>
-    Result onSystemKey(const WindowMessage& message);
     Result onMouseMove(const WindowMessage& message);
-    Result onLButtonDown(const WindowMessage& message);
+    Result onWndLButtonDown(const WindowMessage& message);
     Result onLButtonUp(const WindowMessage& message);
     Result onLButtonDoubleClick(const WindowMessage& message);
     Result onRButtonDown(const WindowMessage& message);
@@ -102,18 +102,27 @@ class WindowsHwndInputContext final
     Result onHorizontalWheel(const WindowMessage& message);
     template <auto PointerSignal, bool PassedOn>
     Result onPointer(const WindowMessage& message);
+    void takeFocus(const char* function);
 
+    Result onWndKeyDown(const WindowMessage& message);
+    Result onWndKeyUp(const WindowMessage& message);
+    Result onSystemKeyDown(const WindowMessage& message);
+    Result onSystemKeyUp(const WindowMessage& message);
+    /// A key that isn't held back, down or up.
     template <class Direction>
+    Result raiseKey(const WindowMessage& message, const char* function);
+    /// Whether the key message waits for the end of a pause.
     bool holdBack(const WindowMessage& message);
-    void takeFocus();
-    void restoreProcedure();
-    void disconnectAll();
+    [[nodiscard]] static std::uint32_t getScanCode(const WindowMessage& message);
+    /// The key itself where an input method has put its own in its place.
+    [[nodiscard]] std::uint32_t keyBehind(std::uint32_t vk, std::uint32_t scanCode);
+    bool takePending(std::int32_t id, WindowMessage& message);
 
     WindowApi& mApi;
-    bool mUseRawInput;
-    WindowMessage::Handle mHwnd;
-    bool mMapImeKeys;
-    bool mRegistered = false;
+    const bool mUseRawInput;
+    const WindowMessage::Handle mHwnd;
+    const bool mMapImeKeys;
+    bool mAttached = false;
     WindowApi::Procedure mWindowProc = 0;
     std::atomic<bool> mCursorHidden = false;
     bool mSwallowLButton = false;
