@@ -21,6 +21,7 @@
 #include "input/sources/IRemoteMouseInfoProvider.h"
 #include "input/context/IWindowState.h"
 #include "input/context/InputContextComposite.h"
+#include "input/window/WindowsHwndInputContext.h"
 %}
 
 ORB_SHARED(orbelantine::IInputMediaBufferMouse)
@@ -28,6 +29,7 @@ ORB_SHARED(orbelantine::IInputMediaBufferKeyboard)
 ORB_SHARED(orbelantine::IInputMediaBufferTouch)
 ORB_SHARED(orbelantine::IInputContext)
 ORB_SHARED(orbelantine::InputContextComposite)
+ORB_SHARED(orbelantine::WindowsHwndInputContext)
 ORB_SHARED(orbelantine::IWindowState)
 ORB_SHARED(orbelantine::IRemoteMouseInfoProvider)
 ORB_SHARED(orbelantine::IBluetoothSDPController)
@@ -43,6 +45,7 @@ ORB_SHARED(orbelantine::HIDReportProvider)
 %include "binding/inputbuffers.i"
 %include "binding/hid.i"
 %include "binding/inputcontexts.i"
+%include "binding/windowcontext.i"
 %include "binding/hidclient.i"
 
 // Its keys leave as a list that hosts know.

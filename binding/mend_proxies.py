@@ -28,6 +28,8 @@ ARGUMENTS = {
     "ThreeIntCallback": ["delta", "x", "y"],
     "TwoIntCallback": ["x", "y"],
     "TwoIntDoubleIntCallback": ["width", "height", "scale", "inset"],
+    "TwoUIntOneIntReturnBoolCallback": ["virtualKey", "scanCode", "repeatCount"],
+    "TwoUIntReturnBoolCallback": ["virtualKey", "scanCode"],
     "TwoUintCallback": ["virtualKey", "scanCode"],
     "TwoUintsIntCallback": ["virtualKey", "scanCode", "repeatCount"],
 }
@@ -50,7 +52,7 @@ class Proxy:
             self.text = re.sub(r"(  public override \S+ \w+\(.*\) \{\n)", r"\1    swigContexts.RequireMain(swigCPtr);" "\n", self.text)
         if self.name == "KVStoreMap":
             self.mend_store_map()
-        if self.name in ("AudioDevicesState", "BluetoothPeerManager", "HidInputClient"):
+        if self.name in ("AudioDevicesState", "BluetoothPeerManager", "HidInputClient", "WindowsHwndInputContext"):
             self.replace("    swigHandle = cPtr;\n", "    swigHandle = cPtr;\n    global::Orbelantine.Swig.ProcessEnd.Watch(this);\n")
         if self.is_callback():
             self.mend_callback()

@@ -96,8 +96,8 @@ class WindowApi {
                                                  const KeyboardState& state, Text& text) = 0;
 
     [[nodiscard]] virtual bool getMouseSpeed(std::int32_t& speed) = 0;
-    [[nodiscard]] virtual bool screenToClient(Handle window, Point& point) = 0;
-    [[nodiscard]] virtual bool clientToScreen(Handle window, Point& point) = 0;
+    virtual bool screenToClient(Handle window, Point& point) = 0;
+    virtual bool clientToScreen(Handle window, Point& point) = 0;
     /// From (0, 0) to the window's size.
     [[nodiscard]] virtual bool getClientRect(Handle window, Rect& rect) = 0;
     /// Null frees the cursor.
