@@ -41,11 +41,13 @@ if("dotnet" IN_LIST orbelantine_host_runtimes AND NOT DEFINED ORBELANTINE_OWN_FR
 endif()
 list(APPEND orbelantine_dotnet OrbelantineOwnFramework=${ORBELANTINE_OWN_FRAMEWORK})
 
-# orbelantine_host_program(NAME folder): the program NAME of a folder's sources, as
+# orbelantine_host_program(NAME folder [source...]): the program NAME of a folder's sources, and of
+# those named, which its project names too, as
 # <build>/host/<runtime>/NAME.dll or NAME.exe. Adds the target NAME and, for each runtime, the
 # list NAME_<runtime>_COMMAND that runs it.
 function(orbelantine_host_program name folder)
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${folder}/*.cs")
+    list(APPEND sources ${ARGN})
     set(inputs orbelantine ${sources} ${orbelantine_proxy_helpers})
     set(outputs "")
     if("dotnet" IN_LIST orbelantine_host_runtimes)
