@@ -13,12 +13,13 @@ import os
 import pathlib
 import random
 import re
-import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
+
+from own_display import NoDisplay, own_display, running
 
 ADDRESS = "00:11:22:33:44:55"
 PHONE = (1080, 2340)
@@ -44,35 +45,6 @@ def wait_for(is_there, what):
         if time.monotonic() > end:
             raise Failure(f"{what} within {PATIENCE} s")
         time.sleep(0.01)
-
-
-@contextlib.contextmanager
-def running(command, **options):
-    """A process that Ctrl-C doesn't reach: it is ended here."""
-    process = subprocess.Popen(command, start_new_session=True, **options)
-    try:
-        yield process
-    finally:
-        process.terminate()
-        process.wait()
-
-
-@contextlib.contextmanager
-def display_of_its_own():
-    missing = [name for name, program in (("xvfb", "Xvfb"), ("xdotool", "xdotool")) if not shutil.which(program)]
-    if missing:
-        print(f"window_demo: without a display this needs {' and '.join(missing)}: apt-get install {' '.join(missing)}",
-              file=sys.stderr)
-        sys.exit(SKIPPED)
-    read, write = os.pipe()
-    command = ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"]
-    with running(command, pass_fds=[write], stderr=subprocess.DEVNULL):
-        os.close(write)
-        with os.fdopen(read) as said:
-            number = said.readline().strip()
-        if not number:
-            raise Failure("Xvfb did not start")
-        yield ":" + number
 
 
 @contextlib.contextmanager
@@ -362,9 +334,12 @@ def main():
     try:
         if os.environ.get("DISPLAY") and not options.headless:
             return 0 if run(options, False) else DIFFERS
-        with display_of_its_own() as display:
+        with own_display("xdotool") as display:
             os.environ["DISPLAY"] = display
             return 0 if run(options, True) else DIFFERS
+    except NoDisplay as failure:
+        print(f"window_demo: {failure}", file=sys.stderr)
+        return SKIPPED
     except Failure as failure:
         print(f"window_demo: {failure}", file=sys.stderr)
         return DIFFERS

@@ -2,8 +2,8 @@
 
 #include "bluetooth/BluetoothPeer.h"
 #include "core/common/config/KVStore.h"
+#include "input/window/WindowsHwndInputContext.h"
 
-#include <boost/smart_ptr/make_shared.hpp>
 #include <sys/socket.h>
 
 #include <future>
@@ -26,18 +26,32 @@ error_code await(Operation operation) {
 
 } // namespace
 
-WholeRoad::WholeRoad(std::uint64_t idleMs)
-    : mSurface(boost::make_shared<aim::Surface>(1000, 1000))
-    , mClient(KVStore()) {
-    mClient.setInputContext(mSurface);
+Session::Session(const boost::shared_ptr<IInputContext>& surface, std::uint64_t idleMs)
+    : mClient(KVStore()) {
+    mClient.setInputContext(surface);
     mClient.setIdleTimeout(idleMs);
     const BluetoothPeer peer(CMacAddress(std::uint64_t{0x001122334455}));
     if (const error_code ec = await([&](const auto& done) { mClient.connect(peer, done); }))
         throw std::runtime_error("cannot connect: " + ec.message());
 }
 
-WholeRoad::~WholeRoad() {
+Session::~Session() {
     (void)await([&](const auto& done) { mClient.disconnect(done); });
+}
+
+WindowRoad::WindowRoad(std::uint64_t idleMs)
+    : mSession(WindowsHwndInputContext::create(false, mWindow.handle(), false), idleMs) {}
+
+WindowFloor::WindowFloor(const Receiver& receiver)
+    : mSocket(receiver.open())
+    , mClient([this] {
+        while (mWindow.awaitKey())
+            (void)::send(mSocket.get(), kPacket, sizeof(kPacket), MSG_NOSIGNAL);
+    }) {}
+
+WindowFloor::~WindowFloor() {
+    mWindow.end();
+    mClient.join();
 }
 
 void WholeRoad::raise() {

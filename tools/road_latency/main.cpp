@@ -34,6 +34,7 @@ struct Options {
     double limit = 1.5;
     std::uint64_t idleMs = 60'000;
     bool spread = false;
+    bool window = false;
 };
 
 constexpr phone::CommandOption<Options> kOptions[] = {
@@ -51,6 +52,10 @@ constexpr phone::CommandOption<Options> kOptions[] = {
      "let the system place the threads; without it all share one\n"
      "processor, since where they wake each other costs more than\nthe road",
      [](Options& o, std::string_view) { return o.spread = true; }},
+    {"--window", nullptr, nullptr,
+     "begin with the X server: key events of a window, beside\na client that only gets them and "
+     "writes",
+     [](Options& o, std::string_view) { return o.window = true; }},
 };
 
 phone::CommandLine<Options> commandLine() {
@@ -60,7 +65,8 @@ phone::CommandLine<Options> commandLine() {
 std::string helpText() {
     return "Usage: road_latency [OPTION]...\n"
            "Measures the time from a key event on a surface until its report is at the phone's\n"
-           "socket, beside the floor: as many hops between threads, and one write.\n"
+           "socket, beside the floor: as many hops between threads, and one write. The events are\n"
+           "the surface's own, or with --window those of an X server.\n"
            "\n" +
            commandLine().help() +
            "\n"
@@ -75,6 +81,7 @@ using Times = std::vector<double>;
 template <class Road>
 void measure(Road& road, unsigned events, Receiver& receiver, std::uint64_t& received,
              Times& times) {
+    road.begin();
     for (unsigned i = 0; i < events; ++i) {
         const Clock::time_point raised = Clock::now();
         road.raise();
@@ -122,12 +129,11 @@ void stayOnOneProcessor() {
 }
 
 /// Whether the road keeps to the limit.
-bool report(const Options& options) {
-    if (!options.spread)
-        stayOnOneProcessor();
+template <class Road, class Least>
+bool reportOf(const Options& options) {
     Receiver receiver;
-    WholeRoad road(options.idleMs);
-    Floor floor(receiver);
+    Road road(options.idleMs);
+    Least floor(receiver);
     std::uint64_t received = 0;
     Times ofRoad;
     Times ofFloor;
@@ -141,6 +147,13 @@ bool report(const Options& options) {
     std::cout << options.events << " key events on each road, in turns of " << kBlock << "\n"
               << tableOf(ofFloor, ofRoad) << std::flush;
     return percentile(ofRoad, 50) <= options.limit * percentile(ofFloor, 50);
+}
+
+bool report(const Options& options) {
+    if (!options.spread)
+        stayOnOneProcessor();
+    return options.window ? reportOf<WindowRoad, WindowFloor>(options)
+                          : reportOf<WholeRoad, Floor>(options);
 }
 
 int run(const Options& options) {
