@@ -12,7 +12,6 @@ import math
 import os
 import pathlib
 import random
-import re
 import statistics
 import subprocess
 import sys
@@ -25,7 +24,7 @@ ADDRESS = "00:11:22:33:44:55"
 PHONE = (1080, 2340)
 WINDOW = (600, 900)
 NEAR = 3          # px of the phone: a hit
-PATIENCE = 60     # s
+PATIENCE = 30     # s
 BATCH = 10        # gestures after which the phone is waited for
 CLICK_PAUSE = 0.25
 STEP = 0.016      # s between the moves of a drag
@@ -47,21 +46,31 @@ def wait_for(is_there, what):
         time.sleep(0.01)
 
 
-@contextlib.contextmanager
-def another_window():
-    """The id of a window in the display's bottom right corner."""
-    x11 = ctypes.CDLL("libX11.so.6")
-    x11.XOpenDisplay.restype = ctypes.c_void_p
-    x11.XDefaultRootWindow.restype = x11.XCreateSimpleWindow.restype = ctypes.c_ulong
-    display = ctypes.c_void_p(x11.XOpenDisplay(None))
-    root = ctypes.c_ulong(x11.XDefaultRootWindow(display))
-    window = x11.XCreateSimpleWindow(display, root, *(ctypes.c_int(n) for n in (1200, 950, 50, 50, 0, 0, 0)))
-    x11.XMapWindow(display, ctypes.c_ulong(window))
-    x11.XSync(display, False)
-    try:
-        yield window
-    finally:
-        x11.XCloseDisplay(display)
+class Display:
+    """What xdotool doesn't do."""
+
+    def __init__(self):
+        self.x11 = ctypes.CDLL("libX11.so.6")
+        self.x11.XOpenDisplay.restype = ctypes.c_void_p
+        self.x11.XDefaultRootWindow.restype = self.x11.XCreateSimpleWindow.restype = ctypes.c_ulong
+        self.display = ctypes.c_void_p(self.x11.XOpenDisplay(None))
+        self.root = ctypes.c_ulong(self.x11.XDefaultRootWindow(self.display))
+
+    def geometry(self, window):
+        """Left, top, width and height on the screen."""
+        x, y, child, other = ctypes.c_int(), ctypes.c_int(), ctypes.c_ulong(), (ctypes.c_uint * 4)()
+        width, height = ctypes.c_uint(), ctypes.c_uint()
+        window, at = ctypes.c_ulong(window), ctypes.byref
+        self.x11.XGetGeometry(self.display, window, at(child), at(x), at(y), at(width), at(height), other, at(other, 4))
+        self.x11.XTranslateCoordinates(self.display, window, self.root, 0, 0, at(x), at(y), at(child))
+        return x.value, y.value, width.value, height.value
+
+    def open_window(self):
+        """In the bottom right corner."""
+        window = self.x11.XCreateSimpleWindow(self.display, self.root, *map(ctypes.c_int, (1200, 950, 50, 50, 0, 0, 0)))
+        self.x11.XMapWindow(self.display, ctypes.c_ulong(window))
+        self.x11.XSync(self.display, False)
+        return window
 
 
 class Phone:
@@ -105,18 +114,9 @@ class Phone:
 class Hand:
     """A user's hand over the window."""
 
-    def __init__(self, canvas, chance):
+    def __init__(self, display, canvas, chance):
         self.canvas, self.chance, self.lines = canvas, chance, []
-        said = self.ask("getwindowgeometry", "--shell", canvas)
-        facts = dict(re.findall(r"(\w+)=(-?\d+)", said))
-        self.left, self.top, self.width, self.height = (int(facts[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
-
-    @staticmethod
-    def ask(*words):
-        answer = subprocess.run(["xdotool", *words], capture_output=True, text=True, timeout=PATIENCE)
-        if answer.returncode != 0:
-            raise Failure(f"xdotool {' '.join(words)}: {answer.stderr.strip()}")
-        return answer.stdout
+        self.left, self.top, self.width, self.height = display.geometry(int(canvas))
 
     def do(self, *lines):
         self.lines += lines
@@ -232,7 +232,8 @@ def type_text(phone, hand):
 
 def play(options, phone, control, canvas):
     """The hand's session, as a table. Whether all of it arrived."""
-    hand = Hand(canvas, random.Random(options.seed))
+    display = Display()
+    hand = Hand(display, canvas, random.Random(options.seed))
     typed = type_text(phone, hand)
     with open(control, "w", encoding="utf-8") as target_pipe:
         # The click that took the focus was nobody's.
@@ -247,8 +248,7 @@ def play(options, phone, control, canvas):
     print(f"{'letters':<10}{len(SAID):>8}{len(typed):>10}   {right} as typed")
     whole = clicks.is_whole and drags.is_whole and typed == SAID
     if options.sequences:
-        with another_window() as elsewhere:
-            clean = play_sequences(options.sequences, phone, hand, elsewhere)
+        clean = play_sequences(options.sequences, phone, hand, display.open_window())
         print(f"{'sequences':<10}{options.sequences:>8}{clean:>10}   ended with nothing held, by a loss of the focus")
         whole &= clean == options.sequences
     return whole
