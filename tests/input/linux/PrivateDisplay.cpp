@@ -65,7 +65,7 @@ xcb_window_t PrivateDisplay::makeWindow(std::int16_t x, std::int16_t y) const {
 
 void PrivateDisplay::destroyWindow(xcb_window_t window) const {
     mX->library().xcb_destroy_window(mX->get(), window);
-    mX->flush();
+    static_cast<void>(mX->focus());
 }
 
 void PrivateDisplay::focus(std::initializer_list<xcb_window_t> windows) const {
