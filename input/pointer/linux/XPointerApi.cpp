@@ -30,15 +30,14 @@ class XPointerApi final : public PointerApi {
   public:
     Error sendInput(const MouseInput& input) override {
         const std::lock_guard lock(mMutex);
-        if (const XError error = connect(); error != XError::None)
-            return static_cast<Error>(error);
-        for (const auto& row : kXInputs)
-            if ((input.flags & row.flag) != 0)
-                mConnection->library().xcb_test_fake_input(
-                    mConnection->get(), row.event, row.detail, XCB_CURRENT_TIME, XCB_NONE,
-                    static_cast<std::int16_t>(input.dx), static_cast<std::int16_t>(input.dy), 0);
-        mConnection->flush();
-        return static_cast<Error>(mConnection->isBroken() ? XError::NoDisplay : XError::None);
+        XError error = connect();
+        if (error == XError::None && !inject(input)) {
+            // The server has gone since the last time; there may be another by now.
+            error = connect();
+            if (error == XError::None && !inject(input))
+                error = XError::NoDisplay;
+        }
+        return static_cast<Error>(error);
     }
 
   private:
@@ -49,6 +48,20 @@ class XPointerApi final : public PointerApi {
         if (const XError error = XConnection::open(mConnection); error != XError::None)
             return error;
         return mConnection->extension("XTEST") != 0 ? XError::None : XError::NoExtension;
+    }
+
+    bool inject(const MouseInput& input) const {
+        const XLibrary& library = mConnection->library();
+        // Every client is told of new key maps.
+        while (XOwned<xcb_generic_event_t>(library.xcb_poll_for_event(mConnection->get())))
+            continue;
+        for (const auto& row : kXInputs)
+            if ((input.flags & row.flag) != 0)
+                library.xcb_test_fake_input(
+                    mConnection->get(), row.event, row.detail, XCB_CURRENT_TIME, XCB_NONE,
+                    static_cast<std::int16_t>(input.dx), static_cast<std::int16_t>(input.dy), 0);
+        mConnection->flush();
+        return !mConnection->isBroken();
     }
 
     std::mutex mMutex;

@@ -66,6 +66,11 @@ namespace orbelantine {
     USE(xcb_input_xi_query_version)                                                                \
     USE(xcb_input_xi_query_version_reply)                                                          \
     USE(xcb_input_xi_select_events)                                                                \
+    USE(xcb_input_xi_query_device)                                                                 \
+    USE(xcb_input_xi_query_device_reply)                                                           \
+    USE(xcb_input_xi_query_device_infos_iterator)                                                  \
+    USE(xcb_input_xi_device_info_classes_iterator)                                                 \
+    USE(xcb_input_device_class_next)                                                               \
     USE(xcb_input_raw_button_press_valuator_mask)                                                  \
     USE(xcb_input_raw_button_press_axisvalues_raw)
 

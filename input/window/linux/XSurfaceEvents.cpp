@@ -198,10 +198,30 @@ void XSurfaces::tellFocus(Found surface, bool had, Messages& messages) {
     messages.push_back({xHandleOf(surface->first), had ? wm::kKillFocus : wm::kSetFocus, 0, 0});
 }
 
+bool XSurfaces::isAbsolute(xcb_input_device_id_t device) {
+    const auto [known, unknown] = mAbsoluteDevices.try_emplace(device, false);
+    const auto reply =
+        unknown ? mConnection.answer(mLibrary.xcb_input_xi_query_device_reply,
+                                     mLibrary.xcb_input_xi_query_device(mConnection.get(), device))
+                : nullptr;
+    if (!reply)
+        return known->second;
+    const auto devices = mLibrary.xcb_input_xi_query_device_infos_iterator(reply.get());
+    if (devices.rem == 0)
+        return false;
+    auto classes = mLibrary.xcb_input_xi_device_info_classes_iterator(devices.data);
+    for (; classes.rem > 0; mLibrary.xcb_input_device_class_next(&classes)) {
+        const auto* const axis = reinterpret_cast<const xcb_input_valuator_class_t*>(classes.data);
+        if (axis->type == XCB_INPUT_DEVICE_CLASS_TYPE_VALUATOR && axis->number == 0)
+            known->second = axis->mode == XCB_INPUT_VALUATOR_MODE_ABSOLUTE;
+    }
+    return known->second;
+}
+
 void XSurfaces::onRawMotion(const xcb_generic_event_t& event, Messages& messages) {
     const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event);
     if (raw.extension != mInputOpcode || raw.event_type != XCB_INPUT_RAW_MOTION ||
-        !has(mRawTarget) || raw.valuators_len == 0)
+        !has(mRawTarget) || raw.valuators_len == 0 || isAbsolute(raw.sourceid))
         return;
     constexpr std::uint32_t kAxisX = 1;
     constexpr std::uint32_t kAxisY = 2;

@@ -105,6 +105,13 @@ void XSurfaces::onResize(const xcb_configure_notify_event_t& event) {
     mConnection.flush();
 }
 
+void XSurfaces::onUnmap(xcb_window_t host) {
+    // The server ends the grab of a window that can't be seen.
+    const auto surface = mSurfaces.find(host);
+    if (surface != mSurfaces.end())
+        mGrab.release(surface->second.child);
+}
+
 void XSurfaces::setFocus(xcb_window_t host) {
     const auto surface = mSurfaces.find(host);
     if (surface == mSurfaces.end())

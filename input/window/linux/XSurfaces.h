@@ -68,7 +68,9 @@ class XSurfaces {
     void onFocus(const xcb_focus_in_event_t& event, Messages& messages);
     void onFocusOut(Found surface, const xcb_focus_in_event_t& event);
     void onResize(const xcb_configure_notify_event_t& event);
+    void onUnmap(xcb_window_t host);
     void onRawMotion(const xcb_generic_event_t& event, Messages& messages);
+    [[nodiscard]] bool isAbsolute(xcb_input_device_id_t device);
     void tellFocus(Found surface, bool had, Messages& messages);
     xcb_cursor_t emptyCursor();
 
@@ -80,6 +82,7 @@ class XSurfaces {
     std::uint8_t mInputOpcode;
     xcb_window_t mLeaving = 0;
     xcb_window_t mRawTarget = 0;
+    std::map<xcb_input_device_id_t, bool> mAbsoluteDevices;
     double mRawX = 0;
     double mRawY = 0;
     xcb_cursor_t mEmptyCursor = 0;
