@@ -45,6 +45,9 @@ namespace Orbelantine.PhoneWindow
             window.onInputSurfaceDestroyed.connect(() => Add(onInputSurfaceDestroyed.call)).Dispose();
         }
 
+        /// <summary>Returns once what was raised has gone out.</summary>
+        public volatile Action Settle;
+
         /// <summary>Raises what waits, and nothing more.</summary>
         public void End()
         {
@@ -110,8 +113,11 @@ namespace Orbelantine.PhoneWindow
                     next.Raise();
                 if (next.Kind == Kind.Release)
                     isDown = false;
-                if (next.Kind != Kind.Other)
-                    sinceTouch.Restart();
+                if (next.Kind == Kind.Other)
+                    continue;
+                // The phone counts from when it gets the move.
+                Settle?.Invoke();
+                sinceTouch.Restart();
             }
         }
 

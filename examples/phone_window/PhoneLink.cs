@@ -28,10 +28,15 @@ namespace Orbelantine.PhoneWindow
             return Finish(done => client.connect(phone, done)) ?? Finish(client.flush);
         }
 
+        public void Flush()
+        {
+            Finish(client.flush);
+        }
+
         /// <summary>Lets go of what is held, after all that was raised has gone out.</summary>
         public void Disconnect()
         {
-            Finish(client.flush);
+            Flush();
             Finish(client.disconnect);
         }
 

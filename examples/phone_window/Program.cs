@@ -50,6 +50,7 @@ namespace Orbelantine.PhoneWindow
                     Console.Error.WriteLine("PhoneWindow: no phone at " + address + ": " + failure);
                     return NoPhone;
                 }
+                surface.Settle = link.Flush;
                 surface.onRotationChanged.call(Upright);
                 surface.onLogicalDimensionsChanged.call(screen.Width, screen.Height, Unscaled, 0);
                 Console.WriteLine("canvas " + window.Canvas);
