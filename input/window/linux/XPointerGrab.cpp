@@ -65,7 +65,8 @@ XError XPointerGrab::update() {
     const xcb_window_t window = mCaptured != 0 ? mCaptured : mClipped;
     if (window == 0) {
         mLibrary.xcb_ungrab_pointer(mConnection.get(), XCB_CURRENT_TIME);
-        mConnection.flush();
+        // From the return on, the server has done it.
+        static_cast<void>(mConnection.focus());
         return XError::None;
     }
     const auto reply = mConnection.answer(

@@ -185,7 +185,7 @@ XError XSurfaces::setRawTarget(xcb_window_t host) {
     mRawTarget = host;
     mask.bits = host != 0 ? XCB_INPUT_XI_EVENT_MASK_RAW_MOTION : 0;
     mLibrary.xcb_input_xi_select_events(mConnection.get(), mConnection.root(), 1, &mask.head);
-    mConnection.flush();
+    static_cast<void>(mConnection.focus());
     return XError::None;
 }
 

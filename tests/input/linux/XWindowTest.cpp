@@ -211,6 +211,15 @@ TEST_F(XWindow, LayoutsDecideTheVirtualKeysAndTheCharacters) {
     }
 }
 
+TEST_F(XWindow, AltGrIsRightAltAndGivesItsSigns) {
+    mDisplay.setLayout("de");
+    takeFocus();
+    mDisplay.key(100, true);
+    mDisplay.key(16, true);
+    expectTold({"down 12 b8", "down 51 10"});
+    EXPECT_EQ(mContext->convertVKCodeToUnicode('Q'), u'@');
+}
+
 TEST_F(XWindow, ButtonsWheelAndMovesCome) {
     mDisplay.moveBy(5, 6);
     expectTold({"move 15 26"});
@@ -268,6 +277,7 @@ TEST_F(XWindow, CapturedMouseIsHeardOutsideToo) {
     mDisplay.moveBy(-1, -1);
     mDisplay.moveBy(41, 51);
     EXPECT_TRUE(comes("move 10 20"));
+    const std::lock_guard lock(mMutex);
     EXPECT_FALSE(std::count(mTold.begin(), mTold.end(), "move -31 -31"));
 }
 
