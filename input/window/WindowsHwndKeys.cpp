@@ -18,6 +18,7 @@ bool isSystemKey(std::uint32_t key) {
 
 /// What a key's two directions differ in.
 struct KeyDownward {
+    static constexpr const char* kIgnored = "%s() Ignoring Win/IME key";
     static constexpr const char* kHandledOutside =
         "%s() handled outside, not passing to onKeyDown.";
 
@@ -37,6 +38,7 @@ struct KeyDownward {
 };
 
 struct KeyUpward {
+    static constexpr const char* kIgnored = "%s: Ignoring Win/IME key";
     static constexpr const char* kHandledOutside = "%s() handled outside, not passing to onKeyUp.";
 
     [[nodiscard]] static bool isWatched(const WindowsHwndInputContext& context) {
@@ -99,7 +101,7 @@ WindowMessage::Result WindowsHwndInputContext::raiseKey(const WindowMessage& mes
         return passOnSystemKey({message.window, wm::kKeyDown, message.wParam, message.lParam}, vk);
     }
     if (vk == vk::kLWin || vk == vk::kRWin || (vk == vk::kProcessKey && !mMapImeKeys)) {
-        ORB_LOG_TEXT(kLogDebug, "%s() Ignoring Win/IME key", function);
+        ORB_LOG_TEXT(kLogDebug, Direction::kIgnored, function);
         return 0;
     }
     vk = keyBehind(vk, scanCode);

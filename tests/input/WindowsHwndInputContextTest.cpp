@@ -176,9 +176,13 @@ TEST_F(WindowContextTest, APointerOfUnknownKindIsOnlyPassedOn) {
 
 TEST_F(WindowContextTest, TheWinKeysAndAnInputMethodsKeysAreKept) {
     const Context context = make();
+    test::CapturedLog log(kLogDebug);
     for (const std::uint32_t key : {0x5Bu, 0x5Cu, 229u}) {
         EXPECT_EQ(after(256, key, keyFlags(30)), Names{});
         EXPECT_EQ(after(257, key, keyFlags(30)), Names{});
+        EXPECT_EQ(log.missing(
+                      {"onWndKeyDown() Ignoring Win/IME key", "onWndKeyUp: Ignoring Win/IME key"}),
+                  Names{});
     }
 }
 
