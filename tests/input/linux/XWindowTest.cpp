@@ -117,6 +117,7 @@ class XWindow : public testing::Test {
 
     void expectTold(const Lines& lines) { EXPECT_EQ(told(lines), lines); }
 
+    const std::thread::id mTester = std::this_thread::get_id();
     PrivateDisplay mDisplay;
     xcb_window_t mHost = 0;
     std::mutex mMutex;
@@ -132,6 +133,19 @@ std::string whyNot(const std::function<void()>& make) {
         return e.what();
     }
     return "";
+}
+
+TEST_F(XWindow, HeldBackKeysAreRaisedOnItsThreadBeforeTheirPauseEnds) {
+    takeFocus();
+    mContext->onKeyDown.connect(
+        [this](auto...) { tell(std::this_thread::get_id() != mTester ? "raised" : "here"); });
+    const std::int32_t pause = mContext->pauseKeyInjection();
+    type(30);
+    expectTold({"down 41 1e", "up 41 1e"});
+    mContext->resumeKeyInjection(pause);
+    // Nothing is waited for.
+    const std::lock_guard lock(mMutex);
+    EXPECT_EQ(mTold, (Lines{"down 41 1e", "raised", "up 41 1e"}));
 }
 
 TEST_F(XWindow, KeysComeWithTheCodesThatWindowsGives) {
