@@ -4,9 +4,9 @@
 
 namespace orbelantine {
 
-bool WindowRegistry::add(WindowApi& api, WindowApi::Handle window, Entry entry) {
+bool WindowRegistry::add(WindowApi& api, WindowApi::Handle window, const Entry& entry) {
     const std::lock_guard lock(mMutex);
-    return mEntries.try_emplace({&api, window}, std::move(entry)).second;
+    return mEntries.try_emplace({&api, window}, entry).second;
 }
 
 void WindowRegistry::remove(WindowApi& api, WindowApi::Handle window) {

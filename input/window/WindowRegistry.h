@@ -23,7 +23,7 @@ class WindowRegistry {
     };
 
     /// False if the window has an entry.
-    bool add(WindowApi& api, WindowApi::Handle window, Entry entry);
+    bool add(WindowApi& api, WindowApi::Handle window, const Entry& entry);
     void remove(WindowApi& api, WindowApi::Handle window);
     /// An entry without anything where there is none.
     [[nodiscard]] Entry find(WindowApi& api, WindowApi::Handle window);

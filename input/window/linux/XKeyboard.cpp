@@ -6,8 +6,8 @@ namespace orbelantine {
 
 namespace {
 
-constexpr std::uint8_t kHeldKey = 0x80;
-constexpr std::uint8_t kToggledKey = 1;
+constexpr std::uint8_t kHeldBit = 0x80;
+constexpr std::uint8_t kToggledBit = 1;
 constexpr std::uint32_t kVkShift = 0x10;
 constexpr std::uint32_t kVkControl = 0x11;
 constexpr std::uint32_t kVkCapital = 0x14;
@@ -45,11 +45,11 @@ bool isNumpadKey(std::uint32_t vk) {
 
 /// The modifiers of X for what a KeyboardState tells.
 std::uint16_t xModifiersOf(const WindowApi::KeyboardState& state, std::uint32_t vk) {
-    const auto held = [&](std::uint32_t key) { return (state[key] & kHeldKey) != 0; };
+    const auto held = [&](std::uint32_t key) { return (state[key] & kHeldBit) != 0; };
     unsigned modifiers = isNumpadKey(vk) ? kNumLockMask : 0U;
     if (held(kVkShift))
         modifiers |= XCB_MOD_MASK_SHIFT;
-    if ((state[kVkCapital] & kToggledKey) != 0)
+    if ((state[kVkCapital] & kToggledBit) != 0)
         modifiers |= XCB_MOD_MASK_LOCK;
     if (held(kVkControl) && held(vk::kMenu))
         modifiers |= kAltGrMask;
@@ -150,17 +150,17 @@ void XKeyboard::setState(std::uint16_t state) {
         mKeys[key] = static_cast<std::uint8_t>((mKeys[key] & ~bit) | (on ? bit : 0));
     };
     const bool altGr = (state & kAltGrMask) != 0;
-    put(kVkShift, (state & XCB_MOD_MASK_SHIFT) != 0, kHeldKey);
-    put(kVkControl, altGr || (state & XCB_MOD_MASK_CONTROL) != 0, kHeldKey);
-    put(vk::kMenu, altGr || (state & kAltMask) != 0, kHeldKey);
-    put(kVkCapital, (state & XCB_MOD_MASK_LOCK) != 0, kToggledKey);
-    put(kVkNumLock, (state & kNumLockMask) != 0, kToggledKey);
+    put(kVkShift, (state & XCB_MOD_MASK_SHIFT) != 0, kHeldBit);
+    put(kVkControl, altGr || (state & XCB_MOD_MASK_CONTROL) != 0, kHeldBit);
+    put(vk::kMenu, altGr || (state & kAltMask) != 0, kHeldBit);
+    put(kVkCapital, (state & XCB_MOD_MASK_LOCK) != 0, kToggledBit);
+    put(kVkNumLock, (state & kNumLockMask) != 0, kToggledBit);
 }
 
 void XKeyboard::hold(const XKey& key, std::uint32_t vk, bool down) {
     const auto put = [&](std::uint32_t held) {
         mKeys[held] =
-            static_cast<std::uint8_t>(down ? mKeys[held] | kHeldKey : mKeys[held] & ~kHeldKey);
+            static_cast<std::uint8_t>(down ? mKeys[held] | kHeldBit : mKeys[held] & ~kHeldBit);
     };
     mHeld[key.code] = down;
     put(vk);

@@ -26,7 +26,7 @@ class XSurfaces {
 
     [[nodiscard]] bool isEmpty() const { return mSurfaces.empty(); }
 
-    [[nodiscard]] bool has(xcb_window_t host) const { return mSurfaces.count(host) != 0; }
+    [[nodiscard]] bool has(xcb_window_t host) const { return mSurfaces.contains(host); }
 
     void translate(const xcb_generic_event_t& event, Messages& messages);
 
