@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace orbelantine {
@@ -76,6 +77,9 @@ class WindowApi {
     virtual void postMessage(const WindowMessage& message) = 0;
     /// Returns once the window's thread has handled it.
     virtual void sendMessage(const WindowMessage& message) = 0;
+    /// Runs `task` where the window's messages are handled, between two of them, and returns when
+    /// it has run. On Windows that is the caller's thread, which is to be the window's.
+    virtual void runBetweenMessages(Handle window, const std::function<void()>& task) = 0;
     /// What the sender of the message in hand added to it; not 0 for a mouse message that stands
     /// for a pen or touch.
     [[nodiscard]] virtual Long getMessageExtraInfo() = 0;

@@ -116,6 +116,7 @@ class WindowsHwndInputContext final
     [[nodiscard]] static std::uint32_t getScanCode(const WindowMessage& message);
     /// The key itself where an input method has put its own in its place.
     [[nodiscard]] std::uint32_t keyBehind(std::uint32_t vk, std::uint32_t scanCode);
+    void replayKeys(std::int32_t id);
     bool takePending(std::int32_t id, WindowMessage& message);
 
     WindowApi& mApi;

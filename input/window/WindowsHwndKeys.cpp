@@ -139,6 +139,10 @@ std::int32_t WindowsHwndInputContext::pauseKeyInjection() {
 void WindowsHwndInputContext::resumeKeyInjection(std::int32_t id) {
     // A slot that gets a key may let go of the context.
     const auto self = weak_from_this().lock();
+    mApi.runBetweenMessages(mHwnd, [this, self, id] { replayKeys(id); });
+}
+
+void WindowsHwndInputContext::replayKeys(std::int32_t id) {
     {
         const std::lock_guard lock(mKeysMutex);
         mReplaying = true;

@@ -68,9 +68,10 @@ void XMessageThread::run() {
         handleAll(with([](XSurfaces& surfaces) { return surfaces.destroyed(); }));
     }
     mEnded = true;
+    std::deque<Posted> left;
     const std::lock_guard lock(mPostedMutex);
     mLeft = true;
-    mPosted.clear();
+    left.swap(mPosted);
     mHandled.notify_all();
 }
 
@@ -118,10 +119,12 @@ bool XMessageThread::handlePosted() {
     std::unique_lock lock(mPostedMutex);
     if (mPosted.empty())
         return false;
-    const Posted posted = mPosted.front();
+    Posted posted = std::move(mPosted.front());
     mPosted.pop_front();
     lock.unlock();
-    handle(posted.message);
+    posted.task();
+    // What it holds may end with it.
+    posted.task = nullptr;
     lock.lock();
     mHandledTicket = posted.ticket;
     mHandled.notify_all();
@@ -148,27 +151,32 @@ WindowApi::Handle XMessageThread::windowInHand() const {
     return isCurrent() ? mInHand : nullptr;
 }
 
-std::uint64_t XMessageThread::enqueue(const WindowMessage& message) {
-    if (!mLeft)
-        mPosted.push_back({message, ++mLastTicket});
+std::uint64_t XMessageThread::enqueue(std::function<void()> task) {
+    mPosted.push_back({std::move(task), ++mLastTicket});
     wake();
     return mLastTicket;
 }
 
 void XMessageThread::post(const WindowMessage& message) {
     const std::lock_guard lock(mPostedMutex);
-    enqueue(message);
+    if (!mLeft)
+        enqueue([this, message] { handle(message); });
 }
 
 void XMessageThread::send(const WindowMessage& message) {
-    if (isCurrent()) {
-        handle(message);
+    call([this, message] { handle(message); });
+}
+
+void XMessageThread::call(const std::function<void()>& task) {
+    std::unique_lock lock(mPostedMutex);
+    if (mLeft || isCurrent()) {
+        lock.unlock();
+        task();
         return;
     }
-    std::unique_lock lock(mPostedMutex);
-    const std::uint64_t ticket = enqueue(message);
-    if (!mHandled.wait_for(lock, kLongestSend, [&] { return mLeft || mHandledTicket >= ticket; }))
-        ORB_LOG(kLogError, "%s() the window's thread is busy: message %u waits", message.message);
+    const std::uint64_t ticket = enqueue(task);
+    if (!mHandled.wait_for(lock, kLongestCall, [&] { return mLeft || mHandledTicket >= ticket; }))
+        ORB_LOG(kLogError, "%s() the window's thread is busy: what it is to do waits");
 }
 
 } // namespace orbelantine

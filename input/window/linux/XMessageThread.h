@@ -6,6 +6,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -39,13 +40,14 @@ class XMessageThread : public std::enable_shared_from_this<XMessageThread> {
     void wake() const;
 
     void post(const WindowMessage& message);
-    /// Returns when the message is handled, at the latest after `kLongestSend`.
     void send(const WindowMessage& message);
+    /// Returns when the task has run on the thread, at the latest after `kLongestCall`.
+    void call(const std::function<void()>& task);
 
     /// Of the message that the thread handles now, on the thread; else null.
     [[nodiscard]] WindowApi::Handle windowInHand() const;
 
-    static constexpr std::chrono::seconds kLongestSend{5};
+    static constexpr std::chrono::seconds kLongestCall{5};
 
   private:
     struct Waking {
@@ -55,7 +57,7 @@ class XMessageThread : public std::enable_shared_from_this<XMessageThread> {
     };
 
     struct Posted {
-        WindowMessage message;
+        std::function<void()> task;
         std::uint64_t ticket;
     };
 
@@ -69,7 +71,7 @@ class XMessageThread : public std::enable_shared_from_this<XMessageThread> {
     [[nodiscard]] XOwned<xcb_generic_event_t> nextEvent() const;
     void handleAll(const XSurfaces::Messages& messages);
     void handle(const WindowMessage& message);
-    std::uint64_t enqueue(const WindowMessage& message);
+    std::uint64_t enqueue(std::function<void()> task);
 
     [[nodiscard]] bool isCurrent() const { return mId == std::this_thread::get_id(); }
 

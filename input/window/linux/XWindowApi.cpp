@@ -112,6 +112,13 @@ void XWindowApi::sendMessage(const WindowMessage& message) {
         current->send(message);
 }
 
+void XWindowApi::runBetweenMessages(Handle /*window*/, const std::function<void()>& task) {
+    if (const Thread current = thread())
+        current->call(task);
+    else
+        task();
+}
+
 WindowApi::Long XWindowApi::getMessageExtraInfo() {
     return 0;
 }

@@ -20,6 +20,7 @@ class XWindowApi final : public WindowApi {
     Result callDefaultProcedure(const WindowMessage& message) override;
     void postMessage(const WindowMessage& message) override;
     void sendMessage(const WindowMessage& message) override;
+    void runBetweenMessages(Handle window, const std::function<void()>& task) override;
     [[nodiscard]] Long getMessageExtraInfo() override;
 
     void setFocus(Handle window) override;

@@ -81,6 +81,10 @@ class Win32WindowApi final : public WindowApi {
         SendMessageW(hwndOf(message.window), message.message, message.wParam, message.lParam);
     }
 
+    void runBetweenMessages(Handle /*window*/, const std::function<void()>& task) override {
+        task();
+    }
+
     Long getMessageExtraInfo() override { return GetMessageExtraInfo(); }
 
     void setFocus(Handle window) override { SetFocus(hwndOf(window)); }

@@ -143,7 +143,7 @@ TEST_F(XWindow, HeldBackKeysAreRaisedOnItsThreadBeforeTheirPauseEnds) {
     type(30);
     expectTold({"down 41 1e", "up 41 1e"});
     mContext->resumeKeyInjection(pause);
-    // Nothing is waited for.
+    // All has come by now.
     const std::lock_guard lock(mMutex);
     EXPECT_EQ(mTold, (Lines{"down 41 1e", "raised", "up 41 1e"}));
 }
