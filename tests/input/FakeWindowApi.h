@@ -82,6 +82,7 @@ class FakeWindowApi final : public WindowApi {
     void sendMessage(const WindowMessage& m) override { handleWindowMessage(*this, m); }
 
     void runBetweenMessages(Handle, const std::function<void()>& task) override { task(); }
+
     Long getMessageExtraInfo() override { return extraInfo; }
 
     void setFocus(Handle) override { journal.note("focus"); }
