@@ -34,7 +34,7 @@ if(WIN32)
     target_link_libraries(orbelantine_deps INTERFACE ws2_32 mswsock bcrypt)
     target_link_libraries(orbelantine_deps_system INTERFACE
         orbelantine_boost_thread orbelantine_boost_filesystem
-        shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops)
+        shell32 ole32 uuid advapi32 setupapi cfgmgr32 bthprops dbghelp version wlanapi)
     target_link_libraries(orbelantine_deps_crypto INTERFACE crypt32)
     target_link_libraries(orbelantine_deps_audio INTERFACE ole32)
     target_link_libraries(orbelantine_deps_window INTERFACE user32)
