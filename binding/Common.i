@@ -6,5 +6,6 @@
 %include "binding/coretypes.i"
 %include "binding/containers.i"
 %include "binding/kvstore.i"
+%include "binding/crash.i"
 %include "binding/callbacks/callbacks.i"
 %include "binding/callbacks/CallbackTableCommon.inc"

@@ -1,6 +1,7 @@
 #include "core/common/run/WorkerThread.h"
 
 #include "core/common/log/Log.h"
+#include "core/common/run/AlternateStack.h"
 
 #include <atomic>
 #include <system_error>
@@ -18,6 +19,7 @@ thread_local bool isWorkerThread = false;
 std::thread startWorkerThread(std::function<void()> body) {
     return threadMaker.load()([body = std::move(body)] {
         isWorkerThread = true;
+        const AlternateStack stack;
         body();
     });
 }
