@@ -17,6 +17,10 @@ endif()
 
 # Level 1 is what stack traces and symbols of addresses take; more costs a third of the build's time.
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
+if(WIN32)
+    # What the system's own symbol functions read, where they read the compiler's symbols at all.
+    string(APPEND CMAKE_CXX_FLAGS_RELWITHDEBINFO " -gdwarf-4")
+endif()
 if(ORBELANTINE_SANITIZE)
     # What the sanitisers add is a burden to the optimiser that runs of the suites don't pay back.
     set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O0 -g1")

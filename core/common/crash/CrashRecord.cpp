@@ -26,7 +26,7 @@ const std::uint64_t loadTicks = CrashApi::system().tickCount();
 /// A value that ends neither its line nor the record.
 std::wstring oneLine(std::wstring text) {
     std::replace_if(
-        text.begin(), text.end(), [](wchar_t c) { return c >= 0 && c < L' '; }, L' ');
+        text.begin(), text.end(), [](wchar_t c) { return c == L'\n' || c == L'\r'; }, L' ');
     return text;
 }
 
