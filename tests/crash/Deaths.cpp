@@ -21,14 +21,14 @@
 
 namespace orbelantine::test {
 
-namespace {
-
 #define ORB_DEADLY [[gnu::noinline]] __attribute__((no_sanitize("undefined", "address", "thread")))
 
 ORB_DEADLY void writeNowhere() {
     volatile int* volatile nowhere = nullptr;
     *nowhere = 1;
 }
+
+namespace {
 
 ORB_DEADLY void callNowhere() {
     void (*volatile nowhere)() = nullptr;
@@ -47,7 +47,7 @@ void overflow() {
 
 void divideByZero() {
     volatile int zero = 0;
-    volatile int result = 1 / zero;
+    volatile int result = 7 / zero;
     (void)result;
 }
 
@@ -128,6 +128,8 @@ constexpr Death kDeaths[] = {
     {"no_action", writeNowhere},
     // The handler's own work fails.
     {"while_recording", writeNowhere},
+    // The records' folder can't be made.
+    {"no_folder", writeNowhere},
     // The handler was taken off again.
     {"unset", writeNowhere},
 };
@@ -142,7 +144,8 @@ class FailingHandler final : public CExceptionHandler {
 std::unique_ptr<CExceptionHandler> handlerFor(const std::string& death) {
     if (death == "while_recording")
         return std::make_unique<FailingHandler>();
-    return std::make_unique<CExceptionHandler>(false, death != "no_action");
+    const bool leaves = death == "no_action" || death == "host_handler";
+    return std::make_unique<CExceptionHandler>(false, !leaves);
 }
 
 } // namespace
@@ -152,6 +155,8 @@ std::span<const Death> deaths() {
 }
 
 int dieOf(const Death& death) {
+    if (death.prepare != nullptr)
+        death.prepare();
     const auto handler = handlerFor(death.name);
     if (!handler->SetHandler())
         return 66;

@@ -4,14 +4,17 @@
 
 namespace orbelantine::test {
 
-/// A way to die. The handler is set before it runs.
+/// A way to die. The handler is set after `prepare` and before `die`.
 struct Death {
     const char* name;
     void (*die)();
+    void (*prepare)() = nullptr;
 };
 
-/// Those of every platform, and those of this one.
 [[nodiscard]] std::span<const Death> deaths();
+[[nodiscard]] std::span<const Death> platformDeaths();
+
+void writeNowhere();
 
 /// Sets a handler and dies; 0 if that fails.
 int dieOf(const Death& death);

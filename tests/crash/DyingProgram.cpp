@@ -1,5 +1,6 @@
-// dying_program FOLDER DEATH: sets the handler, with its records in the folder, and dies. Without a
-// death it lists the records that are there. How each death ends is in deaths.py.
+// dying_program FOLDER DEATH: sets the handler, with its log in the folder and its records in the
+// folder's "records", and dies. Without a death it lists the records that are there. How each death
+// ends is in deaths.py.
 #include "core/common/crash/CExceptionHandler.h"
 #include "core/common/log/Log.h"
 #include "tests/crash/Deaths.h"
@@ -8,6 +9,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 using namespace orbelantine;
 using namespace orbelantine::test;
@@ -22,9 +24,10 @@ int listRecords() {
 }
 
 const Death* findDeath(const char* name) {
-    for (const Death& death : deaths())
-        if (std::strcmp(death.name, name) == 0)
-            return &death;
+    for (const auto all : {deaths(), platformDeaths()})
+        for (const Death& death : all)
+            if (std::strcmp(death.name, name) == 0)
+                return &death;
     return nullptr;
 }
 
@@ -33,7 +36,7 @@ const Death* findDeath(const char* name) {
 int main(int argc, char** argv) {
     if (argc < 2)
         return 64;
-    useTemporaryFolder(argv[1]);
+    useTemporaryFolder((argv[1] + std::string("/records")).c_str());
     set_log_folder(boost::nowide::widen(argv[1]).c_str());
     set_log_level(kLogWarning);
     if (argc == 2)
