@@ -47,7 +47,12 @@ int recordException(const char* source, const EXCEPTION_POINTERS* raised) {
     const EXCEPTION_RECORD& told = *raised->ExceptionRecord;
     const ExceptionRecord record{told.ExceptionCode, told.ExceptionFlags, told.ExceptionAddress};
     const ExceptionPointers pointers{&record, raised->ContextRecord};
-    return recordWith(source, &pointers, told.ExceptionCode == EXCEPTION_STACK_OVERFLOW);
+    const bool withoutRoom = told.ExceptionCode == EXCEPTION_STACK_OVERFLOW;
+    const int verdict = recordWith(source, &pointers, withoutRoom);
+    // The system's own way to the end takes more room than is left.
+    if (withoutRoom && verdict != 0)
+        (void)TerminateProcess(GetCurrentProcess(), told.ExceptionCode);
+    return verdict;
 }
 
 LONG WINAPI onUnhandledException(EXCEPTION_POINTERS* raised) {
