@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""deaths.py PLATFORM PROGRAM [EMULATOR...]: lets the program die in every way it knows, and compares what is left of
+"""deaths.py HOST COMMAND... [--DEATH...]: lets the program die in every way it knows, and compares what is left of
 each with the table below: how the process ended, how many records there are, and what they say."""
 
 import os
@@ -13,7 +13,7 @@ import tempfile
 import time
 
 BOUND = 5.0  # how long a crash is recorded at most
-SLACK = {"linux": 2.0, "windows": 20.0}
+SLACK = {"linux": 2.0, "windows": 20.0, "dotnet": 30.0, "mono": 30.0}
 
 # Of each death: how the process ends (a signal of Linux, an exit code of Windows modulo 256), how many records it
 # leaves, the code and the function that the last of them tells. None stands for what isn't there.
@@ -70,11 +70,27 @@ DEATHS = {
         "no_folder": (5, 0, None, None),
     },
 }
+# A program in C#, under each of its run times.
+MANAGED = {
+    "on_purpose": ("SEGV", 1, ACCESS, "Crash"),
+    "thread": ("SEGV", 1, ACCESS, "Crash"),
+    "pool": ("SEGV", 1, ACCESS, "Crash"),
+    "callback": ("SEGV", 1, ACCESS, "Crash"),
+    "unreferenced": ("SEGV", 1, ACCESS, "Crash"),
+    "disposed": ("SEGV", 0, None, None),
+    "managed": ("ABRT", 0, None, None),
+    "null_references": (0, 0, None, None),
+}
+DEATHS["dotnet"] = MANAGED
+# Mono's own handler and its own end.
+DEATHS["mono"] = {**MANAGED, "disposed": ("ABRT", 0, None, None), "managed": (1, 0, None, None)}
 # What takes the whole bound: the log's lock is with the thread that died.
 SLOW = {"in_log"}
+LOGGED = {"linux", "windows"}
 NOT_LOGGED = {"in_log", "while_recording", "full_disk"}
 
-RECORDS = "records/dying_program.dmpini"
+# By the name of the process's program.
+PROGRAMS = {"linux": "dying_program", "windows": "dying_program", "dotnet": "dotnet", "mono": "mono-sgen"}
 LOG = "lumiport.dying_program.log"
 
 
@@ -85,8 +101,12 @@ def limit_files():
 
 
 
-def own_path(platform, folder):
-    return folder if platform == "linux" else "Z:" + folder.replace("/", "\\")
+def records_path(host):
+    return f"records/{PROGRAMS[host]}.dmpini"
+
+
+def own_path(host, folder):
+    return folder if host == "linux" else "Z:" + folder.replace("/", "\\")
 
 
 def text_of(folder, name):
@@ -97,48 +117,48 @@ def text_of(folder, name):
         return ""
 
 
-def records_in(folder):
-    text = text_of(folder, RECORDS)
+def records_in(host, folder):
+    text = text_of(folder, records_path(host))
     parts = re.split(r"^\[(.*)\]\r\n", text, flags=re.MULTILINE)[1:]
     sections = {name: dict(line.split("=", 1) for line in body.split("\r\n") if "=" in line)
                 for name, body in zip(parts[::2], parts[1::2])}
     return [sections[str(n)] for n in range(1, int(sections.get("general", {}).get("last", 0)) + 1)]
 
 
-def functions_in(folder, program):
+def functions_in(host, folder, symbols):
     """What the tool for people makes of the records."""
     tool = os.path.join(os.path.dirname(__file__), "../../tools/symbolize.py")
-    return subprocess.run([sys.executable, tool, os.path.join(folder, RECORDS), "--symbols",
-                           os.path.dirname(program)], check=True, capture_output=True, text=True).stdout
+    return subprocess.run([sys.executable, tool, os.path.join(folder, records_path(host)), "--symbols",
+                           symbols], check=True, capture_output=True, text=True).stdout
 
 
 def ending(code):
     return code if code >= 0 else signal.Signals(-code).name[len("SIG"):]
 
 
-def faults_of(name, expected, folder, program, ended, seconds, slack):
-    end, count, code, function = expected
-    records = records_in(folder)
+def faults_of(host, name, folder, symbols, ended, seconds):
+    end, count, code, function = DEATHS[host][name]
+    records = records_in(host, folder)
     if ended != end:
         yield f"ended with {ended} instead of {end}"
     if len(records) != count:
         yield f"{len(records)} records instead of {count}"
-    elif not records and code and code not in text_of(folder, RECORDS):
+    elif not records and code and code not in text_of(folder, records_path(host)):
         yield f"nothing is left of {code}"
     elif records:
         told = records[-1].get("ExceptionCode")
         if told != code:
             yield f"the record says {told} instead of {code}"
-        if function and function not in functions_in(folder, program):
+        if function and function not in functions_in(host, folder, symbols):
             yield f"the record doesn't lead to {function}"
     told = "Cannot verify dump file path" if name == "no_folder" else "PROCESS CRASHED!"
-    if (count or name == "no_folder") and name not in NOT_LOGGED and told not in text_of(folder, LOG):
+    if (count or name == "no_folder") and host in LOGGED and name not in NOT_LOGGED and told not in text_of(folder, LOG):
         yield "the log doesn't tell"
-    if seconds > slack + (BOUND if name in SLOW else 0):
+    if seconds > SLACK[host] + (BOUND if name in SLOW else 0):
         yield f"took {seconds:.1f} s"
 
 
-def play(platform, program, emulator, name, expected):
+def play(host, command, name):
     folder = tempfile.mkdtemp(prefix="deaths-")
     try:
         if name == "no_folder":
@@ -146,31 +166,37 @@ def play(platform, program, emulator, name, expected):
                 pass
         else:
             os.mkdir(os.path.join(folder, "records"))
+        arguments = [own_path(host, folder), name] if host in LOGGED else [name]
+        environment = {**os.environ, "WINEDLLOVERRIDES": "winedbg.exe=d"}
+        if host not in LOGGED:
+            environment["TMPDIR"] = os.path.join(folder, "records")
         begun = time.monotonic()
-        run = subprocess.run([*emulator, program, own_path(platform, folder), name], check=False, timeout=120,
-                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+        run = subprocess.run([*command, *arguments], check=False, timeout=120, env=environment,
+                             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
                              preexec_fn=limit_files if name == "full_disk" else None)
         seconds = time.monotonic() - begun
         ended = ending(run.returncode)
-        faults = list(faults_of(name, expected, folder, program, ended, seconds, SLACK[platform]))
-        records = records_in(folder)
+        symbols = os.environ.get("ORBELANTINE_SYMBOLS", os.path.dirname(command[-1]))
+        faults = list(faults_of(host, name, folder, symbols, ended, seconds))
+        records = records_in(host, folder)
         code = records[-1].get("ExceptionCode", "-") if records else "-"
-        print(f"{name:18} {ended!s:>5} {len(records):>8}  {code:>10} {seconds:>7.2f}  {'; '.join(faults) or 'ok'}", flush=True)
+        told = "; ".join(faults) or "ok"
+        figure = re.findall(r"^ratio .*$", run.stdout, flags=re.MULTILINE)
+        print(f"{name:18} {ended!s:>5} {len(records):>8}  {code:>10} {seconds:>7.2f}  {told}  {figure[0] if figure else ''}",
+              flush=True)
         return not faults
     finally:
         shutil.rmtree(folder)
 
 
 def main():
-    platform, program, *rest = sys.argv[1:]
+    host, *rest = sys.argv[1:]
     only = [word[2:] for word in rest if word.startswith("--")]
-    emulator = [word for word in rest if not word.startswith("--")]
+    command = [word for word in rest if not word.startswith("--")]
     # A core of each death is of no use.
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-    os.environ["WINEDLLOVERRIDES"] = "winedbg.exe=d"
     print(f"{'death':18} {'ended':>5} {'records':>8}  {'exception':>10} {'seconds':>7}")
-    deaths = {name: row for name, row in DEATHS[platform].items() if not only or name in only}
-    results = [play(platform, program, emulator, name, row) for name, row in deaths.items()]
+    results = [play(host, command, name) for name in DEATHS[host] if not only or name in only]
     sys.exit(0 if results and all(results) else 1)
 
 

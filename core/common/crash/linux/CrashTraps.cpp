@@ -70,7 +70,8 @@ void passOn(const Fault& fault) {
         endBy(fault.signal);
         return;
     }
-    (void)pthread_sigmask(SIG_BLOCK, &before.sa_mask, nullptr);
+    if (sigisemptyset(&before.sa_mask) == 0)
+        (void)pthread_sigmask(SIG_BLOCK, &before.sa_mask, nullptr);
     if ((before.sa_flags & SA_SIGINFO) != 0)
         before.sa_sigaction(fault.signal, const_cast<siginfo_t*>(fault.info), fault.context);
     else
@@ -119,13 +120,17 @@ int recordFault(const Fault& fault) {
 }
 
 void onSignal(int signal, siginfo_t* info, void* context) {
-    const int errnoBefore = errno;
     const Fault fault{signal, info, context};
+    // Some hosts have a hundred thousand of these: nothing is asked of the system before.
+    if (mayBeManaged(fault)) {
+        passOn(fault);
+        return;
+    }
+    const int errnoBefore = errno;
     if (isOwnProcess() && onCrashRecorder())
         failRecording();
     const bool recorded = signal == SIGABRT && terminating == gettid();
-    const bool ours = isOwnProcess() && !mayBeManaged(fault) && !recorded;
-    const int verdict = ours ? recordFault(fault) : 0;
+    const int verdict = isOwnProcess() && !recorded ? recordFault(fault) : 0;
     errno = errnoBefore;
     if (verdict != 0)
         endBy(signal);
