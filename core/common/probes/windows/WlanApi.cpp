@@ -3,7 +3,6 @@
 // clang-format off
 #include <windows.h>
 #include <objbase.h>
-#include <l2cmn.h>
 #include <wlanapi.h>
 // clang-format on
 
@@ -15,6 +14,10 @@
 namespace orbelantine {
 
 namespace {
+
+// WLAN_NOTIFICATION_SOURCE_ALL and _NONE, which the compiler's headers leave half declared.
+constexpr DWORD kAllSources = 0xffff;
+constexpr DWORD kNoSource = 0;
 
 GUID asGuid(const WlanApi::Guid& bytes) {
     static_assert(sizeof(GUID) == sizeof(WlanApi::Guid));
@@ -55,13 +58,12 @@ class WindowsWlanApi final : public WlanApi {
             const std::lock_guard lock(mMutex);
             listener = (mListeners[handle] = std::make_unique<Notified>(std::move(notified))).get();
         }
-        return WlanRegisterNotification(handle, WLAN_NOTIFICATION_SOURCE_ALL, TRUE, onNotification,
-                                        listener, nullptr, nullptr);
+        return WlanRegisterNotification(handle, kAllSources, TRUE, onNotification, listener,
+                                        nullptr, nullptr);
     }
 
     void unlisten(Handle handle) override {
-        (void)WlanRegisterNotification(handle, WLAN_NOTIFICATION_SOURCE_NONE, TRUE, nullptr,
-                                       nullptr, nullptr, nullptr);
+        (void)WlanRegisterNotification(handle, kNoSource, TRUE, nullptr, nullptr, nullptr, nullptr);
     }
 
     [[nodiscard]] Error enumerate(Handle handle, Interfaces& interfaces) override {
