@@ -1,6 +1,6 @@
 #pragma once
 
-#include "avstack/IMediaElement.h"
+#include "avstack/PassThroughElement.h"
 
 #include <string>
 
@@ -20,15 +20,9 @@ class IInputSource::Dummy : public IInputSource {
 };
 
 /// Hands every buffer on to its target unchanged; drops it while there is none.
-class IInputSource::PassThrough : public IInputSource {
+class IInputSource::PassThrough : public PassThroughElement<IInputSource> {
   public:
-    void registerTarget(const boost::shared_ptr<IMediaElement>& target) override;
-    void onFrame(const boost::shared_ptr<IMediaBuffer>& buffer) override;
     [[nodiscard]] std::string getName() override;
-    [[nodiscard]] virtual boost::shared_ptr<IMediaElement> getTarget();
-
-  private:
-    boost::shared_ptr<IMediaElement> mTarget;
 };
 
 } // namespace orbelantine
