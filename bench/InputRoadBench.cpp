@@ -1,4 +1,5 @@
 #include "bench/OneProcessor.h"
+#include "core/common/crash/CExceptionHandler.h"
 #include "core/common/run/IoThread.h"
 #include "core/common/types/linux/FileDescriptor.h"
 #include "hid/channel/IHIDDeviceClient.h"
@@ -99,6 +100,16 @@ void inputRoadBare(benchmark::State& state) {
     }
 }
 
+/// With crashes being recorded, were there any.
+void inputRoadRecorded(benchmark::State& state) {
+    CExceptionHandler handler;
+    if (!handler.SetHandler())
+        throw std::runtime_error("the handler can't be set");
+    inputRoadOurs(state);
+}
+
+BENCHMARK(inputRoadRecorded)->Name("BM_RecordedInputRoad/ours")->UseRealTime();
+BENCHMARK(inputRoadOurs)->Name("BM_RecordedInputRoad/bare")->UseRealTime();
 BENCHMARK(inputRoadOurs)->Name("BM_InputRoad/ours")->UseRealTime();
 BENCHMARK(inputRoadBare)->Name("BM_InputRoad/bare")->UseRealTime();
 

@@ -23,6 +23,8 @@ RATIO_LIMITS = {
     "SendReport": 1.3,
     "SendMouseMove": 1.3,
     "InputRoad": 1.5,
+    # With the crash handler set, beside the same without.
+    "RecordedInputRoad": 1.1,
     "RelativeMove": 1.6,
     "Reverse": 1.3,
     "PipePingPong": 1.5,

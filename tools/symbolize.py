@@ -25,9 +25,7 @@ class Module:
         with open(path, "rb") as file:
             head = file.read(4096)
         self.image_base = 0
-        self.tool = "addr2line"
         if head[:2] == b"MZ":
-            self.tool = "x86_64-w64-mingw32-addr2line"
             optional = struct.unpack_from("<I", head, 0x3C)[0] + 24
             self.image_base = struct.unpack_from("<Q", head, optional + 24)[0]
 
@@ -36,7 +34,7 @@ class Module:
         if not offsets:
             return {}
         addresses = [hex(offset + self.image_base) for offset in offsets]
-        told = subprocess.run([self.tool, "-a", "-p", "-f", "-C", "-i", "-e", self.path, *addresses], check=True,
+        told = subprocess.run(["addr2line", "-a", "-p", "-f", "-C", "-i", "-e", self.path, *addresses], check=True,
                               capture_output=True, text=True).stdout
         found, place = {}, None
         for line in told.splitlines():

@@ -65,6 +65,7 @@ DEATHS = {
         "no_action": (5, 1, ACCESS, "writeNowhere"),
         "while_recording": (5, 0, ACCESS, None),
         "unset": (5, 0, None, None),
+        "library": (5, 1, ACCESS, "CExceptionHandler::Crash"),
         "invalid_parameter": (3, 1, None, None),
         "managed": (0x52, 1, "0xe0434352", None),
         "no_folder": (5, 0, None, None),
@@ -84,6 +85,10 @@ MANAGED = {
 DEATHS["dotnet"] = MANAGED
 # Mono's own handler and its own end.
 DEATHS["mono"] = {**MANAGED, "disposed": ("ABRT", 0, None, None), "managed": (1, 0, None, None)}
+# Without its symbols, which the records are read with.
+DEATHS["linux"]["stripped"] = DEATHS["linux"]["null_write"]
+DEATHS["windows"]["stripped"] = DEATHS["windows"]["null_write"]
+
 # What takes the whole bound: the log's lock is with the thread that died.
 SLOW = {"in_log"}
 LOGGED = {"linux", "windows"}
@@ -159,9 +164,19 @@ def faults_of(host, name, folder, symbols, ended, seconds):
         yield f"took {seconds:.1f} s"
 
 
+def stripped(program, folder):
+    copy = os.path.join(folder, os.path.basename(program))
+    strip = "x86_64-w64-mingw32-strip" if program.endswith(".exe") else "strip"
+    subprocess.run([strip, "-o", copy, program], check=True)
+    return copy
+
+
 def play(host, command, name):
     folder = tempfile.mkdtemp(prefix="deaths-")
+    symbols = os.environ.get("ORBELANTINE_SYMBOLS", os.path.dirname(command[-1]))
     try:
+        if name == "stripped":
+            command, name = [*command[:-1], stripped(command[-1], folder)], "null_write"
         if name == "no_folder":
             with open(os.path.join(folder, "records"), "w", encoding="ascii"):
                 pass
@@ -177,7 +192,6 @@ def play(host, command, name):
                              preexec_fn=limit_files if name == "full_disk" else None)
         seconds = time.monotonic() - begun
         ended = ending(run.returncode)
-        symbols = os.environ.get("ORBELANTINE_SYMBOLS", os.path.dirname(command[-1]))
         faults = list(faults_of(host, name, folder, symbols, ended, seconds))
         records = records_in(host, folder)
         code = records[-1].get("ExceptionCode", "-") if records else "-"

@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <cstdlib>
+#include <string>
+
 namespace orbelantine::test {
 
 namespace {
@@ -13,11 +16,26 @@ void tellInvalidParameter() {
     std::exit(3);
 }
 
+template <class Function>
+Function exported(const char* name) {
+    const HMODULE library = LoadLibraryW(L"orbelantine.dll");
+    const std::string whole = std::string("CSharp_OrbelantinefSwigfcommon_") + name + "___";
+    return reinterpret_cast<Function>(GetProcAddress(library, whole.c_str()));
+}
+
+/// As a host does, with the library that is shipped.
+void dieInLibrary() {
+    void* const handler = exported<void* (*)()>("new_CExceptionHandler__SWIG_2")();
+    if (exported<unsigned (*)(void*)>("CExceptionHandler_SetHandler")(handler) != 0)
+        exported<void (*)(void*)>("CExceptionHandler_Crash")(handler);
+}
+
 void raiseManaged() {
     RaiseException(0xe0434352, 0, 0, nullptr);
 }
 
 constexpr Death kWindowsDeaths[] = {
+    {"library", dieInLibrary},
     {"invalid_parameter", tellInvalidParameter},
     {"managed", raiseManaged},
 };
