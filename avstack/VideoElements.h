@@ -1,6 +1,6 @@
 #pragma once
 
-#include "avstack/PassThroughElement.h"
+#include "avstack/IMediaElement.h"
 
 #include <string>
 

@@ -41,10 +41,8 @@ void installHostHandler() {
 }
 
 constexpr Death kLinuxDeaths[] = {
-    {"broken_heap", breakHeap},
-    {"lost_stack", loseStack},
-    {"in_child", inChild},
-    {"host_handler", writeNowhere, installHostHandler},
+    {"broken_heap", breakHeap},  {"lost_stack", loseStack},
+    {"in_child", inChild},       {"host_handler", writeNowhere, installHostHandler},
     {"full_disk", writeNowhere},
 };
 
