@@ -137,10 +137,7 @@ struct CrashRecord : testing::Test {
     FakeStackApi stack;
     CExceptionHandler handler{true, api, stack};
 
-    CrashRecord() {
-        // Where the file is, is settled by one of the two that begin.
-        (void)handler.GetLatestCrashes();
-    }
+    CrashRecord() { handler.InitDumpFilePath(); }
 };
 
 TEST_F(CrashRecord, IsASectionWithItsKeysInOrderAndLinesOfTheLog) {
@@ -197,7 +194,7 @@ TEST_F(CrashRecord, OfAManagedExceptionIsWrittenButNeitherEndsTheProcessNorIsHan
     EXPECT_TRUE(handler.GetLatestCrashes().empty());
     EXPECT_EQ(log.missing({"(index = 1). Should have already been sent"}), Texts{});
     CExceptionHandler lenient(false, api, stack);
-    (void)lenient.GetLatestCrashes();
+    lenient.InitDumpFilePath();
     EXPECT_EQ(lenient.UnhandledExceptionFilter("test", nullptr), 0);
 }
 

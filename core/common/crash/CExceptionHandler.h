@@ -44,15 +44,13 @@ class CExceptionHandler {
 
     /// Records a crash. 1 if the process is to end now, 0 if the handlers before this one have it.
     virtual int UnhandledExceptionFilter(const char* source, const ExceptionPointers* pointers);
-    /// Ends the process with exit code 1.
-    virtual void KillProcess();
-
-  protected:
     /// The name of a new crash's section, after the oldest ones have been removed.
     virtual std::wstring GetNextCrashSection();
     virtual void WriteExceptionDetails(const wchar_t* section, const ExceptionPointers* pointers);
     virtual void WriteStackTrace(const wchar_t* section, const void* crashAddress,
                                  const void* context);
+    /// Ends the process with exit code 1.
+    virtual void KillProcess();
     virtual void InitDumpFilePath();
 
   private:
