@@ -132,8 +132,7 @@ TEST_F(ProtectedStream, OfTheSystemComesBackAsItWasWritten) {
         cifstream in(path);
         EXPECT_EQ(rest(in), expected);
     }
-    for (const std::string& garbage :
-         {std::string(500, 'x'), std::string("ORBP"), content() + "x"}) {
+    for (const std::string& garbage : {std::string(500, 'x'), std::string("ORBP")}) {
         put(garbage);
         EXPECT_TRUE(cifstream(path).bad()) << garbage.size();
     }

@@ -20,7 +20,8 @@ template <class Function>
 Function exported(const char* name) {
     const HMODULE library = LoadLibraryW(L"orbelantine.dll");
     const std::string whole = std::string("CSharp_OrbelantinefSwigfcommon_") + name + "___";
-    return reinterpret_cast<Function>(GetProcAddress(library, whole.c_str()));
+    void (*const found)() = reinterpret_cast<void (*)()>(GetProcAddress(library, whole.c_str()));
+    return reinterpret_cast<Function>(found);
 }
 
 /// As a host does, with the library that is shipped.

@@ -58,7 +58,8 @@ void captureInterruptedFrames(CrashFrames& frames, void* context) {
     if (!loadedModuleAt(caller))
         return;
     registers[REG_RIP] = static_cast<greg_t>(caller);
-    registers[REG_RSP] = static_cast<greg_t>(stack + sizeof caller);
+    const std::uintptr_t beforeCall = stack + sizeof caller;
+    registers[REG_RSP] = static_cast<greg_t>(beforeCall);
     unwindFrom(caller, frames);
     registers[REG_RIP] = static_cast<greg_t>(counter);
     registers[REG_RSP] = static_cast<greg_t>(stack);

@@ -2,6 +2,7 @@
 
 #include "core/common/crash/CExceptionHandler.h"
 #include "core/common/crash/windows/CrashWatch.h"
+#include "core/common/crash/windows/SymbolGuard.h"
 #include "core/common/log/Log.h"
 #include "core/common/run/AlternateStack.h"
 
@@ -56,6 +57,7 @@ int recordException(const char* source, const EXCEPTION_POINTERS* raised) {
 }
 
 LONG WINAPI onUnhandledException(EXCEPTION_POINTERS* raised) {
+    giveUpReadingSymbols();
     if (recordException("CExceptionHandler::_UnhandledExceptionFilter", raised) != 0 ||
         filterBefore == nullptr)
         return EXCEPTION_EXECUTE_HANDLER;
