@@ -7,6 +7,7 @@
 
 #include <map>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace orbelantine::test {
@@ -294,6 +295,26 @@ TEST_F(CrashRecord, HandlerIsSetOnceAndNotAgainstAnotherOrWithoutAMutex) {
     }
     EXPECT_EQ(api.released, 2);
     EXPECT_EQ(api.closed, 1);
+}
+
+TEST(CrashHandler, IsSetByObjectsOfOneThreadUntilItEndsOrLetsGo) {
+    CExceptionHandler mine;
+    CExceptionHandler second;
+    CExceptionHandler others;
+    const auto setElsewhere = [&others] {
+        bool set = false;
+        std::thread([&] { set = others.SetHandler(); }).join();
+        return set;
+    };
+    EXPECT_TRUE(mine.SetHandler());
+    EXPECT_TRUE(second.SetHandler());
+    EXPECT_FALSE(setElsewhere());
+    second.UnsetHandler();
+    EXPECT_FALSE(setElsewhere());
+    mine.UnsetHandler();
+    EXPECT_TRUE(setElsewhere());
+    // Whose owner is gone is free.
+    EXPECT_TRUE(mine.SetHandler());
 }
 
 TEST(ProfileText, HasTheRulesOfWindowsProfileFiles) {
