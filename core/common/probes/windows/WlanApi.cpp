@@ -47,9 +47,9 @@ class WindowsWlanApi final : public WlanApi {
     }
 
     void close(Handle handle) override {
+        // Taken out first: once closed, the handle's value may be another one's.
+        const auto listener = taken(handle);
         (void)WlanCloseHandle(handle, nullptr);
-        const std::lock_guard lock(mMutex);
-        mListeners.erase(handle);
     }
 
     Error listen(Handle handle, Notified notified) override {
@@ -101,8 +101,15 @@ class WindowsWlanApi final : public WlanApi {
     void unload(Module module) override { (void)FreeLibrary(static_cast<HMODULE>(module)); }
 
   private:
+    using Listeners = std::map<Handle, std::unique_ptr<Notified>>;
+
+    [[nodiscard]] Listeners::node_type taken(Handle handle) {
+        const std::lock_guard lock(mMutex);
+        return mListeners.extract(handle);
+    }
+
     std::mutex mMutex;
-    std::map<Handle, std::unique_ptr<Notified>> mListeners;
+    Listeners mListeners;
 };
 
 } // namespace
