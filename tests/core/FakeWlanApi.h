@@ -3,6 +3,7 @@
 #include "core/common/probes/WlanApi.h"
 #include "tests/support/Journal.h"
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -39,6 +40,8 @@ class FakeWlanApi final : public WlanApi {
 
     Error enumerate(Handle /*handle*/, Interfaces& interfaces) override {
         interfaces.list = adapters;
+        if (whileEnumerating)
+            whileEnumerating();
         journal.note("enumerate");
         return enumerateError;
     }
@@ -74,6 +77,7 @@ class FakeWlanApi final : public WlanApi {
 
     Journal journal;
     std::vector<Interface> adapters;
+    std::function<void()> whileEnumerating;
     bool hasLibrary = true;
     Error openError = 0;
     Error enumerateError = 0;

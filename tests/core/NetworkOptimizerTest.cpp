@@ -107,6 +107,20 @@ TEST_F(NetworkOptimizerTest, StaysStoppedWithoutTheServiceAndStartsAndStopsAnyNu
               all({kStart, kStop, kStart, kStop}));
 }
 
+TEST_F(NetworkOptimizerTest, StopLeavesNothingToAQueryBehindItNorToAStartWithoutTheLibrary) {
+    api.adapters = {{{1}, L"Wi-Fi", 1}};
+    const Names done = doneWhile([&](auto& optimizer) {
+        api.whileEnumerating = [&] {
+            optimizer.stop();
+            api.notify(kAutoConfiguration, 7);
+            api.hasLibrary = false;
+            optimizer.start();
+        };
+        startAndNotify(optimizer);
+    });
+    EXPECT_EQ(done, all({kStart, {"enumerate"}, kApplied1, kStop, kStart, {"unlisten", "close"}}));
+}
+
 TEST_F(NetworkOptimizerTest, IsLetGoWhileNotificationsStorm) {
     api.adapters = {{{1}, L"Wi-Fi", 1}};
     std::atomic<bool> over = false;
