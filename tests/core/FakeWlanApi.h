@@ -40,8 +40,8 @@ class FakeWlanApi final : public WlanApi {
 
     Error enumerate(Handle /*handle*/, Interfaces& interfaces) override {
         interfaces.list = adapters;
-        if (whileEnumerating)
-            whileEnumerating();
+        if (const auto act = std::exchange(whileEnumerating, nullptr))
+            act();
         journal.note("enumerate");
         return enumerateError;
     }
@@ -77,6 +77,7 @@ class FakeWlanApi final : public WlanApi {
 
     Journal journal;
     std::vector<Interface> adapters;
+    /// Called by the next enumeration alone.
     std::function<void()> whileEnumerating;
     bool hasLibrary = true;
     Error openError = 0;

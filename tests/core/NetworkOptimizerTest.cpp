@@ -107,7 +107,7 @@ TEST_F(NetworkOptimizerTest, StaysStoppedWithoutTheServiceAndStartsAndStopsAnyNu
               all({kStart, kStop, kStart, kStop}));
 }
 
-TEST_F(NetworkOptimizerTest, StopLeavesNothingToAQueryBehindItNorToAStartWithoutTheLibrary) {
+TEST_F(NetworkOptimizerTest, StopLeavesNothingToAQueryBehindItNorToTheNextStart) {
     api.adapters = {{{1}, L"Wi-Fi", 1}};
     const Names done = doneWhile([&](auto& optimizer) {
         api.whileEnumerating = [&] {
@@ -117,8 +117,16 @@ TEST_F(NetworkOptimizerTest, StopLeavesNothingToAQueryBehindItNorToAStartWithout
             optimizer.start();
         };
         startAndNotify(optimizer);
+        api.journal.await("listen", 2);
+        api.notify(kAutoConfiguration, 7);
+        api.journal.await("enumerate", 2);
     });
-    EXPECT_EQ(done, all({kStart, {"enumerate"}, kApplied1, kStop, kStart, {"unlisten", "close"}}));
+    EXPECT_EQ(done, all({kStart,
+                         {"enumerate"},
+                         kApplied1,
+                         kStop,
+                         kStart,
+                         {"enumerate", "set 1 2 0", "set 1 3 1", "unlisten", "close"}}));
 }
 
 TEST_F(NetworkOptimizerTest, IsLetGoWhileNotificationsStorm) {
