@@ -86,9 +86,11 @@ TEST_F(LinuxProtection, IsTheMachinesWhereRootSaysSo) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root says so";
     EXPECT_EQ(api().sessionId(), 1U);
+    Bytes blob;
+    EXPECT_EQ(api().protect({1, 2}, ProtectionApi::kLocalMachine, blob), 2U);
+    EXPECT_FALSE(std::filesystem::exists(root + "/machine"));
     std::filesystem::create_directory(root + "/machine");
     EXPECT_EQ(api().sessionId(), 0U);
-    Bytes blob;
     ASSERT_EQ(api().protect({1, 2}, ProtectionApi::kLocalMachine, blob), 0U);
 
     struct stat status {};
