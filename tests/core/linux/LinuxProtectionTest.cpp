@@ -101,6 +101,8 @@ TEST_F(LinuxProtection, IsTheMachinesWhereRootSaysSo) {
     Bytes plain;
     EXPECT_EQ(api().unprotect(blob, plain), 0U);
     EXPECT_EQ(plain, (Bytes{1, 2}));
+    ASSERT_EQ(chown((root + "/machine/protection.key").c_str(), 1, 1), 0);
+    EXPECT_EQ(api().unprotect(blob, plain), 5U);
     (void)chmod((root + "/machine").c_str(), 0777);
     EXPECT_EQ(api().sessionId(), 1U);
 }
