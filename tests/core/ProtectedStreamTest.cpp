@@ -4,12 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <iterator>
 #include <random>
 #include <string>
+#include <thread>
 
 namespace orbelantine::test {
 namespace {
@@ -108,8 +110,39 @@ TEST_F(ProtectedStream, FailureIsAStateAndALineAndNothingPlain) {
     EXPECT_FALSE(in >> word);
     EXPECT_EQ(word, "");
 
+    api.error = 0;
+    std::filesystem::resize_file(toPath(path), 3'000'000'000);
+    EXPECT_TRUE(cifstream(path, std::ios::in, api).bad());
+    EXPECT_EQ(log.told(),
+              Texts{"error cifstream::decrypt() Failed to decrypt 2147483647 bytes. Error = 13"});
+
     EXPECT_TRUE(cifstream(path + L"/none", std::ios::in, api).fail());
     EXPECT_TRUE(cofstream(path + L"/none", api, 1).fail());
+}
+
+TEST_F(ProtectedStream, KeepsWhatThreadsWriteAtOnceInWholePieces) {
+    constexpr std::size_t kPiece = 9;
+    constexpr std::size_t kEach = 200;
+    cofstream out(path, api, 1);
+    std::array<std::thread, 4> writers;
+    for (std::size_t i = 0; i < writers.size(); ++i)
+        writers[i] = std::thread([&out, piece = std::string(kPiece, static_cast<char>('a' + i))] {
+            for (std::size_t n = 0; n < kEach; ++n)
+                out.write(piece.data(), kPiece);
+        });
+    for (std::thread& writer : writers)
+        writer.join();
+    out.close();
+
+    cifstream in(path, std::ios::in, api);
+    const std::string read = rest(in);
+    ASSERT_EQ(read.size(), writers.size() * kEach * kPiece);
+    std::array<std::size_t, 4> pieces{};
+    for (std::size_t i = 0; i < read.size(); i += kPiece) {
+        ASSERT_EQ(read.substr(i, kPiece), std::string(kPiece, read[i])) << i;
+        ++pieces.at(static_cast<std::size_t>(read[i] - 'a'));
+    }
+    EXPECT_EQ(pieces, (std::array<std::size_t, 4>{kEach, kEach, kEach, kEach}));
 }
 
 TEST_F(ProtectedStream, OfTheSystemComesBackAsItWasWritten) {

@@ -3,9 +3,16 @@
 #include "core/common/log/Log.h"
 #include "core/common/log/LogPaths.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace orbelantine {
 
 namespace {
+
+constexpr ProtectionApi::Error kNoBlob = 13;
+// The system counts in 32 bits. A folder that could be opened may tell any size.
+constexpr std::streamoff kLargestBlob = std::numeric_limits<std::int32_t>::max();
 
 /// The process's, asked for by its first cofstream.
 std::uint32_t ownSessionId() {
@@ -35,14 +42,18 @@ bool cifstream::decrypt() {
     const std::streamoff size = tellg();
     if (size < 1)
         return true;
-    seekg(0);
-    ProtectionApi::Bytes blob(static_cast<std::size_t>(size));
-    read(reinterpret_cast<char*>(blob.data()), size);
-
+    ProtectionApi::Bytes blob;
     ProtectionApi::Bytes plain;
-    if (const ProtectionApi::Error error = mApi.unprotect(blob, plain); error != 0) {
-        ORB_LOG(kLogError, "%s() Failed to decrypt %d bytes. Error = %d", loggedSize(blob),
-                static_cast<int>(error));
+    ProtectionApi::Error error = kNoBlob;
+    if (size <= kLargestBlob) {
+        seekg(0);
+        blob.resize(static_cast<std::size_t>(size));
+        read(reinterpret_cast<char*>(blob.data()), size);
+        error = mApi.unprotect(blob, plain);
+    }
+    if (error != 0) {
+        ORB_LOG(kLogError, "%s() Failed to decrypt %d bytes. Error = %d",
+                static_cast<int>(std::min(size, kLargestBlob)), static_cast<int>(error));
         return false;
     }
     mPlain.sputn(reinterpret_cast<const char*>(plain.data()), sizeOf(plain));

@@ -86,9 +86,11 @@ TEST_F(LinuxProtection, IsTheMachinesWhereRootSaysSo) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root says so";
     EXPECT_EQ(api().sessionId(), 1U);
+    Bytes blob;
+    EXPECT_EQ(api().protect({1, 2}, ProtectionApi::kLocalMachine, blob), 2U);
+    EXPECT_FALSE(std::filesystem::exists(root + "/machine"));
     std::filesystem::create_directory(root + "/machine");
     EXPECT_EQ(api().sessionId(), 0U);
-    Bytes blob;
     ASSERT_EQ(api().protect({1, 2}, ProtectionApi::kLocalMachine, blob), 0U);
 
     struct stat status {};
@@ -99,6 +101,8 @@ TEST_F(LinuxProtection, IsTheMachinesWhereRootSaysSo) {
     Bytes plain;
     EXPECT_EQ(api().unprotect(blob, plain), 0U);
     EXPECT_EQ(plain, (Bytes{1, 2}));
+    ASSERT_EQ(chown((root + "/machine/protection.key").c_str(), 1, 1), 0);
+    EXPECT_EQ(api().unprotect(blob, plain), 5U);
     (void)chmod((root + "/machine").c_str(), 0777);
     EXPECT_EQ(api().sessionId(), 1U);
 }

@@ -72,7 +72,9 @@ ProtectionApi::Error KeyFile::readOrMake(Key& key) const {
 }
 
 ProtectionApi::Error KeyFile::make() const {
-    makeFolders(mFolder);
+    // A folder that others look into is for its owner to make.
+    if ((mMode & (S_IRGRP | S_IROTH)) == 0)
+        makeFolders(mFolder);
     Key key{};
     if (getrandom(key.data(), key.size(), 0) != static_cast<ssize_t>(key.size()))
         return lastError();

@@ -14,7 +14,8 @@ class KeyFile {
   public:
     using Key = std::array<unsigned char, 32>;
 
-    /// `mode`: who may read the file. It belongs to `owner`, who alone may write.
+    /// `mode`: who may read the file. It belongs to `owner`, who alone may write. A missing folder
+    /// is made for a key that nobody else may read.
     KeyFile(std::string folder, mode_t mode, uid_t owner);
 
     /// The errors are Windows': 2 if there is no key, 5 if somebody else may have written it or may
