@@ -40,6 +40,7 @@ DEATHS = {
         "while_recording": ("SEGV", 0, ACCESS, None),
         "unset": ("SEGV", 0, None, None),
         "in_child": (0, 0, None, None),
+        "used_up_memory": ("ABRT", 2, None, None),
         "host_handler": (42, 1, ACCESS, "writeNowhere"),
         "lost_stack": ("SEGV", 1, OVERFLOW, "loseStack"),
         "full_disk": ("SEGV", 0, None, None),

@@ -1,11 +1,15 @@
+#include "core/common/crash/CExceptionHandler.h"
+#include "core/common/crash/CrashTraps.h"
 #include "tests/crash/Deaths.h"
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace orbelantine::test {
 
@@ -25,15 +29,34 @@ namespace {
     asm volatile("mov $64, %rsp\n push %rax");
 }
 
-void inChild() {
+int statusOfChild(void (*run)()) {
     const pid_t child = fork();
     if (child == 0) {
-        (void)raise(SIGSEGV);
-        std::_Exit(1);
+        // One that hangs ends all the same.
+        (void)alarm(10);
+        run();
+        std::_Exit(0);
     }
     int status = 0;
     (void)waitpid(child, &status, 0);
-    std::_Exit(WIFSIGNALED(status) && WTERMSIG(status) == SIGSEGV ? 0 : 1);
+    return status;
+}
+
+/// A child has the handler, but nobody who records.
+void inChild() {
+    const int crashed = statusOfChild([] { (void)raise(SIGSEGV); });
+    const int unset = statusOfChild([] { crashHandler()->UnsetHandler(); });
+    std::_Exit(WIFSIGNALED(crashed) && WTERMSIG(crashed) == SIGSEGV && unset == 0 ? 0 : 1);
+}
+
+/// Not a byte is left, for the recorder neither.
+void useUpMemory() noexcept {
+    const rlimit limit{0, 0};
+    (void)setrlimit(RLIMIT_AS, &limit);
+    for (std::size_t size = 1 << 20; size > 0; size /= 2)
+        while (std::malloc(size) != nullptr) {
+        }
+    (void)::operator new(16);
 }
 
 void installHostHandler() {
@@ -41,8 +64,11 @@ void installHostHandler() {
 }
 
 constexpr Death kLinuxDeaths[] = {
-    {"broken_heap", breakHeap},  {"lost_stack", loseStack},
-    {"in_child", inChild},       {"host_handler", writeNowhere, installHostHandler},
+    {"broken_heap", breakHeap},
+    {"lost_stack", loseStack},
+    {"in_child", inChild},
+    {"used_up_memory", useUpMemory},
+    {"host_handler", writeNowhere, installHostHandler},
     {"full_disk", writeNowhere},
 };
 

@@ -7,8 +7,12 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
+#include <cstddef>
+#include <future>
 #include <memory>
+#include <new>
 #include <system_error>
 #include <thread>
 
@@ -22,6 +26,7 @@ constexpr int kOwnFaults[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 CrashPost post;
 std::atomic<pid_t> recorderThread = 0;
 std::thread* recorder = nullptr;
+pid_t recorderProcess = 0;
 
 int record(const CrashPost::Entry& entry) {
     CExceptionHandler* const handler = crashHandler();
@@ -36,13 +41,34 @@ int record(const CrashPost::Entry& entry) {
     }
 }
 
-void recordCrashes() {
+/// Memory of the thread's own, kept until a crash: others may have used up all there is, or hold
+/// the lock of theirs. In pieces small enough to come from the thread's heap.
+class Reserve {
+  public:
+    Reserve() {
+        for (auto& piece : mPieces)
+            piece.reset(new (std::nothrow) char[kPieceSize]);
+    }
+
+    void release() {
+        for (auto& piece : mPieces)
+            piece.reset();
+    }
+
+  private:
+    static constexpr std::size_t kPieceSize = 0x10000;
+    std::array<std::unique_ptr<char[]>, 16> mPieces;
+};
+
+void recordCrashes(std::promise<void>& ready) {
     recorderThread = gettid();
     setThreadName("CrashRecorderThread");
-    // Memory of its own, so that it doesn't wait for what the thread that crashed holds.
-    delete[] new char[64];
-    while (post.await())
+    Reserve reserve;
+    ready.set_value();
+    while (post.await()) {
+        reserve.release();
         post.answer(record(post.entry()));
+    }
     recorderThread = 0;
 }
 
@@ -75,20 +101,23 @@ CrashPost& crashPost() {
 bool startCrashRecorder() {
     const SignalsHeldBack heldBack;
     post.open();
+    recorderProcess = getpid();
+    std::promise<void> ready;
     try {
-        recorder = new std::thread(startWorkerThread(recordCrashes));
+        recorder = new std::thread(startWorkerThread([&ready] { recordCrashes(ready); }));
     } catch (const std::system_error&) {
         return false;
     }
+    ready.get_future().wait();
     return true;
 }
 
 void stopCrashRecorder() {
-    if (!post.close(kCrashBound)) {
-        recorder->detach();
-    } else {
+    // A child of the process has the object, and not its thread.
+    if (recorderProcess == getpid() && post.close(kCrashBound))
         recorder->join();
-    }
+    else
+        recorder->detach();
     delete recorder;
     recorder = nullptr;
 }

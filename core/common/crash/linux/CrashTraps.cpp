@@ -226,14 +226,16 @@ bool installCrashTraps(CExceptionHandler& handler) {
 }
 
 void removeCrashTraps() {
-    current = nullptr;
-    if (--installations > 0)
+    if (--installations > 0) {
+        current = nullptr;
         return;
+    }
     if (std::get_new_handler() == onNoMemory)
         std::set_new_handler(newBefore);
     if (std::get_terminate() == onTerminate)
         std::set_terminate(terminateBefore);
     restoreSignals();
+    current = nullptr;
     stopCrashRecorder();
     process = 0;
 }

@@ -34,8 +34,7 @@ int recordWith(const char* source, const ExceptionPointers* pointers, bool elsew
     CExceptionHandler* const handler = current;
     if (handler == nullptr)
         return 1;
-    return recordWatched([=] { return handler->UnhandledExceptionFilter(source, pointers); },
-                         elsewhere);
+    return recordWatched({handler, source, pointers}, elsewhere);
 }
 
 void recordCondition(const char* source) {
@@ -128,15 +127,17 @@ bool installCrashTraps(CExceptionHandler& handler) {
 }
 
 void removeCrashTraps() {
-    current = nullptr;
-    if (--installations > 0)
+    if (--installations > 0) {
+        current = nullptr;
         return;
+    }
     (void)_set_invalid_parameter_handler(std::exchange(invalidParameterBefore, nullptr));
     (void)_set_purecall_handler(std::exchange(pureCallBefore, nullptr));
     (void)std::set_new_handler(std::exchange(newBefore, nullptr));
     (void)setUnexpected(std::exchange(unexpectedBefore, nullptr));
     (void)std::set_terminate(std::exchange(terminateBefore, nullptr));
     (void)SetUnhandledExceptionFilter(std::exchange(filterBefore, nullptr));
+    current = nullptr;
     stopCrashWatch();
 }
 

@@ -24,7 +24,7 @@ HANDLE ended = nullptr;
 std::thread* watcher = nullptr;
 std::atomic<bool> watchStops = false;
 std::atomic<DWORD> recordingThread = 0;
-std::atomic<const std::function<int()>*> handedOver = nullptr;
+std::atomic<const CrashRecording*> handedOver = nullptr;
 std::atomic<int> handedVerdict = 1;
 
 void endProcess() {
@@ -33,11 +33,20 @@ void endProcess() {
     (void)TerminateProcess(GetCurrentProcess(), 1);
 }
 
+/// Also where memory has run out.
+int verdictOn(const CrashRecording& crash) {
+    try {
+        return crash.handler->UnhandledExceptionFilter(crash.source, crash.pointers);
+    } catch (...) {
+        return 1;
+    }
+}
+
 void watchCrashes() {
     setThreadName("CrashWatchThread");
     while (WaitForSingleObject(begun, INFINITE) == WAIT_OBJECT_0 && !watchStops) {
-        if (const auto* const record = handedOver.exchange(nullptr)) {
-            handedVerdict = (*record)();
+        if (const CrashRecording* const crash = handedOver.exchange(nullptr)) {
+            handedVerdict = verdictOn(*crash);
             (void)SetEvent(ended);
         } else if (WaitForSingleObject(ended, kWatchBound) != WAIT_OBJECT_0) {
             endProcess();
@@ -50,7 +59,8 @@ class Turn {
   public:
     Turn() {
         const DWORD caller = GetCurrentThreadId();
-        for (DWORD waited = 0; waited < kWatchBound && recordingThread != caller; ++waited) {
+        const ULONGLONG end = GetTickCount64() + kWatchBound;
+        while (!mTaken && recordingThread != caller && GetTickCount64() < end) {
             DWORD nobody = 0;
             mTaken = recordingThread.compare_exchange_strong(nobody, caller);
             if (!mTaken)
@@ -95,17 +105,17 @@ void stopCrashWatch() {
     (void)CloseHandle(ended);
 }
 
-int recordWatched(const std::function<int()>& record, bool elsewhere) {
+int recordWatched(const CrashRecording& crash, bool elsewhere) {
     const Turn turn;
     if (!turn.taken())
         return 1;
     if (!elsewhere) {
         (void)SetEvent(begun);
-        const int verdict = record();
+        const int verdict = verdictOn(crash);
         (void)SetEvent(ended);
         return verdict;
     }
-    handedOver = &record;
+    handedOver = &crash;
     (void)SetEvent(begun);
     if (WaitForSingleObject(ended, kWatchBound) != WAIT_OBJECT_0)
         endProcess();

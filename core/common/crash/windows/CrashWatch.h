@@ -1,8 +1,17 @@
 #pragma once
 
-#include <functional>
+#include "core/common/crash/ExceptionPointers.h"
 
 namespace orbelantine {
+
+class CExceptionHandler;
+
+/// One crash to record.
+struct CrashRecording {
+    CExceptionHandler* handler;
+    const char* source;
+    const ExceptionPointers* pointers;
+};
 
 /// A thread that stands by while a crash is being recorded: what takes longer than kCrashBound is
 /// ended with the process, and what has no room left on its own stack is recorded there.
@@ -12,10 +21,10 @@ namespace orbelantine {
 [[nodiscard]] bool startCrashWatch();
 void stopCrashWatch();
 
-/// Calls `record` for the one crash at a time, and comes back with its verdict; 1 where another
-/// thread's crash doesn't come to its end, or where the recording itself crashes. `elsewhere`:
-/// whether it runs on the watching thread.
-[[nodiscard]] int recordWatched(const std::function<int()>& record, bool elsewhere);
+/// Records one crash at a time, and comes back with the verdict; 1 where another thread's crash
+/// doesn't come to its end, or where the recording itself fails. `elsewhere`: whether it is done on
+/// the watching thread. Takes no memory of its own.
+[[nodiscard]] int recordWatched(const CrashRecording& crash, bool elsewhere);
 
 /// @}
 
